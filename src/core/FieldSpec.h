@@ -1,0 +1,30 @@
+#pragma once
+// One parameter field line of a Data/*.in file: "left"<TAB>"right"<TAB>"T" or "N0,10".
+#include <stdexcept>
+#include <string>
+
+struct TInstrPanelError : std::runtime_error {
+    TInstrPanelError(int code, const char *file, int line)
+        : std::runtime_error("TInstrPanelError " + std::to_string(code) + " at " + file + ":" + std::to_string(line)),
+          code(code), file(file), line(line) {}
+    int code;
+    std::string file;
+    int line;
+};
+
+struct TdataInfo {
+    bool hasRange = false;
+    double minimum = 0;
+    double maximum = 0;
+};
+
+struct TfieldSpec {
+    std::string leftLabel;
+    std::string rightLabel;
+    char typeLetter = 'A'; // 'A', 'N', 'F' or 'U'
+    int typeTag = 0;       // 0 text, 1 whole number, 2 decimal, 3 upper case
+    TdataInfo range;
+
+    // Throws TInstrPanelError code 6 when the line breaks the grammar.
+    static TfieldSpec parse(const std::string &line);
+};

@@ -1,0 +1,29 @@
+#include "TInstr.h"
+#include <cstring>
+
+void TInstr::clear()
+{
+    category = 0;
+    opCode = 0;
+    std::memset(command, 0xFF, sizeof command);
+}
+
+void TInstr::assign(const TInstr &other)
+{
+    assign(other.category, other.opCode, other.commandText());
+}
+
+void TInstr::assign(char cat, char op, const std::string &text)
+{
+    category = cat;
+    opCode = op;
+    // Bounded copy: zero padding after the text, last byte always 0.
+    std::memset(command, 0, sizeof command);
+    std::memcpy(command, text.data(), std::min<std::size_t>(text.size(), sizeof command - 1));
+    command[sizeof command - 1] = 0;
+}
+
+std::string TInstr::commandText() const
+{
+    return std::string(command, strnlen(command, sizeof command - 1));
+}

@@ -1,0 +1,67 @@
+#include "TTestProc.h"
+#include <algorithm>
+#include <cstring>
+
+namespace {
+const char UnusedTitle[] = "(UNUSED)                                 ";
+static_assert(sizeof UnusedTitle == 42);
+}
+
+void TTestProc::blank()
+{
+    std::memset(title, ' ', 41);
+    title[41] = 0;
+    std::fill(std::begin(items), std::end(items), 0xFFFF);
+    items[0] = 0;
+    setting = 0;
+}
+
+void TTestProc::makeUnused()
+{
+    blank();
+    std::memcpy(title, UnusedTitle, 42);
+}
+
+bool TTestProc::isUnused() const
+{
+    return std::memcmp(title, UnusedTitle, 42) == 0;
+}
+
+std::string TTestProc::titleText() const
+{
+    return std::string(title, strnlen(title, 42));
+}
+
+void TTestProc::assignFromSource(const TEST_PROCEDURE &source)
+{
+    std::size_t length = strnlen(source.title, 41);
+    for (std::size_t i = 0; i < 41; ++i) {
+        unsigned char c = i < length ? static_cast<unsigned char>(source.title[i]) : ' ';
+        title[i] = (c < 32 || c == 127) ? ' ' : static_cast<char>(c);
+    }
+    title[41] = 0;
+    bool ended = false;
+    for (int i = 0; i < ItemCount; ++i) {
+        items[i] = ended ? 0xFFFF : source.items[i];
+        if (source.items[i] == 0)
+            ended = true;
+    }
+    setting = source.setting;
+}
+
+void TTestProcList::makeUnused()
+{
+    items.assign(DefaultCount, TTestProc());
+    for (auto &item : items)
+        item.makeUnused();
+}
+
+TTestProc *TTestProcList::at(std::size_t index)
+{
+    return index < DefaultCount && index < items.size() ? &items[index] : nullptr;
+}
+
+const TTestProc *TTestProcList::at(std::size_t index) const
+{
+    return index < DefaultCount && index < items.size() ? &items[index] : nullptr;
+}

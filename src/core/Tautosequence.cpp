@@ -1,0 +1,61 @@
+#include "Tautosequence.h"
+#include <algorithm>
+#include <cstring>
+
+namespace {
+const char UnusedTitle[] = "(UNUSED)          ";
+const char BlankTitle[] = "                  ";
+}
+
+void Tautosequence::blank()
+{
+    std::memcpy(title1, BlankTitle, 19);
+    std::memcpy(title2, BlankTitle, 19);
+    std::fill(std::begin(items), std::end(items), 0xFFFF);
+    items[0] = 0;
+    setting = 0;
+}
+
+void Tautosequence::makeUnused()
+{
+    blank();
+    std::memcpy(title1, UnusedTitle, 19);
+}
+
+bool Tautosequence::isUnused() const
+{
+    return std::memcmp(title1, UnusedTitle, 19) == 0 && std::memcmp(title2, BlankTitle, 19) == 0
+        && setting == 0 && items[0] == 0;
+}
+
+void Tautosequence::setTitle(char (&title)[19], const std::string &text)
+{
+    for (std::size_t i = 0; i < 18; ++i) {
+        char c = i < text.size() ? text[i] : ' ';
+        unsigned char u = static_cast<unsigned char>(c);
+        title[i] = (u < 32 || u == 127) ? ' ' : c;
+    }
+    title[18] = 0;
+}
+
+std::string Tautosequence::titleText(const char (&title)[19])
+{
+    return std::string(title, strnlen(title, 19));
+}
+
+void Tautosequence::assignItemsFrom(const Tautosequence &source)
+{
+    bool ended = false;
+    for (int i = 0; i < ItemCount; ++i) {
+        items[i] = ended ? 0xFFFF : source.items[i];
+        if (source.items[i] == 0)
+            ended = true;
+    }
+    setting = source.setting;
+}
+
+int TesterSetting::baudRate(int baudIndex)
+{
+    static const int rates[] = {2400, 4800, 9600, 19200};
+    return rates[baudIndex & 3];
+}
