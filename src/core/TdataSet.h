@@ -16,6 +16,8 @@ public:
     static constexpr int SequencesPerTester = 12;
     static constexpr int DefaultInspectionCount = 18;
 
+    // Stores the folder and the sink only: the containers start default-constructed
+    // (1044 cleared checkitems, everything else empty) until loadAll() is called.
     TdataSet(std::filesystem::path appDir, MessageSink &sink);
 
     TInstrDatabase checkitems;

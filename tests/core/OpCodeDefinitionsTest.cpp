@@ -1,0 +1,114 @@
+#include "OpCodeDefinitions.h"
+#include "RecordingMessageSink.h"
+#include "TempDir.h"
+#include <gtest/gtest.h>
+
+namespace {
+const char CorruptTail[] = ".\nThe file is corrupt.  Please contact your product's distributor immediately.";
+}
+
+TEST(OpCodeHeader, ReadsLetterNameFlagAndListOrder)
+{
+    TempDir dir;
+    TinstStruct m = OpCodeDefinitions::readHeader(dir.write("m.in", "M - Measure\r\nY 3\r\n\"a\"\t\"b\"\t\"N\"\r\n"));
+    EXPECT_EQ(m.opCode, 'M');
+    EXPECT_EQ(m.name, "M - Measure");
+    EXPECT_TRUE(m.yFlag);
+    EXPECT_EQ(m.listOrder, 3);
+
+    TinstStruct p = OpCodeDefinitions::readHeader(dir.write("p.in", "P - Pass/Fail\nN 10\n"));
+    EXPECT_FALSE(p.yFlag);
+    EXPECT_EQ(p.listOrder, 10);
+
+    TinstStruct s = OpCodeDefinitions::readHeader(dir.write("s.in", "S - Setup\nyes\n"));
+    EXPECT_FALSE(s.yFlag); // only an upper-case Y sets the flag
+    EXPECT_EQ(s.listOrder, 1024);
+
+    TinstStruct e = OpCodeDefinitions::readHeader(dir.write("e.in", "E - Empty flag line\n\n"));
+    EXPECT_EQ(e.listOrder, 1024);
+}
+
+TEST(OpCodeHeader, ShortOrMissingLinesAreCorrupt)
+{
+    TempDir dir;
+    EXPECT_THROW(OpCodeDefinitions::readHeader(dir.write("q.in", "Q\nY\n")), TopCodeFileCorrupt);
+    EXPECT_THROW(OpCodeDefinitions::readHeader(dir.write("r.in", "R - Only one line\n")), TopCodeFileCorrupt);
+    EXPECT_THROW(OpCodeDefinitions::readHeader(dir.write("t.in", "T - No line end")), TopCodeFileCorrupt);
+    EXPECT_THROW(OpCodeDefinitions::readHeader(dir.write("u.in", "")), TopCodeFileCorrupt);
+    EXPECT_THROW(OpCodeDefinitions::readHeader(dir / "missing.in"), TopCodeFileCorrupt);
+}
+
+TEST(OpCodeFiles, ListsOnlyDotInFilesSortedByName)
+{
+    TempDir dir;
+    dir.write("b.in", "x");
+    dir.write("a.in", "x");
+    dir.write("c.inx", "x");
+    dir.write("mit.dat", "x");
+    auto files = OpCodeDefinitions::listFiles(dir.path());
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0], dir / "a.in");
+    EXPECT_EQ(files[1], dir / "b.in");
+    EXPECT_TRUE(OpCodeDefinitions::listFiles(dir / "nothing").empty());
+}
+
+TEST(OpCodeFiles, ReadLinesStripsLineEndsAndCutsAt1024)
+{
+    TempDir dir;
+    auto file = dir.write("l.in", "one\r\ntwo\n" + std::string(1500, 'x') + "\r\nlast");
+    auto lines = OpCodeDefinitions::readLines(file);
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0], "one");
+    EXPECT_EQ(lines[1], "two");
+    EXPECT_EQ(lines[2], std::string(1024, 'x'));
+    EXPECT_EQ(lines[3], "last");
+}
+
+TEST(OpCodeLoad, FirstFileWinsALetter)
+{
+    TempDir dir;
+    dir.write("1measure.in", "M - Measure\nY\n");
+    dir.write("2meter.in", "M - Meter\nN\n");
+    dir.write("3pass.in", "P - Pass/Fail\nN\n");
+    RecordingMessageSink sink;
+    TopCodeTable table;
+    table['X'] = TinstStruct{"X - stale", 'X', false, 1024};
+    ASSERT_EQ(OpCodeDefinitions::load(dir.path(), table, sink), 0);
+    ASSERT_EQ(table.size(), 2u);
+    EXPECT_EQ(table['M'].name, "M - Measure");
+    EXPECT_TRUE(table['M'].yFlag);
+    EXPECT_EQ(table['P'].name, "P - Pass/Fail");
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST(OpCodeLoad, ReportsMissingFilesInBothWordings)
+{
+    TempDir dir;
+    RecordingMessageSink sink;
+    TopCodeTable table;
+    EXPECT_EQ(OpCodeDefinitions::load(dir.path(), table, sink), -1);
+    EXPECT_EQ(OpCodeDefinitions::load(dir.path(), table, sink, OpCodeDefinitions::Wording::InstructionList), -1);
+    ASSERT_EQ(sink.messages.size(), 2u);
+    EXPECT_EQ(sink.messages[0],
+              (Message{"ERROR!",
+                       "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
+                       "If this problem persists, contact your software vendor.",
+                       MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}));
+    EXPECT_EQ(sink.messages[1].text,
+              "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
+              "If this problem persists, contact your software vendor.");
+}
+
+TEST(OpCodeLoad, CorruptFileIsReportedWithItsFullPathThenThrows)
+{
+    TempDir dir;
+    dir.write("a.in", "A - Autosequence\nN\n");
+    auto bad = dir.write("q.in", "Q\n");
+    RecordingMessageSink sink;
+    TopCodeTable table;
+    EXPECT_THROW(OpCodeDefinitions::load(dir.path(), table, sink), TopCodeFileCorrupt);
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0], (Message{"ERROR", "An unexpected error occured while processing " + bad.string()
+                                                      + CorruptTail,
+                                         MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}));
+}

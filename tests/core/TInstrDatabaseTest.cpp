@@ -1,0 +1,226 @@
+#include "ByteBuilder.h"
+#include "TInstrDatabase.h"
+#include "TempDir.h"
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace ByteBuilder;
+
+namespace {
+std::string slots(int count)
+{
+    std::string out;
+    for (int i = 0; i < count; ++i)
+        out += checkitem('B', 'M', "item " + std::to_string(i));
+    return out;
+}
+
+std::string allCleared(std::size_t from = 0)
+{
+    std::string out;
+    for (std::size_t i = from; i < TInstrDatabase::SlotCount; ++i)
+        out += clearedCheckitem();
+    return out;
+}
+
+std::string recordBytes(const TInstr &r)
+{
+    return std::string(reinterpret_cast<const char *>(&r), sizeof r);
+}
+
+TopCodeTable table(std::initializer_list<std::pair<char, const char *>> entries)
+{
+    TopCodeTable t;
+    for (auto [letter, name] : entries)
+        t[letter] = TinstStruct{name, letter, false, 1024};
+    return t;
+}
+}
+
+TEST(MasterTable, LoadsWholeRecordsAndIgnoresPartialTrailer)
+{
+    TempDir dir;
+    std::vector<TInstr> table;
+    ASSERT_EQ(TInstrDatabase::loadMasterTable(table, dir.write("full.dat", slots(1044))), 0);
+    ASSERT_EQ(table.size(), 1044u);
+    EXPECT_EQ(table[1043].commandText(), "item 1043");
+
+    ASSERT_EQ(TInstrDatabase::loadMasterTable(table, dir.write("one.dat", slots(1))), 0);
+    EXPECT_EQ(table.size(), 1u);
+
+    ASSERT_EQ(TInstrDatabase::loadMasterTable(table, dir.write("fifty.dat", slots(1) + "abcdef")), 0);
+    ASSERT_EQ(table.size(), 1u);
+    EXPECT_EQ(recordBytes(table[0]), checkitem('B', 'M', "item 0"));
+
+    EXPECT_EQ(TInstrDatabase::loadMasterTable(table, dir / "missing.dat"), -1);
+}
+
+TEST(MasterTable, NormalizePadsWithClearedSlotsAndCuts)
+{
+    TInstrDatabase db;
+    db.slots().resize(1);
+    db[0].assign('B', 'M', "x");
+    db.normalizeSize();
+    ASSERT_EQ(db.size(), 1044u);
+    EXPECT_EQ(recordBytes(db[1043]), clearedCheckitem());
+    db.slots().resize(2000);
+    db.normalizeSize();
+    EXPECT_EQ(db.size(), 1044u);
+}
+
+TEST(MasterTable, SaveWritesEverySlotAsFortyFourBytes)
+{
+    TempDir dir;
+    TInstrDatabase db;
+    db[0].assign('C', 'P', "Check the cord");
+    db[2].assign(' ', 'M', std::string(50, 'x'));
+    ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "mit.dat"), 0);
+    std::string expected = checkitem('C', 'P', "Check the cord") + clearedCheckitem()
+        + checkitem(' ', 'M', std::string(41, 'x')) + allCleared(3);
+    EXPECT_EQ(TempDir::read(dir / "mit.dat"), expected);
+    EXPECT_EQ(expected.size(), 45936u);
+    struct stat st {};
+    ASSERT_EQ(::stat((dir / "mit.dat").c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0600u);
+}
+
+TEST(MasterTable, FailedSaveLeavesOldFileIntact)
+{
+    TempDir dir;
+    auto file = dir.write("mit.dat", "old contents");
+    ::chmod(file.c_str(), 0444);
+    TInstrDatabase db;
+    EXPECT_EQ(TInstrDatabase::saveMasterTable(db.slots(), file), -1);
+    EXPECT_EQ(TempDir::read(file), "old contents");
+    EXPECT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "no" / "such" / "mit.dat"), -1);
+}
+
+TEST(FreeSlot, ScansFromTheTopEveryTime)
+{
+    TInstrDatabase db;
+    for (auto &slot : db.slots())
+        slot.assign('A', 'M', "used");
+    EXPECT_EQ(db.findFreeSlot(-1), -1);
+    db[5].category = 0; // a record with category 0 counts as free
+    db[9].opCode = 0;
+    EXPECT_EQ(db.findFreeSlot(-1), 5);
+    EXPECT_EQ(db.findFreeSlot(5), 5);
+    db[5].assign('A', 'M', "used");
+    EXPECT_EQ(db.findFreeSlot(5), 9);
+}
+
+class CsvImport : public ::testing::Test {
+protected:
+    TempDir dir;
+    TInstrDatabase db;
+};
+
+TEST_F(CsvImport, MapsFieldsAndCleansTheCommand)
+{
+    auto file = dir.write("in.csv", "a,M,lower case\r\n"
+                                    "1,M,digit category\n"
+                                    "B,P,ctl\x01x\x7f" "y\tz\xe9\n"
+                                    "C,S,a, b, c\n"
+                                    "no commas here\n"
+                                    "D,only one comma\n"
+                                    "E,,empty op\n"
+                                    ",L,no category\n");
+    ASSERT_EQ(db.importText(file), 0);
+    EXPECT_EQ(recordBytes(db[0]), checkitem(' ', 'M', "lower case"));
+    EXPECT_EQ(recordBytes(db[1]), checkitem(' ', 'M', "digit category"));
+    EXPECT_EQ(recordBytes(db[2]), checkitem('B', 'P', "ctl x y\tz "));
+    EXPECT_EQ(recordBytes(db[3]), checkitem('C', 'S', "a, b, c"));
+    EXPECT_EQ(recordBytes(db[4]), checkitem(' ', 'L', "no category"));
+    EXPECT_TRUE(db[5].isFree());
+}
+
+TEST_F(CsvImport, CutsLongTextsAndLongLines)
+{
+    std::string longLine = "F,M," + std::string(5000, 'y') + "\nG,M,next\n";
+    ASSERT_EQ(db.importText(dir.write("in.csv", longLine)), 0);
+    EXPECT_EQ(recordBytes(db[0]), checkitem('F', 'M', std::string(41, 'y')));
+    EXPECT_EQ(recordBytes(db[1]), checkitem('G', 'M', "next"));
+    EXPECT_EQ(db[0].command[41], 0);
+}
+
+TEST_F(CsvImport, FillsFreeSlotsOnlyAndKeepsWhatFitsOnOverflow)
+{
+    for (auto &slot : db.slots())
+        slot.assign('A', 'M', "used");
+    db[3].clear();
+    db[7].clear();
+    auto file = dir.write("in.csv", "B,M,one\nB,M,two\nB,M,three\n");
+    EXPECT_THROW(db.importText(file), TinstListOverflowException);
+    EXPECT_EQ(db[3].commandText(), "one");
+    EXPECT_EQ(db[7].commandText(), "two");
+    EXPECT_EQ(db[4].commandText(), "used");
+}
+
+TEST_F(CsvImport, FullTableThrowsOnFirstParsedLine)
+{
+    for (auto &slot : db.slots())
+        slot.assign('A', 'M', "used");
+    EXPECT_EQ(db.importText(dir.write("skip.csv", "nothing to parse\n")), 0);
+    EXPECT_THROW(db.importText(dir.write("in.csv", "B,M,x\n")), TinstListOverflowException);
+    EXPECT_EQ(db.importText(dir / "missing.csv"), -1);
+}
+
+TEST_F(CsvImport, ExportWritesEveryRecordAndReimportDuplicates)
+{
+    db[0].assign('B', 'M', "1.5\t2, with comma");
+    db[1].assign(' ', 'P', "Visual check");
+    TInstrDatabase small;
+    small.slots().assign(db.slots().begin(), db.slots().begin() + 3);
+    ASSERT_EQ(small.exportText(dir / "instList.csv"), 0);
+    std::string expected = std::string("B,M,1.5\t2, with comma\n") + " ,P,Visual check\n"
+        + std::string("\0,\0,", 4) + std::string(41, '\xFF') + "\n";
+    EXPECT_EQ(TempDir::read(dir / "instList.csv"), expected);
+
+    db.slots().resize(2);
+    db.normalizeSize();
+    ASSERT_EQ(db.exportText(dir / "all.csv"), 0);
+    ASSERT_EQ(db.importText(dir / "all.csv"), 0);
+    EXPECT_EQ(recordBytes(db[2]), recordBytes(db[0]));
+    EXPECT_EQ(recordBytes(db[3]), recordBytes(db[1]));
+    EXPECT_TRUE(db[4].isFree());
+    EXPECT_EQ(db.exportText(dir / "no" / "dir" / "x.csv"), -1);
+}
+
+TEST(OpCodeNames, LookUpsNeedTheTableAndKnownLetters)
+{
+    TInstrDatabase::clearNames();
+    TInstr record('B', 'Q', "text");
+    try {
+        TInstrDatabase::nameOf('M');
+        FAIL();
+    } catch (const std::runtime_error &e) {
+        EXPECT_STREQ(e.what(), "Instruction Names Not Initialized");
+    }
+    EXPECT_THROW(TInstrDatabase::nameOfRecord(record), std::runtime_error);
+
+    TInstrDatabase::setNames(table({{'M', "M - Measure"}, {'P', "P - Pass/Fail"}}));
+    EXPECT_EQ(TInstrDatabase::nameOf('P'), "P - Pass/Fail");
+    try {
+        TInstrDatabase::nameOf('Q');
+        FAIL();
+    } catch (const std::runtime_error &e) {
+        EXPECT_STREQ(e.what(), "Invalid Op Code");
+    }
+    EXPECT_EQ(TInstrDatabase::nameOfRecord(record), "M - Measure");
+    EXPECT_EQ(recordBytes(record), std::string("BM") + std::string(42, '\0'));
+    TInstrDatabase::clearNames();
+}
+
+TEST(OpCodeRepair, ReplacesUnknownOpCodesWithTheMarker)
+{
+    TInstrDatabase db;
+    db[0].assign('B', 'M', "known");
+    db[1].assign('C', 'Z', "unknown");
+    db[2].category = 0;
+    db[2].opCode = 'Z'; // free: category 0
+    EXPECT_TRUE(db.repairUnknownOpCodes(table({{'M', "M - Measure"}, {'L', "L - Limits"}})));
+    EXPECT_EQ(recordBytes(db[0]), checkitem('B', 'M', "known"));
+    EXPECT_EQ(recordBytes(db[1]), checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         "));
+    EXPECT_EQ(db[2].opCode, 'Z');
+    EXPECT_FALSE(db.repairUnknownOpCodes(table({{'M', "M"}, {'L', "L"}})));
+}

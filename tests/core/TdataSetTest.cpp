@@ -1,0 +1,233 @@
+#include "ByteBuilder.h"
+#include "RecordingMessageSink.h"
+#include "TdataSet.h"
+#include "TempDir.h"
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace ByteBuilder;
+
+namespace {
+Message stop(const std::string &caption, const std::string &text)
+{
+    return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task};
+}
+Message exclamation(const std::string &caption, const std::string &text)
+{
+    return {caption, text, MsgIcon::Exclamation, MsgButtons::Ok, MsgModality::Task};
+}
+
+const Message CheckitemBox = stop("Instruction List Error",
+                                  "Warning!! Corrupt Instruction List\nPlease restore the list from the KT930.");
+const Message InspectionBox = stop("Inspection Data Error", "Warning!! Corrupt Physical Inspection List\n"
+                                                            "Please restore the data from the KT930.");
+const Message TesterBox = stop("User Tester Sequences Error",
+                               "Warning!! One or more corrupt User Tester Sequences detected.\n"
+                               "Please restore the data from the KT930.");
+const Message ChecklistBox = stop("Checklist Error",
+                                  "Warning!! Corrupt Checklist Data\nPlease restore the data from the KT930.");
+
+std::string testerFile(const std::string &name, int sequences = 12)
+{
+    std::string out = asqHeader("User Tester Autosequences", name, static_cast<std::uint16_t>(sequences));
+    for (int i = 0; i < sequences; ++i)
+        out += asqRecord("Step " + std::to_string(i), "", 0, positions({static_cast<std::uint16_t>(i + 1)}));
+    return out;
+}
+
+class DataSet : public ::testing::Test {
+protected:
+    void writeCompleteSet()
+    {
+        std::string mit;
+        for (int i = 0; i < 10; ++i)
+            mit += checkitem('B', 'M', "item");
+        dir.write("Data/mit.dat", mit);
+        dir.write("Data/inspection.asq",
+                  asqHeader("Physical Inspections", "", 1) + asqRecord("Cord", "", 0, positions({1})));
+        for (int i = 1; i <= 5; ++i)
+            dir.write("Data/usertester" + std::to_string(i) + ".asq", testerFile("Bench " + std::to_string(i)));
+        dir.write("Data/testProc.asq", asqHeader("", "", 3) + asqRecord("a", "", 0, {0})
+                                           + asqRecord("b", "", 0, {0}) + asqRecord("c", "", 0, {0}));
+    }
+    TempDir dir;
+    RecordingMessageSink sink;
+    TdataSet data{dir.path(), sink};
+};
+}
+
+TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
+{
+    data.loadAll();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
+    ASSERT_EQ(data.checkitems.size(), 1044u);
+    EXPECT_TRUE(data.checkitems[1043].isFree());
+    ASSERT_EQ(data.inspections.size(), 18u);
+    const Tautosequence blank;
+    EXPECT_EQ(std::memcmp(&data.inspections[17], &blank, sizeof blank), 0);
+    ASSERT_EQ(data.userTesters.size(), 5u);
+    const char *names[] = {"USER TESTER 0", "USER TESTER 2", "USER TESTER 4", "USER TESTER 6", "USER TESTER 8"};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(data.userTesters[i].name, names[i]);
+        EXPECT_EQ(data.userTesters[i].sequences.size(), 12u);
+    }
+    ASSERT_EQ(data.checklists.size(), 500u);
+    EXPECT_TRUE(data.checklists.items[499].isUnused());
+}
+
+TEST_F(DataSet, ReloadUsesItsOwnOrder)
+{
+    data.reloadData();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, ChecklistBox, InspectionBox, TesterBox}));
+}
+
+TEST_F(DataSet, CompleteSetLoadsSilentlyAndPadsTheCheckitems)
+{
+    writeCompleteSet();
+    data.loadAll();
+    EXPECT_TRUE(sink.messages.empty());
+    ASSERT_EQ(data.checkitems.size(), 1044u);
+    EXPECT_EQ(data.checkitems[9].commandText(), "item");
+    EXPECT_TRUE(data.checkitems[10].isFree());
+    ASSERT_EQ(data.inspections.size(), 1u);
+    EXPECT_EQ(data.userTesters[4].name, "Bench 5");
+    EXPECT_EQ(data.checklists.size(), 3u);
+}
+
+TEST_F(DataSet, OneMissingOrTruncatedTesterFile)
+{
+    writeCompleteSet();
+    std::filesystem::remove(dir / "Data/usertester3.asq");
+    data.loadAll();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{TesterBox}));
+    EXPECT_EQ(data.userTesters[1].name, "Bench 2");
+    EXPECT_EQ(data.userTesters[2].name, "USER TESTER 4");
+    EXPECT_EQ(data.userTesters[3].name, "Bench 4");
+
+    sink.messages.clear();
+    dir.write("Data/usertester3.asq", testerFile("Cut").substr(0, 300));
+    dir.write("Data/usertester5.asq", asqHeader("User Tester Autosequences", "Zero", 0));
+    data.loadUserTesters();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{TesterBox}));
+    EXPECT_EQ(data.userTesters[2].name, "USER TESTER 4");
+    EXPECT_EQ(data.userTesters[4].name, "USER TESTER 8");
+}
+
+TEST_F(DataSet, LowerCaseDataFolderIsFound)
+{
+    dir.write("data/inspection.asq", asqHeader("Physical Inspections", "", 1) + asqRecord("x", "", 0, {0}));
+    data.loadInspections();
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(data.inspections.size(), 1u);
+}
+
+TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
+{
+    std::filesystem::create_directories(dir / "Data");
+    data.loadAll();
+    sink.messages.clear();
+    data.backup();
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat").size(), 45936u);
+    std::string inspections = asqHeader("Physical Inspections", "", 18);
+    for (int i = 0; i < 18; ++i)
+        inspections += asqRecord(std::string(18, ' '), std::string(18, ' '), 0, positions({}));
+    EXPECT_EQ(TempDir::read(dir / "Data/inspection.asq"), inspections);
+    std::string tester = asqHeader("User Tester Autosequences", "USER TESTER 2", 12);
+    for (int i = 0; i < 12; ++i)
+        tester += asqRecord(std::string(18, ' '), std::string(18, ' '), 0, positions({}));
+    EXPECT_EQ(TempDir::read(dir / "Data/usertester2.asq"), tester);
+    EXPECT_FALSE(std::filesystem::exists(dir / "Data/testProc.asq"));
+}
+
+TEST_F(DataSet, ReadOnlyTesterFileCostsOneBoxAndStaysUnchanged)
+{
+    writeCompleteSet();
+    data.loadAll();
+    auto locked = dir / "Data/usertester3.asq";
+    std::string before = TempDir::read(locked);
+    ::chmod(locked.c_str(), 0444);
+    for (auto &tester : data.userTesters)
+        tester.name = "Renamed";
+    data.backup();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{stop(
+                                 "File Error", "An error occured while backing up the data for User Tester Sequence 3")}));
+    EXPECT_EQ(TempDir::read(locked), before);
+    for (int i : {1, 2, 4, 5})
+        EXPECT_NE(TempDir::read(dir / ("Data/usertester" + std::to_string(i) + ".asq")).find("Renamed"),
+                  std::string::npos);
+}
+
+TEST_F(DataSet, FailedSavesReportAndKeepOldFiles)
+{
+    writeCompleteSet();
+    data.loadAll();
+    std::string oldMit = TempDir::read(dir / "Data/mit.dat");
+    ::chmod((dir / "Data/mit.dat").c_str(), 0444);
+    ::chmod((dir / "Data/inspection.asq").c_str(), 0444);
+    data.saveCheckitems();
+    data.saveInspections();
+    EXPECT_EQ(sink.messages,
+              (std::vector<Message>{
+                  stop("File Error", "An error occured while backing up the master checkitem database"),
+                  stop("File Error", "An error occured while backing up the data for Physical Inspections")}));
+    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat"), oldMit);
+}
+
+class ValidateOpCodes : public DataSet {
+protected:
+    void SetUp() override
+    {
+        writeCompleteSet();
+        data.loadAll();
+        data.checkitems[0].assign('B', 'M', "known");
+        data.checkitems[1].assign('B', 'Z', "unknown");
+        data.checkitems[2].assign('C', 'Y', "unknown too");
+    }
+};
+
+TEST_F(ValidateOpCodes, RepairsUnknownCodesWithOneWarning)
+{
+    dir.write("Data/m.in", "M - Measure\nN\n");
+    dir.write("Data/l.in", "L - Meas. w Limits\nY\n");
+    data.validateOpCodes();
+    EXPECT_EQ(sink.messages,
+              (std::vector<Message>{exclamation("UNRECOGNIZED OP CODE", TdataSet::unrecognizedOpCodeText())}));
+    EXPECT_EQ(data.checkitems[1].opCode, 'L');
+    EXPECT_EQ(data.checkitems[1].category, ' ');
+    EXPECT_EQ(data.checkitems[2].commandText(), "**!!**UNRECOGNIZED OP CODE**!!**         ");
+    EXPECT_EQ(data.checkitems[0].commandText(), "known");
+    EXPECT_EQ(TdataSet::unrecognizedOpCodeText().rfind(
+                  "ATTENTION!!\nDO NOT UPLOAD ANY DATA TO THE ANALYZER!!\n\nOne or more checkitems contain "
+                  "unrecognized op codes.\nThe most likely reason for this is that the data is being\n"
+                  "downloaded to a PC with an incomplete software configuration.",
+                  0),
+              0u);
+    EXPECT_EQ(TdataSet::unrecognizedOpCodeText().find("http"), std::string::npos);
+    EXPECT_EQ(TdataSet::unrecognizedOpCodeText().find("www"), std::string::npos);
+}
+
+TEST_F(ValidateOpCodes, MissingAndCorruptDefinitionFiles)
+{
+    data.validateOpCodes();
+    dir.write("Data/b.in", "Q\n");
+    dir.write("Data/a.in", "M - Measure\nN\n");
+    data.validateOpCodes();
+    EXPECT_EQ(sink.messages,
+              (std::vector<Message>{
+                  stop("ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\n"
+                                 "Please restart program.\nIf this problem persists, contact your software vendor."),
+                  stop("ERROR", "An unexpected error occured while processing b.in.\nThe file is corrupt.  "
+                                "Please contact your product's distributor immediately.")}));
+    EXPECT_EQ(data.checkitems[1].opCode, 'Z'); // stopped before any repair
+}
+
+TEST_F(ValidateOpCodes, AllKnownGivesNoMessage)
+{
+    dir.write("Data/m.in", "M - Measure\nN\n");
+    dir.write("Data/y.in", "Y - Yes\nN\n");
+    dir.write("Data/z.in", "Z - Zed\nN\n");
+    data.validateOpCodes();
+    EXPECT_TRUE(sink.messages.empty());
+}

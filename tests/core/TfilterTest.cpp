@@ -1,0 +1,135 @@
+#include "TInstrDatabase.h"
+#include "Tfilter.h"
+#include <gtest/gtest.h>
+
+namespace {
+using Indexes = std::vector<std::uint32_t>;
+
+class FilterTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        TopCodeTable names;
+        for (auto [letter, name] : {std::pair{'A', "A - Autosequence"}, {'M', "M - Measure"},
+                                    {'P', "P - Pass/Fail"}, {'L', "L - Meas. w Limits"}})
+            names[letter] = TinstStruct{name, letter, false, 1024};
+        TInstrDatabase::setNames(names);
+        db.resize(12);
+    }
+    void TearDown() override { TInstrDatabase::clearNames(); }
+
+    Indexes run()
+    {
+        Indexes out{999};
+        filter.apply(db, out, categories);
+        EXPECT_EQ(filter.database, nullptr);
+        EXPECT_EQ(filter.categoryDescriptors, nullptr);
+        return out;
+    }
+
+    std::vector<TInstr> db;
+    TcategoryMap categories{{'B', "Electrical"}, {'C', "case"}, {'D', "Cord"}};
+    Tfilter filter;
+};
+}
+
+TEST_F(FilterTest, NoValidRecordGivesEmptyList)
+{
+    EXPECT_TRUE(run().empty());
+    db[0].assign('b', 'M', "lower-case category is no candidate");
+    db[1].assign('1', 'M', "neither is a digit");
+    filter.sort = 3;
+    EXPECT_TRUE(run().empty());
+}
+
+TEST_F(FilterTest, CandidatesAndSelection)
+{
+    db[0].assign('B', 'M', "");
+    db[1].assign(' ', 'P', "");
+    db[2].assign('C', 'A', ""); // autosequence call
+    db[3].assign('C', 'M', "");
+    db[4].assign('D', 'L', "");
+    EXPECT_EQ(run(), (Indexes{0, 1, 3, 4}));
+
+    filter.opSet = {'M', 'A'};
+    EXPECT_EQ(run(), (Indexes{0, 3}));
+    filter.checklistMode = true;
+    EXPECT_EQ(run(), (Indexes{0, 2, 3}));
+
+    filter.opSet.clear();
+    filter.categorySet = {'C', 'D'};
+    EXPECT_EQ(run(), (Indexes{2, 3, 4}));
+    filter.opSet = {'L', 'P'};
+    EXPECT_EQ(run(), (Indexes{4}));
+
+    // All 26 letters no longer admit checkitems without a category.
+    filter.opSet.clear();
+    filter.categorySet.clear();
+    for (char c = 'A'; c <= 'Z'; ++c)
+        filter.categorySet.push_back(c);
+    EXPECT_EQ(run(), (Indexes{0, 2, 3, 4}));
+
+    filter.reset();
+    EXPECT_TRUE(filter.categorySet.empty());
+    EXPECT_TRUE(filter.checklistMode); // reset keeps mode and sort
+}
+
+TEST_F(FilterTest, OnlyTheFirst250SlotsAreConsidered)
+{
+    db.assign(300, TInstr('B', 'M', "x"));
+    Indexes out = run();
+    ASSERT_EQ(out.size(), 250u);
+    EXPECT_EQ(out.back(), 249u);
+}
+
+TEST_F(FilterTest, NumberOrders)
+{
+    for (int i : {1, 4, 7})
+        db[i].assign('B', 'M', "");
+    filter.setSort(1);
+    EXPECT_EQ(run(), (Indexes{1, 4, 7}));
+    filter.setSort(2);
+    EXPECT_EQ(run(), (Indexes{7, 4, 1}));
+}
+
+TEST_F(FilterTest, CategoryOrderUsesUpperCaseTextsThenOpNames)
+{
+    db[0].assign('D', 'M', ""); // "CORD"
+    db[1].assign('C', 'P', ""); // "CASE"
+    db[2].assign('B', 'P', ""); // "ELECTRICAL"
+    db[3].assign('C', 'M', ""); // "CASE", M - Measure < P - Pass/Fail
+    db[4].assign('C', 'M', ""); // equal to 3: database order
+    db[5].assign(' ', 'L', ""); // "" sorts first
+    filter.setSort(3);
+    EXPECT_EQ(run(), (Indexes{5, 3, 4, 1, 0, 2}));
+    filter.setSort(4);
+    // The negation also puts equal keys first, which reverses 3 and 4.
+    EXPECT_EQ(run(), (Indexes{2, 0, 1, 4, 3, 5}));
+}
+
+TEST_F(FilterTest, OpCodeOrderKeepsItsRawCharacterQuirk)
+{
+    db[0].assign('B', 'P', ""); // "P - Pass/Fail"
+    db[1].assign('B', 'L', ""); // "L - Meas. w Limits"
+    db[2].assign('D', 'M', ""); // "M - Measure", CORD
+    db[3].assign('C', 'M', ""); // "M - Measure", CASE
+    filter.setSort(5);
+    EXPECT_EQ(run(), (Indexes{1, 3, 2, 0}));
+
+    // An op code without a name: its empty name is smaller than every other,
+    // but then the raw characters decide, and 'Q' is above all of them.
+    db[4].assign('B', 'Q', "");
+    EXPECT_EQ(run(), (Indexes{1, 3, 2, 0, 4}));
+}
+
+TEST_F(FilterTest, ComparisonsAreAppliedAsStableMergeSort)
+{
+    for (int i = 0; i < 6; ++i)
+        db[i].assign('C', 'M', "");
+    filter.setSort(3);
+    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
+    filter.setSort(5);
+    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
+    filter.setSort(0);
+    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
+}
