@@ -5,42 +5,36 @@ std::string TlistTexts::romanNumeral(int number)
     static const char *const tens[] = {"", "x", "xx", "xxx"};
     static const char *const ones[] = {"", "i", "ii", "iii", "iv", "v", "vi", "vii", "viii", "ix"};
     if (number < 1 || number > 38)
-        return {};
+        return "";
     return std::string(tens[number / 10]) + ones[number % 10];
 }
 
-std::string TlistTexts::trimmed(const std::string &text)
+std::string TlistTexts::trim(const std::string &text)
 {
-    const auto isSpace = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+    auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
     std::size_t first = 0, last = text.size();
-    while (first < last && isSpace(text[first]))
+    while (first < last && isBlank(text[first]))
         ++first;
-    while (last > first && isSpace(text[last - 1]))
+    while (last > first && isBlank(text[last - 1]))
         --last;
     return text.substr(first, last - first);
 }
 
-std::string TlistTexts::inspectionRowText(const Tautosequence &sequence)
+std::string TlistTexts::sequenceText(const Tautosequence &sequence)
 {
     if (sequence.isUnused())
-        return "<unused>";
-    return trimmed(Tautosequence::titleText(sequence.title1)) + " - "
-        + trimmed(Tautosequence::titleText(sequence.title2));
+        return UnusedText;
+    return trim(Tautosequence::titleText(sequence.title1)) + " - " + trim(Tautosequence::titleText(sequence.title2));
 }
 
-std::string TlistTexts::testerRootText(int index, const std::string &name)
+std::string TlistTexts::testerRoot(int index, TuserTester &tester)
 {
-    return romanNumeral(index + 1) + ". " + name;
+    if (trim(tester.name).empty())
+        tester.name = "USER TESTER " + std::to_string(index + 1);
+    return romanNumeral(index + 1) + ". " + tester.name;
 }
 
-std::string TlistTexts::sequenceChildText(int j, const Tautosequence &sequence)
+std::string TlistTexts::testerChild(int index, const Tautosequence &sequence)
 {
-    return std::to_string(j + 1) + ". " + inspectionRowText(sequence);
-}
-
-std::string TlistTexts::repairedTesterName(int index, const std::string &name)
-{
-    if (!trimmed(name).empty())
-        return name;
-    return "USER TESTER " + std::to_string(index + 1);
+    return std::to_string(index + 1) + ". " + sequenceText(sequence);
 }

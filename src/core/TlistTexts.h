@@ -1,19 +1,25 @@
 #pragma once
-// The texts of the inspection list and the user tester tree.
+// Texts of the physical inspection list and the user tester tree, shared by the
+// frame and the command-line tool.
 #include "Tautosequence.h"
 #include <string>
 
 class TlistTexts {
 public:
-    // Lower-case numeral for 1..38; "" outside.
+    static constexpr const char *UnusedText = "<unused>";
+
+    // Lower-case Roman numeral for 1..38 ("x".."xxx" then "i".."ix"); "" outside.
     static std::string romanNumeral(int number);
-    // "<unused>" for an unused autosequence, else "title1 - title2", both trimmed.
-    static std::string inspectionRowText(const Tautosequence &sequence);
-    // numeral of index+1 + ". " + name
-    static std::string testerRootText(int index, const std::string &name);
-    // j+1 + ". " + the row text
-    static std::string sequenceChildText(int j, const Tautosequence &sequence);
-    // "USER TESTER <index+1>" when the name is blank after trimming, else the name.
-    static std::string repairedTesterName(int index, const std::string &name);
-    static std::string trimmed(const std::string &text);
+    // Blanks and control characters removed from both ends.
+    static std::string trim(const std::string &text);
+
+    // "<unused>" or title 1 trimmed + " - " + title 2 trimmed.
+    static std::string sequenceText(const Tautosequence &sequence);
+    // List row of a physical inspection (its number is drawn separately).
+    static std::string inspectionRow(const Tautosequence &sequence) { return sequenceText(sequence); }
+    // Tree root of user tester index (from 0): numeral + ". " + name. A blank name
+    // is first replaced in the tester by "USER TESTER <index + 1>".
+    static std::string testerRoot(int index, TuserTester &tester);
+    // Tree child j (from 0): "<j + 1>. " + sequence text.
+    static std::string testerChild(int index, const Tautosequence &sequence);
 };

@@ -179,16 +179,14 @@ void TAutoSeqEditFrame::refreshInspections()
     const int selected = ui->lstIP->currentRow();
     ui->lstIP->clear();
     for (const Tautosequence &sequence : m_data->inspections)
-        ui->lstIP->addItem(TguiText::forDisplay(TlistTexts::inspectionRowText(sequence)));
+        ui->lstIP->addItem(TguiText::forDisplay(TlistTexts::inspectionRow(sequence)));
     ui->lstIP->setCurrentRow(selected >= 0 && selected < ui->lstIP->count() ? selected : -1);
     ui->lstIP->viewport()->update();
 }
 
 QString TAutoSeqEditFrame::testerRootText(int index)
 {
-    std::string &name = m_data->userTesters[std::size_t(index)].name;
-    name = TlistTexts::repairedTesterName(index, name);
-    return TguiText::forDisplay(TlistTexts::testerRootText(index, name));
+    return TguiText::forDisplay(TlistTexts::testerRoot(index, m_data->userTesters[std::size_t(index)]));
 }
 
 void TAutoSeqEditFrame::buildTree()
@@ -223,7 +221,7 @@ void TAutoSeqEditFrame::refreshTesters()
             if (j >= int(sequences.size()))
                 continue;
             const Tautosequence &sequence = sequences[std::size_t(j)];
-            child->setText(0, TguiText::forDisplay(TlistTexts::sequenceChildText(j, sequence)));
+            child->setText(0, TguiText::forDisplay(TlistTexts::testerChild(j, sequence)));
             child->setData(0, TtreeNodeDelegate::UnusedRole, sequence.isUnused());
         }
     }
@@ -266,7 +264,7 @@ void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
         form.setLabelText(QStringLiteral("Tester Name"));
     }
     if (form.exec() == QDialog::Accepted)
-        name = upperAscii(TlistTexts::trimmed(TguiText::toBytes(form.text())));
+        name = upperAscii(TlistTexts::trim(TguiText::toBytes(form.text())));
     refreshLists(1);
     if (setCaptions)
         BtnBackupClick();
