@@ -44,7 +44,7 @@ public:
     bool LstUTSExpanding() const;
     bool LstUTSCollapsing() const;
 
-public slots:
+public Q_SLOTS:
     void BtnRestoreClick();
     void BtnBackupClick();
     void BtnUploadClick();

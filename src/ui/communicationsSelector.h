@@ -30,7 +30,7 @@ public:
     // Filters IP1..IP4 keys: digits and Backspace only (Tab still moves on).
     bool eventFilter(QObject *watched, QEvent *event) override;
 
-public slots:
+public Q_SLOTS:
     void radUSBClick();
     void radEthernetClick();
     void radSerialClick();

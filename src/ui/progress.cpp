@@ -58,6 +58,8 @@ void TfrmProgress::showEvent(QShowEvent *event)
 
 void TfrmProgress::FormShow()
 {
+    if (!isVisible())
+        return; // cancelled before the worker could start
     if (m_settings->kind > 1 || !m_settings->worker) {
         m_cancelled.store(true);
         done(2);

@@ -26,7 +26,7 @@ public:
 
     TcommSettings &settings() { return *m_settings; }
 
-public slots:
+public Q_SLOTS:
     void FormShow();
     void btnCancelClick();
     void reject() override; // Escape and the close button cancel

@@ -1,6 +1,7 @@
 #include "UiTestSupport.h"
 #include <QApplication>
 #include <QTimer>
+#include <QWidget>
 #include <cstdlib>
 #include <cstring>
 
