@@ -46,7 +46,7 @@ TEST_F(TransferFixture, CancelledUploadSettingsStillLeaveTheDataSetSaved)
     answerSelector("radUSB", "btnCancel");
     click(&frame, "BtnUpload");
     EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), std::string(1044 * 44, '\0'));
+    EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), mitBytes(std::vector<TInstr>(1044)));
     EXPECT_TRUE(std::filesystem::exists(appDir.data("usertester5.asq")));
 }
 
