@@ -1,0 +1,62 @@
+#pragma once
+// Serial port over termios. A port is named "COMn"; the number maps to a device
+// (COM1-32 /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31)
+// unless an override map (from KT930pc.ini, section SERIALPORTS) names another path.
+// Any other name is taken as a device path. Failures throw ECommError.
+#include "ECommError.h"
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+class TCommPort {
+public:
+    TCommPort() = default;
+    ~TCommPort();
+    TCommPort(const TCommPort &) = delete;
+    TCommPort &operator=(const TCommPort &) = delete;
+
+    void SetCommPort(const std::string &name);
+    void SetBaudRate(std::uint32_t value);
+    void SetByteSize(std::uint8_t value);
+    void SetParity(std::uint8_t value);   // 0 none, 1 odd, 2 even
+    void SetStopBits(std::uint8_t value); // 0 one, 2 two
+
+    void OpenCommPort();
+    void CloseCommPort();
+    void WriteBuffer(const std::uint8_t *buffer, std::size_t n);
+    // Reads up to n bytes within 1 ms per byte + 250 ms, giving up after a 15 ms
+    // gap between bytes. A short read puts a NUL right after the last byte read.
+    std::size_t ReadBytes(std::uint8_t *buffer, std::size_t n);
+    std::size_t BytesAvailable();
+    // Waits up to periodMs for input; returns at once when something is pending.
+    void WaitReadable(int periodMs);
+
+    bool GetConnected() const { return m_fd >= 0; }
+    const std::string &GetCommPort() const { return m_name; }
+    std::uint32_t GetBaudRate() const { return m_baudRate; }
+    std::uint8_t GetByteSize() const { return m_byteSize; }
+    std::uint8_t GetParity() const { return m_parity; }
+    std::uint8_t GetStopBits() const { return m_stopBits; }
+
+    // COMn -> device path overrides, shared by every port of the process.
+    static void setPortOverrides(const std::map<int, std::string> &overrides);
+    // The device of COMn (override first, then the fixed mapping); empty when none.
+    static std::string devicePath(int portNumber);
+    // The device a port name opens: "COMn" through devicePath, anything else as is.
+    static std::string resolve(const std::string &name);
+
+    static constexpr int ReadIntervalMs = 15, ReadMultiplierMs = 1, ReadConstantMs = 250;
+
+private:
+    // Applies the four settings to the open device; false when the driver refuses.
+    bool applySettings();
+    template <typename T> void change(T &field, T value, std::uint8_t code);
+
+    std::string m_name = "COM1";
+    std::uint32_t m_baudRate = 9600;
+    std::uint8_t m_byteSize = 8;
+    std::uint8_t m_parity = 0;
+    std::uint8_t m_stopBits = 0;
+    int m_fd = -1;
+};

@@ -1,0 +1,152 @@
+#include "TftdiDeviceApi.h"
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <ftdi.h>
+#include <libusb.h>
+#include <thread>
+
+namespace {
+// Short USB read time-out: the polls above decide how long to wait, not libusb.
+constexpr int UsbReadTimeoutMs = 5;
+}
+
+TftdiDeviceApi::TftdiDeviceApi() : m_ftdi(ftdi_new()) {}
+
+TftdiDeviceApi::~TftdiDeviceApi()
+{
+    close();
+    if (m_ftdi)
+        ftdi_free(m_ftdi);
+}
+
+std::vector<libusb_device *> TftdiDeviceApi::devices()
+{
+    std::vector<libusb_device *> result;
+    if (!m_ftdi || !m_ftdi->usb_ctx)
+        return result;
+    libusb_device **list = nullptr;
+    ssize_t count = libusb_get_device_list(m_ftdi->usb_ctx, &list);
+    for (ssize_t i = 0; i < count; ++i) {
+        libusb_device_descriptor descriptor {};
+        if (libusb_get_device_descriptor(list[i], &descriptor) == 0 && descriptor.idVendor == FtdiVendorId) {
+            libusb_ref_device(list[i]);
+            result.push_back(list[i]);
+        }
+    }
+    if (list)
+        libusb_free_device_list(list, 1);
+    return result;
+}
+
+bool TftdiDeviceApi::openDevice(libusb_device *device)
+{
+    if (ftdi_usb_open_dev(m_ftdi, device) != 0)
+        return false;
+    m_ftdi->usb_read_timeout = UsbReadTimeoutMs;
+    libusb_device_descriptor descriptor {};
+    libusb_get_device_descriptor(device, &descriptor);
+    m_vendorId = descriptor.idVendor;
+    m_open = true;
+    m_readAhead.clear();
+    return true;
+}
+
+bool TftdiDeviceApi::openByDescription(const std::string &description)
+{
+    close();
+    bool opened = false;
+    for (libusb_device *device : devices()) {
+        char product[128] = {};
+        if (!opened && ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0) == 0
+            && description == product)
+            opened = openDevice(device);
+        libusb_unref_device(device);
+    }
+    return opened;
+}
+
+int TftdiDeviceApi::deviceCount()
+{
+    if (!m_ftdi || !m_ftdi->usb_ctx)
+        return -1;
+    auto list = devices();
+    for (libusb_device *device : list)
+        libusb_unref_device(device);
+    return int(list.size());
+}
+
+bool TftdiDeviceApi::openByIndex(int index)
+{
+    close();
+    auto list = devices();
+    bool opened = index >= 0 && std::size_t(index) < list.size() && openDevice(list[std::size_t(index)]);
+    for (libusb_device *device : list)
+        libusb_unref_device(device);
+    return opened;
+}
+
+int TftdiDeviceApi::vendorId()
+{
+    return m_open ? m_vendorId : -1;
+}
+
+bool TftdiDeviceApi::fill()
+{
+    if (!m_open)
+        return false;
+    std::uint8_t chunk[4096];
+    int r = ftdi_read_data(m_ftdi, chunk, sizeof chunk);
+    if (r < 0)
+        return false;
+    m_readAhead.insert(m_readAhead.end(), chunk, chunk + r);
+    return true;
+}
+
+int TftdiDeviceApi::read(std::uint8_t *buffer, std::size_t n)
+{
+    if (!m_open)
+        return -1;
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(250 + n);
+    while (m_readAhead.size() < n && std::chrono::steady_clock::now() < deadline)
+        if (!fill())
+            return -1;
+    std::size_t count = std::min(n, m_readAhead.size());
+    std::memcpy(buffer, m_readAhead.data(), count);
+    m_readAhead.erase(m_readAhead.begin(), m_readAhead.begin() + std::ptrdiff_t(count));
+    return int(count);
+}
+
+int TftdiDeviceApi::write(const std::uint8_t *buffer, std::size_t n)
+{
+    if (!m_open)
+        return -1;
+    return ftdi_write_data(m_ftdi, buffer, int(n));
+}
+
+int TftdiDeviceApi::queueStatus()
+{
+    if (!fill())
+        return -1;
+    return int(m_readAhead.size());
+}
+
+void TftdiDeviceApi::waitForData(std::size_t needed, int periodMs)
+{
+    // Each fill waits up to the short USB read time-out for the device.
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(periodMs);
+    while (m_readAhead.size() < needed && std::chrono::steady_clock::now() < deadline)
+        if (!fill()) {
+            std::this_thread::sleep_until(deadline);
+            return;
+        }
+}
+
+void TftdiDeviceApi::close()
+{
+    if (m_open)
+        ftdi_usb_close(m_ftdi);
+    m_open = false;
+    m_vendorId = -1;
+    m_readAhead.clear();
+}

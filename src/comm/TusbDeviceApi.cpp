@@ -1,0 +1,22 @@
+#include "TusbDeviceApi.h"
+#include "TftdiDeviceApi.h"
+#include <mutex>
+
+namespace {
+std::mutex factoryMutex;
+TusbDeviceApi::Factory factory;
+}
+
+void TusbDeviceApi::setFactory(Factory f)
+{
+    std::lock_guard lock(factoryMutex);
+    factory = std::move(f);
+}
+
+std::unique_ptr<TusbDeviceApi> TusbDeviceApi::create()
+{
+    std::lock_guard lock(factoryMutex);
+    if (factory)
+        return factory();
+    return std::make_unique<TftdiDeviceApi>();
+}

@@ -1,0 +1,72 @@
+// The plug-in's exported entry points. The host loads the library, reads the
+// captions, hands over its record with setup, and asks for frames.
+#include "VAROAutoSeqEditor.h"
+#include "AutoSequenceEditorFrame.h"
+#include <atomic>
+
+namespace {
+TPluginHostInfo *g_hostData = nullptr;
+void *g_hostData2 = nullptr;
+std::atomic<int> g_initialized{0};
+} // namespace
+
+extern "C" {
+
+// Declared by the frame's unit in the original package; never assigned.
+KT930_EXPORT TAutoSeqEditFrame *_AutoSeqEditFrame = nullptr;
+
+KT930_EXPORT const char *KT930_STDCALL initialize(std::uint32_t)
+{
+    return "Inspections and User Testers";
+}
+
+KT930_EXPORT std::int32_t KT930_STDCALL setup(TPluginHostInfo *hostData, void *hostData2)
+{
+    if (!hostData || !hostData2)
+        return -1;
+    g_hostData = hostData;
+    g_hostData2 = hostData2;
+    return 0;
+}
+
+KT930_EXPORT const char *getMainButton()
+{
+    return "Inspections and\nUser Testers";
+}
+
+KT930_EXPORT const char *getConfigButton()
+{
+    return nullptr;
+}
+
+KT930_EXPORT Tkt930Frame *getMainForm()
+{
+    try {
+        return new TAutoSeqEditFrame(nullptr, g_hostData, g_hostData2);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+KT930_EXPORT Tkt930Frame *getConfigForm()
+{
+    return nullptr;
+}
+
+KT930_EXPORT std::int32_t pshutdown()
+{
+    return 0;
+}
+
+// Nothing of ours needs set-up beyond static initialisation; both only count, so
+// repeated calls are harmless.
+KT930_EXPORT void Initialize()
+{
+    g_initialized.store(1);
+}
+
+KT930_EXPORT void Finalize()
+{
+    g_initialized.store(0);
+}
+}

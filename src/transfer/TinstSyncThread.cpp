@@ -1,0 +1,202 @@
+#include "TinstSyncThread.h"
+#include "TgenericCommmunicationsModule.h"
+#include "TtransferSession.h"
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+struct TsyncTexts {
+    const char *requestStage, *initStage;
+    const char *sendCaption, *sendText;
+    const char *receiveCaption, *receiveText;
+    const char *requestCaption;
+    const char *dataCaption;
+    const char *timeoutCaption;
+};
+
+namespace {
+const char CommError[] = "A communications error occurred.\r\rOperation Canceled.";
+const char CommTimeout[] = "A communications timeout occurred.\r\rOperation Canceled.";
+
+const TsyncTexts UsbTexts {"Requesting USB Handle", "Initializing USB Connection", "Handshake Failed", CommError,
+                           "Invalid Handshake Received.", CommError, "Request for Data Failed",
+                           // the handshake caption is reused for data on this path
+                           "Invalid Handshake Received.", "Data Transfer Timed Out."};
+const TsyncTexts EthernetTexts {"Requesting Ethernet Connection", "Initializing Ethernet Connection",
+                                "Ethernet Connection Error",
+                                "An error occurred while attempting to send the handshake.\rOperation Canceled.",
+                                "Ethernet Connection Error",
+                                "An error occurred while attempting to receive the handshake.\rOperation Canceled.",
+                                "Request for Data Failed", "Invalid Data Received.", "Data Timed Out."};
+const TsyncTexts SerialTexts {"Requesting Serial Connection", "Initializing Serial Connection", "Handshake Failed",
+                              CommError, "Invalid Handshake Received.", CommError, "Download Failed",
+                              "Invalid Data Received.", "Data Transfer Timed Out."};
+
+constexpr int PollMs = 50, Polls = 40;
+constexpr std::size_t BlockSize = 264;
+}
+
+TinstSyncThread::TinstSyncThread(ProgressSink *progress, MessageSink *messages, TsyncCommStruct *record)
+    : m_progress(progress), m_messages(messages), m_record(record)
+{
+    if (!progress || !messages || !record)
+        throw std::invalid_argument("Invalid Arguments For TinstSyncThread(bool, TfrmProgress)");
+}
+
+void TinstSyncThread::run()
+{
+    try {
+        execute();
+    } catch (...) {
+        m_messages->error("Error", "An unspecified error occurred.\nOperation Cancelled.", MsgModality::System);
+        m_progress->setResult(TransferResult::Cancel);
+    }
+}
+
+void TinstSyncThread::fail(TgenericCommmunicationsModule &module, const char *caption, const char *text)
+{
+    module.close();
+    m_messages->error(caption, text, MsgModality::System);
+}
+
+void TinstSyncThread::execute()
+{
+    const std::uint8_t mode = TtransferSession::modeOf(m_record->settings.method);
+    if (mode == ModeNone) {
+        m_messages->error("Error", "Invalid State!\nOperation Cancelled.");
+        m_progress->setCancelled();
+        m_progress->setResult(TransferResult::Cancel);
+        return;
+    }
+    const TsyncTexts &texts = mode == ModeUSB ? UsbTexts : mode == ModeEthernet ? EthernetTexts : SerialTexts;
+    QRTcommClass holder;
+    TtransportParams parameters = TtransferSession::parametersOf(m_record->settings);
+    TgenericCommmunicationsModule module(&holder, mode, TtransferSession::Timeout, BlockSize, &parameters,
+                                         *m_messages);
+    bool done = false;
+    m_progress->setStage(texts.requestStage);
+    if (mode == ModeUSB) {
+        done = openUSB(holder, module);
+    } else {
+        m_progress->setStage(texts.initStage);
+        try {
+            // Acquires from the holder and opens; it reports its own failures.
+            done = module.open() == 0;
+        } catch (const ECommError &) {
+            done = false; // shown by the module's serial message table
+        }
+    }
+    if (done) {
+        try {
+            done = exchange(module, texts);
+        } catch (const ECommError &error) {
+            module.close();
+            module.onSerialError(error);
+            done = false;
+        }
+    }
+    if (done) {
+        m_progress->setStage("Transfer Complete");
+        module.close();
+    }
+    holder.release();
+    m_progress->setResult(done ? TransferResult::Ok : TransferResult::Cancel);
+}
+
+bool TinstSyncThread::openUSB(QRTcommClass &holder, TgenericCommmunicationsModule &module)
+{
+    void *slot = holder.acquire(QRTcommClass::USB);
+    if (!slot) {
+        holder.release();
+        slot = holder.acquire(QRTcommClass::USB);
+    }
+    if (!slot) {
+        m_messages->error("Error", "A USB handle could not be found.\nOperation Canceled.", MsgModality::System);
+        return false;
+    }
+    auto *usbSlot = static_cast<std::unique_ptr<TusbDeviceApi> *>(slot);
+    if (!*usbSlot)
+        throw std::runtime_error("Invalid Parameters Passed To USB Initialization Routine");
+    m_progress->setStage(UsbTexts.initStage);
+    TusbDeviceApi &device = **usbSlot;
+    int count = device.deviceCount();
+    if (count <= 0) {
+        m_messages->error("Device Not Detected",
+                          "A Safety Analyzer could not be found\rPlease check the connection.\r\rOperation Canceled.",
+                          MsgModality::System);
+        return false;
+    }
+    for (int index = 0; index < count; ++index) {
+        if (!device.openByIndex(index))
+            continue;
+        if (device.vendorId() == TusbDeviceApi::FtdiVendorId) {
+            module.adoptUSB(usbSlot);
+            return true;
+        }
+        device.close();
+    }
+    m_messages->error("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.",
+                      MsgModality::System);
+    return false;
+}
+
+bool TinstSyncThread::exchange(TgenericCommmunicationsModule &module, const TsyncTexts &texts)
+{
+    m_progress->setStage("Sending Handshake");
+    if (module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5) != 0) {
+        fail(module, texts.sendCaption, texts.sendText);
+        return false;
+    }
+    bool valid = false;
+    for (int poll = 0; poll < Polls && !valid; ++poll) {
+        module.waitForData(BlockSize, PollMs);
+        if (module.bytesAvailable() >= int(BlockSize)) {
+            std::uint8_t reply[BlockSize] = {}; // content not examined
+            if (module.read(reply, BlockSize) != 0) {
+                fail(module, texts.receiveCaption, texts.receiveText);
+                return false;
+            }
+            valid = true;
+        }
+    }
+    if (!valid) {
+        fail(module, "Handshake Request Timed Out.", CommTimeout);
+        return false;
+    }
+
+    m_progress->setStage("Handshake Valid - Beginning Download");
+    m_progress->setStage("Sending Request for Data");
+    if (module.write(reinterpret_cast<const std::uint8_t *>("GUIN\r"), 5) != 0) {
+        fail(module, texts.requestCaption, CommError);
+        return false;
+    }
+    m_progress->setPosition(50);
+    // The analyzer answers with the 1044-slot image: chunks are read until it is
+    // complete, the last one only as far as the image goes.
+    for (std::size_t i = 0; i < TsyncCommStruct::ChunkCount && i * TsyncCommStruct::ChunkSize < ImageBytes; ++i) {
+        const std::size_t needed = std::min(TsyncCommStruct::ChunkSize, ImageBytes - i * TsyncCommStruct::ChunkSize);
+        std::uint8_t *chunk = m_record->area + i * TsyncCommStruct::ChunkSize;
+        bool received = false;
+        for (int poll = 0; poll < Polls && !received; ++poll) {
+            if (m_progress->isCancelled()) {
+                module.close();
+                throw ToperationCancelledException();
+            }
+            module.waitForData(needed, PollMs);
+            if (module.bytesAvailable() >= int(needed)) {
+                std::memset(chunk, 0, TsyncCommStruct::ChunkSize);
+                if (module.read(chunk, needed) != 0) {
+                    fail(module, texts.dataCaption, CommError);
+                    return false;
+                }
+                received = true;
+            }
+        }
+        if (!received) {
+            fail(module, texts.timeoutCaption, CommTimeout);
+            return false;
+        }
+        m_progress->setPosition(int(2 * i));
+    }
+    return true;
+}

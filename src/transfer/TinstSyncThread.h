@@ -1,0 +1,36 @@
+#pragma once
+// Fetches the analyzer's checkitem database image into the sync record over its
+// own transport paths ("GESI\r" handshake, then "GUIN\r" read in 4224-byte chunks
+// until the 1044-slot image is complete).
+#include "MessageSink.h"
+#include "ProgressSink.h"
+#include "TsyncCommStruct.h"
+#include <QThread>
+
+class QRTcommClass;
+class TgenericCommmunicationsModule;
+struct TsyncTexts;
+
+class TinstSyncThread : public QThread {
+    Q_OBJECT
+public:
+    static constexpr std::size_t ImageBytes = TInstrDatabase::SlotCount * sizeof(TInstr); // 45936
+
+    // Throws std::invalid_argument "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)".
+    TinstSyncThread(ProgressSink *progress, MessageSink *messages, TsyncCommStruct *record);
+
+protected:
+    void run() override;
+
+private:
+    void execute();
+    // Finds the analyzer among the USB devices; false after its message.
+    bool openUSB(QRTcommClass &holder, TgenericCommmunicationsModule &module);
+    // Handshake and data over an open module; false after its message.
+    bool exchange(TgenericCommmunicationsModule &module, const TsyncTexts &texts);
+    void fail(TgenericCommmunicationsModule &module, const char *caption, const char *text);
+
+    ProgressSink *m_progress;
+    MessageSink *m_messages;
+    TsyncCommStruct *m_record;
+};

@@ -1,0 +1,442 @@
+#include "AutoSequenceEditorFrame.h"
+#include "ui_AutoSequenceEditorFrame.h"
+#include "AppDir.h"
+#include "TCommPort.h"
+#include "THelpWindow.h"
+#include "TdataSet.h"
+#include "TguiMessageSink.h"
+#include "TguiText.h"
+#include "TlistRowDelegate.h"
+#include "TlistTexts.h"
+#include "TransferWorkers.h"
+#include "TseqTitleEditForm.h"
+#include "TserialPortMap.h"
+#include "TtransferRecord.h"
+#include "TtreeNodeDelegate.h"
+#include "communicationsSelector.h"
+#include "progress.h"
+#include <QApplication>
+#include <QMouseEvent>
+#include <QStyle>
+#include <QTimer>
+#include <stdexcept>
+
+namespace {
+const char *const InternalErrorText =
+    "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
+    "If this error persists, please contact the system vendor.";
+const char *const ClearQuestion =
+    "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.";
+
+std::string upperAscii(std::string text)
+{
+    for (char &c : text)
+        if (c >= 'a' && c <= 'z')
+            c = char(c - 'a' + 'A');
+    return text;
+}
+
+std::string applicationTitle()
+{
+    return QCoreApplication::applicationName().toStdString();
+}
+} // namespace
+
+TAutoSeqEditFrame::TAutoSeqEditFrame(QWidget *owner)
+    : Tkt930Frame(owner), ui(new Ui::TAutoSeqEditFrame), m_sink(TguiMessageSink::defaultSink()),
+      m_data(std::make_unique<TdataSet>(TappDir::applicationFolder(), m_sink))
+{
+    setUpControls();
+}
+
+TAutoSeqEditFrame::TAutoSeqEditFrame(QWidget *owner, TPluginHostInfo *hostData, void *hostData2, MessageSink *sink)
+    : Tkt930Frame(owner), ui(new Ui::TAutoSeqEditFrame), m_sink(sink ? *sink : TguiMessageSink::defaultSink()),
+      m_data(std::make_unique<TdataSet>(TappDir::applicationFolder(), m_sink))
+{
+    m_hostData = hostData;
+    m_hostData2 = hostData2;
+    setUpControls();
+    startUp();
+}
+
+TAutoSeqEditFrame::~TAutoSeqEditFrame()
+{
+    // Directly, not deferred: the plug-in may be unloaded before the event loop runs again.
+    for (QPointer<THelpWindow> &window : m_helpWindows)
+        delete window.data();
+}
+
+void TAutoSeqEditFrame::setUpControls()
+{
+    ui->setupUi(this);
+    ui->BtnRestore->setText(QStringLiteral("Restore\nValues"));
+    ui->BtnBackup->setText(QStringLiteral("Backup\nValues"));
+    ui->BtnUpload->setText(QStringLiteral("Upload\nTo KT930"));
+    ui->BtnDownload->setText(QStringLiteral("Download\nFrom KT930"));
+    ui->BtnExit->setText(QStringLiteral("Return To\nMain Window"));
+    ui->BtnInstEd->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
+    ui->BtnInstEd2->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
+    ui->BtnUpload->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
+    ui->BtnDownload->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
+    ui->BtnHelp->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton));
+    ui->BtnExit->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+
+    QFont small = font();
+    small.setPixelSize(13);
+    for (QWidget *w : {static_cast<QWidget *>(ui->lstIP), static_cast<QWidget *>(ui->LstUTS),
+                       static_cast<QWidget *>(ui->BtnInstEd), static_cast<QWidget *>(ui->BtnInstEd2)})
+        w->setFont(small);
+    QFont title = font();
+    title.setPixelSize(16);
+    title.setBold(true);
+    ui->Label1->setFont(title);
+    ui->Label2->setFont(title);
+
+    // Editing an autosequence and the checkitem database belong to editors this
+    // build does not carry: their commands stay disabled.
+    for (QPushButton *button : {ui->BtnIPEdit, ui->BtnInstEd, ui->BtnInstEd2})
+        button->setEnabled(false);
+
+    ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
+    ui->LstUTS->setItemDelegate(new TtreeNodeDelegate(ui->LstUTS));
+    ui->LstUTS->viewport()->installEventFilter(this);
+
+    LstUTSTimer = new QTimer(this);
+    LstUTSTimer->setObjectName(QStringLiteral("LstUTSTimer"));
+    LstUTSTimer->setSingleShot(false);
+    LstUTSTimer->setInterval(QApplication::doubleClickInterval());
+
+    connect(ui->BtnRestore, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnRestoreClick);
+    connect(ui->BtnBackup, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnBackupClick);
+    connect(ui->BtnUpload, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUploadClick);
+    connect(ui->BtnDownload, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnDownloadClick);
+    connect(ui->BtnHelp, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnHelpClick);
+    connect(ui->BtnExit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnExitClick);
+    connect(ui->BtnIPClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnIPClearClick);
+    connect(ui->BtnUTSEdit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSEditClick);
+    connect(ui->BtnUTSClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSClearClick);
+    connect(LstUTSTimer, &QTimer::timeout, this, &TAutoSeqEditFrame::LstUTSTimerTimer);
+}
+
+void TAutoSeqEditFrame::startUp()
+{
+    m_data->loadAll();
+    ui->LstUTS->clearSelection();
+    ui->LstUTS->setCurrentItem(nullptr);
+    ui->lstIP->setCurrentRow(-1);
+    LstUTSTimer->stop();
+    LstUTSTimer->setInterval(QApplication::doubleClickInterval());
+    buildTree();
+    refreshLists(2);
+}
+
+void TAutoSeqEditFrame::ReloadData()
+{
+    m_data->reloadData();
+    ui->lstIP->setCurrentRow(-1);
+    ui->LstUTS->clearSelection();
+    ui->LstUTS->setCurrentItem(nullptr);
+    refreshLists(2);
+}
+
+void TAutoSeqEditFrame::BtnRestoreClick()
+{
+    m_data->loadAll();
+    refreshLists(2);
+}
+
+void TAutoSeqEditFrame::BtnBackupClick()
+{
+    m_data->backup();
+}
+
+void TAutoSeqEditFrame::saveAutosequences()
+{
+    m_data->saveInspections();
+    m_data->saveUserTesters();
+}
+
+int TAutoSeqEditFrame::helpWindowCount() const
+{
+    int count = 0;
+    for (const QPointer<THelpWindow> &window : m_helpWindows)
+        count += window ? 1 : 0;
+    return count;
+}
+
+// ---- lists
+
+void TAutoSeqEditFrame::refreshLists(int selector)
+{
+    if (selector == 0 || selector == 2)
+        refreshInspections();
+    if (selector == 1 || selector == 2)
+        refreshTesters();
+}
+
+void TAutoSeqEditFrame::refreshInspections()
+{
+    const int selected = ui->lstIP->currentRow();
+    ui->lstIP->clear();
+    for (const Tautosequence &sequence : m_data->inspections)
+        ui->lstIP->addItem(TguiText::forDisplay(TlistTexts::inspectionRow(sequence)));
+    ui->lstIP->setCurrentRow(selected >= 0 && selected < ui->lstIP->count() ? selected : -1);
+    ui->lstIP->viewport()->update();
+}
+
+QString TAutoSeqEditFrame::testerRootText(int index)
+{
+    return TguiText::forDisplay(TlistTexts::testerRoot(index, m_data->userTesters[std::size_t(index)]));
+}
+
+void TAutoSeqEditFrame::buildTree()
+{
+    QTreeWidget *tree = ui->LstUTS;
+    tree->setUpdatesEnabled(false);
+    tree->clear();
+    for (std::size_t i = 0; i < m_data->userTesters.size(); ++i) {
+        auto *root = new QTreeWidgetItem(tree);
+        root->setData(0, Qt::UserRole, int(i));
+        const auto &sequences = m_data->userTesters[i].sequences;
+        for (std::size_t j = 0; j < sequences.size(); ++j) {
+            auto *child = new QTreeWidgetItem(root);
+            child->setData(0, Qt::UserRole, int(j));
+        }
+    }
+    tree->setUpdatesEnabled(true);
+}
+
+void TAutoSeqEditFrame::refreshTesters()
+{
+    QTreeWidget *tree = ui->LstUTS;
+    const int roots = std::min(tree->topLevelItemCount(), int(m_data->userTesters.size()));
+    for (int r = 0; r < roots; ++r) {
+        QTreeWidgetItem *root = tree->topLevelItem(r);
+        const int i = root->data(0, Qt::UserRole).toInt();
+        root->setText(0, testerRootText(i));
+        const auto &sequences = m_data->userTesters[std::size_t(i)].sequences;
+        for (int c = 0; c < root->childCount(); ++c) {
+            QTreeWidgetItem *child = root->child(c);
+            const int j = child->data(0, Qt::UserRole).toInt();
+            if (j >= int(sequences.size()))
+                continue;
+            const Tautosequence &sequence = sequences[std::size_t(j)];
+            child->setText(0, TguiText::forDisplay(TlistTexts::testerChild(j, sequence)));
+            child->setData(0, TtreeNodeDelegate::UnusedRole, sequence.isUnused());
+        }
+    }
+    tree->viewport()->update();
+}
+
+void TAutoSeqEditFrame::BtnIPClearClick()
+{
+    const int row = ui->lstIP->currentRow();
+    if (row < 0 || row >= int(m_data->inspections.size()))
+        return;
+    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
+        return;
+    m_data->inspections[std::size_t(row)].blank();
+    refreshLists(0);
+}
+
+void TAutoSeqEditFrame::BtnUTSClearClick()
+{
+    QTreeWidgetItem *node = ui->LstUTS->currentItem();
+    if (!node || !node->isSelected() || !node->parent())
+        return;
+    const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
+    const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
+    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
+        return;
+    m_data->userTesters[i].sequences[j].blank();
+    refreshLists(1);
+}
+
+void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
+{
+    QTreeWidgetItem *node = ui->LstUTS->currentItem();
+    if (!node || !node->isSelected() || node->parent())
+        return; // a tester's sequences need the sequence editor, which this build lacks
+    std::string &name = m_data->userTesters[std::size_t(node->data(0, Qt::UserRole).toInt())].name;
+    TseqTitleEditForm form(nullptr, TguiText::fromBytes(name));
+    if (setCaptions) {
+        form.setWindowTitle(QStringLiteral("Tester Name Editor"));
+        form.setLabelText(QStringLiteral("Tester Name"));
+    }
+    if (form.exec() == QDialog::Accepted)
+        name = upperAscii(TlistTexts::trim(TguiText::toBytes(form.text())));
+    refreshLists(1);
+    if (setCaptions)
+        BtnBackupClick();
+}
+
+void TAutoSeqEditFrame::LstUTSDblClick()
+{
+    LstUTSTimer->stop();
+    editTreeNode(false);
+}
+
+void TAutoSeqEditFrame::BtnUTSEditClick()
+{
+    editTreeNode(true);
+}
+
+void TAutoSeqEditFrame::LstUTSMouseDown(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QModelIndex index = ui->LstUTS->indexAt(event->position().toPoint());
+    m_pressOnItem = index.isValid() && ui->LstUTS->visualRect(index).contains(event->position().toPoint());
+    LstUTSTimer->start();
+}
+
+void TAutoSeqEditFrame::LstUTSTimerTimer()
+{
+    LstUTSTimer->stop();
+    m_pressOnItem = false;
+}
+
+bool TAutoSeqEditFrame::LstUTSExpanding() const
+{
+    return !m_pressOnItem;
+}
+
+bool TAutoSeqEditFrame::LstUTSCollapsing() const
+{
+    return !m_pressOnItem;
+}
+
+bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == ui->LstUTS->viewport()) {
+        if (event->type() == QEvent::MouseButtonPress)
+            LstUTSMouseDown(static_cast<QMouseEvent *>(event));
+        if (event->type() == QEvent::MouseButtonDblClick
+            && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+            QTreeWidgetItem *node = ui->LstUTS->currentItem();
+            const bool blocked = node && (node->isExpanded() ? !LstUTSCollapsing() : !LstUTSExpanding());
+            if (blocked) {
+                // Swallowed, so the tree does not expand or collapse the node.
+                LstUTSDblClick();
+                return true;
+            }
+        }
+    }
+    return Tkt930Frame::eventFilter(watched, event);
+}
+
+// ---- transfers, help, return to the host
+
+void TAutoSeqEditFrame::fillTransport(TcommSettings &settings, const TcomSelectFrm &selector) const
+{
+    switch (selector.method()) {
+    case TcomSelectFrm::MethodUSB:
+        settings.method = std::uint8_t(TcommMethod::USB);
+        break;
+    case TcomSelectFrm::MethodEthernet:
+        settings.method = std::uint8_t(TcommMethod::Ethernet);
+        for (int i = 0; i < 4; ++i)
+            settings.ip[i] = selector.ipText(i + 1).toInt();
+        if (!m_hostData)
+            throw std::invalid_argument("No host record");
+        settings.hostValue = m_hostData->transferValue;
+        break;
+    default:
+        settings.method = std::uint8_t(TcommMethod::Serial);
+        settings.serialPort = selector.serialPort();
+        break;
+    }
+}
+
+// Runs one transfer; true when the progress dialog ended with OK, false when the
+// settings form or the transfer was cancelled.
+bool TAutoSeqEditFrame::runTransfer(bool upload)
+{
+    TdataSet &data = *m_data;
+    std::unique_ptr<TtransferRecord> record;
+    if (upload)
+        record = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters, &data.inspections);
+    else
+        record = std::make_unique<TdownloadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters, &data.inspections);
+    record->data.selection = SelectAll;
+    if (upload)
+        BtnBackupClick();
+
+    TcomSelectFrm selector(nullptr, upload, &m_sink);
+    selector.setWindowTitle(QStringLiteral("Communication Settings"));
+    if (selector.exec() == 2)
+        return false;
+
+    TcommSettings &settings = record->settings();
+    settings.kind = std::uint8_t(upload ? TtransferKind::Upload : TtransferKind::Download);
+    fillTransport(settings, selector);
+    TCommPort::setPortOverrides(TserialPortMap::readOverrides(TcomSelectFrm::iniFile()));
+
+    TfrmProgress progress(nullptr, m_hostData, &settings);
+    std::unique_ptr<QThread> worker;
+    if (upload)
+        worker.reset(new TuploadThread(m_hostData, &progress, &m_sink, static_cast<TuploadCommStruct *>(record.get())));
+    else
+        worker.reset(new TdownloadThread(m_hostData, &progress, &m_sink, static_cast<TdownloadCommStruct *>(record.get())));
+    settings.worker = worker.get();
+    const int result = progress.exec();
+    worker->wait(); // a cancelled worker stops at its next poll
+    return result != 2;
+}
+
+void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
+{
+    if (upload)
+        m_sink.error(applicationTitle(), what);
+    m_sink.show({"Error", InternalErrorText, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
+}
+
+void TAutoSeqEditFrame::BtnUploadClick()
+{
+    try {
+        runTransfer(true);
+    } catch (const std::exception &e) {
+        showInternalError(true, e.what());
+    }
+}
+
+void TAutoSeqEditFrame::BtnDownloadClick()
+{
+    try {
+        if (!runTransfer(false))
+            return;
+        m_data->validateOpCodes();
+        refreshLists(2);
+    } catch (const std::exception &e) {
+        showInternalError(false, e.what());
+    }
+    BtnBackupClick();
+}
+
+void TAutoSeqEditFrame::BtnHelpClick()
+{
+    const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
+    auto *window = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
+    m_helpWindows.emplace_back(window);
+    window->show();
+}
+
+void TAutoSeqEditFrame::BtnExitClick()
+{
+    QWidget *mainView = m_hostData ? m_hostData->mainView : nullptr;
+    try {
+        BtnBackupClick();
+        QWidget *container = m_hostData ? m_hostData->container : nullptr;
+        if (container)
+            container->setUpdatesEnabled(false);
+        hide();
+        if (mainView)
+            mainView->show();
+        if (container)
+            container->setUpdatesEnabled(true);
+    } catch (const std::exception &e) {
+        if (mainView)
+            mainView->show();
+        m_sink.error(applicationTitle(), e.what());
+    }
+}

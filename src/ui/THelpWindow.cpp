@@ -1,0 +1,37 @@
+#include "THelpWindow.h"
+#include <QHelpEngineCore>
+
+THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &topic)
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setOpenLinks(true);
+    resize(720, 560);
+    const QString qch = QString::fromStdString(helpFile.string());
+    setWindowTitle(QString::fromStdString(helpFile.stem().string()) + QStringLiteral(" Help"));
+
+    m_engine = std::make_unique<QHelpEngineCore>(m_collectionDir.filePath(QStringLiteral("help.qhc")));
+    m_engine->setReadOnly(false);
+    if (m_collectionDir.isValid() && m_engine->setupData()) {
+        m_namespace = QHelpEngineCore::namespaceName(qch);
+        if (!m_namespace.isEmpty())
+            m_engine->registerDocumentation(qch);
+    }
+    const QUrl url = m_namespace.isEmpty()
+        ? QUrl()
+        : m_engine->findFile(QUrl(QStringLiteral("qthelp://%1/doc/%2").arg(m_namespace, topic)));
+    if (url.isValid()) {
+        setSource(url);
+        m_loaded = !toPlainText().isEmpty();
+    }
+    if (!m_loaded)
+        setPlainText(QStringLiteral("The help topic %1 could not be found in %2.").arg(topic, qch));
+}
+
+THelpWindow::~THelpWindow() = default;
+
+QVariant THelpWindow::loadResource(int type, const QUrl &name)
+{
+    if (name.scheme() == QLatin1String("qthelp"))
+        return m_engine->fileData(name);
+    return QTextBrowser::loadResource(type, name);
+}

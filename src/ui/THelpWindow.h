@@ -1,0 +1,27 @@
+#pragma once
+// A help window showing one topic of a compiled help file (.qch) and following
+// its links. Each window has its own help collection in a temporary folder.
+#include <QTemporaryDir>
+#include <QTextBrowser>
+#include <filesystem>
+#include <memory>
+
+class QHelpEngineCore;
+
+class THelpWindow : public QTextBrowser {
+    Q_OBJECT
+public:
+    // Opens topic (e.g. "autoSequenceEditor.html") of helpFile. A missing file or
+    // topic leaves the window with a short note instead of the page.
+    THelpWindow(const std::filesystem::path &helpFile, const QString &topic);
+    ~THelpWindow() override;
+
+    bool topicLoaded() const { return m_loaded; }
+    QVariant loadResource(int type, const QUrl &name) override;
+
+private:
+    QTemporaryDir m_collectionDir;
+    std::unique_ptr<QHelpEngineCore> m_engine;
+    QString m_namespace;
+    bool m_loaded = false;
+};

@@ -1,0 +1,23 @@
+#include "TseqTitleEditForm.h"
+#include "ui_TseqTitleEditForm.h"
+
+TseqTitleEditForm::TseqTitleEditForm(QWidget *owner, const QString &text)
+    : QDialog(owner, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint), ui(new Ui::TseqTitleEditForm)
+{
+    ui->setupUi(this);
+    ui->sequenceTitle->setText(text);
+    connect(ui->Button2, &QPushButton::clicked, this, &QDialog::accept);
+    connect(ui->Button1, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+TseqTitleEditForm::~TseqTitleEditForm() = default;
+
+QString TseqTitleEditForm::text() const
+{
+    return ui->sequenceTitle->text();
+}
+
+void TseqTitleEditForm::setLabelText(const QString &text)
+{
+    ui->Label1->setText(text);
+}

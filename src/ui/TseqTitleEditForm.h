@@ -1,0 +1,19 @@
+#pragma once
+// Asks for one line of text (a user tester's name).
+#include <QDialog>
+#include <memory>
+
+namespace Ui { class TseqTitleEditForm; }
+
+class TseqTitleEditForm : public QDialog {
+    Q_OBJECT
+public:
+    TseqTitleEditForm(QWidget *owner, const QString &text);
+    ~TseqTitleEditForm() override;
+
+    QString text() const;
+    void setLabelText(const QString &text);
+
+private:
+    std::unique_ptr<Ui::TseqTitleEditForm> ui;
+};

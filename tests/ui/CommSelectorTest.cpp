@@ -1,0 +1,138 @@
+// Communication settings: defaults, the ini round trip, the port list with a
+// pseudo-terminal mapped through SERIALPORTS, and address checks.
+#include "RecordingMessageSink.h"
+#include "TserialPortMap.h"
+#include "UiTestSupport.h"
+#include "communicationsSelector.h"
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSettings>
+#include <QTest>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+namespace {
+struct Pty {
+    int master = posix_openpt(O_RDWR | O_NOCTTY);
+    Pty() { grantpt(master), unlockpt(master); }
+    ~Pty() { ::close(master); }
+    std::string slave() const { return ptsname(master); }
+};
+
+struct SelectorFixture : ::testing::Test {
+    AppDirScope appDir;
+    RecordingMessageSink sink;
+    QString ini() const { return QString::fromStdString((appDir.dir().path() / "KT930pc.ini").string()); }
+    template <class T> static T *find(QWidget *w, const char *name) { return w->findChild<T *>(QString::fromLatin1(name)); }
+};
+} // namespace
+
+TEST(SerialPortMap, NumbersMapToDeviceFamilies)
+{
+    EXPECT_EQ(TserialPortMap::defaultDevice(1), "/dev/ttyS0");
+    EXPECT_EQ(TserialPortMap::defaultDevice(32), "/dev/ttyS31");
+    EXPECT_EQ(TserialPortMap::defaultDevice(33), "/dev/ttyUSB0");
+    EXPECT_EQ(TserialPortMap::defaultDevice(65), "/dev/ttyACM0");
+    EXPECT_EQ(TserialPortMap::defaultDevice(96), "/dev/ttyACM31");
+    EXPECT_EQ(TserialPortMap::defaultDevice(97), "");
+    EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)"), 12);
+    EXPECT_EQ(TcomSelectFrm::portNumberOf("COM3"), 3);
+}
+
+TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
+{
+    TcomSelectFrm form(nullptr, true, &sink);
+    EXPECT_TRUE(find<QRadioButton>(&form, "radUSB")->isChecked());
+    EXPECT_EQ(form.method(), TcomSelectFrm::MethodUSB);
+    EXPECT_EQ(QStringList({form.ipText(1), form.ipText(2), form.ipText(3), form.ipText(4)}),
+              QStringList({"127", "0", "0", "1"}));
+    EXPECT_FALSE(find<QLineEdit>(&form, "IP1")->isEnabled());
+    EXPECT_FALSE(find<QComboBox>(&form, "serialPortSelector")->isEnabled());
+}
+
+TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
+{
+    Pty pty;
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.setValue("SERIALPORTS/COM200", QString::fromStdString(pty.slave()));
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
+        settings.setValue("COMM/DEFAULTSERIAL", 200);
+    }
+    TcomSelectFrm form(nullptr, false, &sink);
+    auto *ports = find<QComboBox>(&form, "serialPortSelector");
+    const QString entry = QStringLiteral("COM200 (%1)").arg(QString::fromStdString(pty.slave()));
+    EXPECT_EQ(ports->currentText(), entry);
+    EXPECT_TRUE(find<QRadioButton>(&form, "radSerial")->isChecked());
+    EXPECT_TRUE(ports->isEnabled());
+    EXPECT_EQ(form.serialPort(), 200);
+
+    find<QPushButton>(&form, "btnConnect")->click();
+    EXPECT_EQ(form.result(), 1);
+    QSettings saved(ini(), QSettings::IniFormat);
+    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 3);
+    EXPECT_EQ(saved.value("COMM/DEFAULTSERIAL").toInt(), 200);
+}
+
+TEST_F(SelectorFixture, StaleDefaultSerialSelectsTheFirstFreePort)
+{
+    Pty pty;
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.setValue("SERIALPORTS/COM250", QString::fromStdString(pty.slave()));
+        settings.setValue("COMM/DEFAULTSERIAL", 251);
+    }
+    TcomSelectFrm form(nullptr, false, &sink);
+    EXPECT_EQ(find<QComboBox>(&form, "serialPortSelector")->currentIndex(), 0);
+}
+
+TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
+{
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
+        settings.setValue("COMM/IP1", "10");
+        settings.setValue("COMM/IP2", "1");
+        settings.setValue("COMM/IP3", "2");
+        settings.setValue("COMM/IP4", "3");
+    }
+    TcomSelectFrm form(nullptr, true, &sink);
+    EXPECT_TRUE(find<QRadioButton>(&form, "radEthernet")->isChecked());
+    EXPECT_TRUE(find<QLineEdit>(&form, "IP4")->isEnabled());
+    EXPECT_EQ(form.ipText(1), "10");
+
+    auto *ip4 = find<QLineEdit>(&form, "IP4");
+    ip4->clear();
+    QTest::keyClicks(ip4, "2x5-6");
+    EXPECT_EQ(ip4->text(), "256");
+
+    form.show();
+    find<QPushButton>(&form, "btnConnect")->click();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"kt930pc", "Invalid IP Address!", MsgIcon::Information}}));
+    EXPECT_TRUE(form.isVisible());
+
+    ip4->setText("42");
+    find<QPushButton>(&form, "btnConnect")->click();
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_EQ(form.result(), 1);
+    QSettings saved(ini(), QSettings::IniFormat);
+    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
+    EXPECT_EQ(saved.value("COMM/IP4").toString(), "42");
+    EXPECT_EQ(saved.value("COMM/IP1").toString(), "10");
+}
+
+TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
+{
+    TcomSelectFrm form(nullptr, false, &sink);
+    find<QRadioButton>(&form, "radEthernet")->click();
+    EXPECT_TRUE(find<QLineEdit>(&form, "IP1")->isEnabled());
+    find<QPushButton>(&form, "btnCancel")->click();
+    EXPECT_EQ(form.result(), 2);
+    QSettings saved(ini(), QSettings::IniFormat);
+    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
+    EXPECT_EQ(saved.value("COMM/IP1").toString(), "127");
+}

@@ -1,0 +1,310 @@
+// The frame's start-up, lists, clear, rename and save triggers, driven through
+// its controls by objectName, with messages recorded.
+#include "AutoSequenceEditorFrame.h"
+#include "RecordingMessageSink.h"
+#include "TdataSet.h"
+#include "TlistRowDelegate.h"
+#include "TtreeNodeDelegate.h"
+#include "UiTestSupport.h"
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.",
+                           MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task};
+
+std::vector<Tautosequence> sampleInspections()
+{
+    return {sequence("  EARTH BOND ", "CLASS I  ", {1, 2}), unusedSequence(), sequence("INSULATION", "", {3})};
+}
+
+std::vector<std::string> testerNames() { return {"WARD A", "   ", "WARD C", "WARD D", "WARD E"}; }
+
+struct FrameFixture : ::testing::Test {
+    AppDirScope appDir;
+    RecordingMessageSink sink;
+    QWidget mainView;
+    QWidget container;
+    TPluginHostInfo host;
+    int hostData2 = 0;
+
+    FrameFixture()
+    {
+        host.mainView = &mainView;
+        host.container = &container;
+    }
+    std::unique_ptr<TAutoSeqEditFrame> makeFrame()
+    {
+        return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
+    }
+    template <class T> static T *find(QWidget *frame, const char *name)
+    {
+        T *w = frame->findChild<T *>(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    static QStringList listTexts(QWidget *frame)
+    {
+        QStringList texts;
+        auto *list = find<QListWidget>(frame, "lstIP");
+        for (int i = 0; i < list->count(); ++i)
+            texts << list->item(i)->text();
+        return texts;
+    }
+    static QStringList rootTexts(QWidget *frame)
+    {
+        QStringList texts;
+        auto *tree = find<QTreeWidget>(frame, "LstUTS");
+        for (int i = 0; i < tree->topLevelItemCount(); ++i)
+            texts << tree->topLevelItem(i)->text(0);
+        return texts;
+    }
+    std::string read(const std::string &name) const { return TempDir::read(appDir.data(name)); }
+};
+} // namespace
+
+TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesInLoadOrderAndUsesDefaults)
+{
+    auto frame = makeFrame();
+    const std::vector<Message> expected = {
+        {"Instruction List Error", "Warning!! Corrupt Instruction List\nPlease restore the list from the KT930."},
+        {"Inspection Data Error", "Warning!! Corrupt Physical Inspection List\nPlease restore the data from the KT930."},
+        {"User Tester Sequences Error",
+         "Warning!! One or more corrupt User Tester Sequences detected.\nPlease restore the data from the KT930."},
+        {"Checklist Error", "Warning!! Corrupt Checklist Data\nPlease restore the data from the KT930."},
+    };
+    EXPECT_EQ(sink.messages, expected);
+    EXPECT_EQ(frame->dataSet().checkitems.size(), 1044u);
+    EXPECT_EQ(frame->dataSet().checklists.size(), 500u);
+    EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral(" - ")));
+    EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
+                                                   "iv. USER TESTER 6", "v. USER TESTER 8"}));
+    // Nothing is written at load time.
+    EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
+}
+
+TEST_F(FrameFixture, OneMissingTesterFileGivesOneBoxAndReplacesOnlyThatTester)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    std::filesystem::remove(appDir.data("usertester3.asq"));
+    auto frame = makeFrame();
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0].caption, "User Tester Sequences Error");
+    EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. WARD A", "ii. USER TESTER 2", "iii. USER TESTER 4",
+                                                   "iv. WARD D", "v. WARD E"}));
+}
+
+TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "<unused>", "INSULATION - "}));
+    // A blank name is repaired in memory with the one-based number.
+    EXPECT_EQ(frame->dataSet().userTesters[1].name, "USER TESTER 2");
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    QTreeWidgetItem *first = tree->topLevelItem(0);
+    ASSERT_EQ(first->childCount(), 12);
+    EXPECT_EQ(first->child(0)->text(0), "1. LEAKAGE - CLASS 1");
+    EXPECT_EQ(first->child(11)->text(0), "12. <unused>");
+    EXPECT_FALSE(first->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+    EXPECT_TRUE(first->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+    EXPECT_EQ(find<QListWidget>(frame.get(), "lstIP")->currentRow(), -1);
+}
+
+TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
+{
+    const QColor silver(192, 192, 192), white(255, 255, 255), black(0, 0, 0);
+    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", true), silver);
+    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", false), silver);
+    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", true), white);
+    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", false), black);
+    EXPECT_EQ(TtreeNodeDelegate::fontColour(true, true), silver);
+    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, true), white);
+    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, false), black);
+}
+
+TEST_F(FrameFixture, ControlsCarryTheirCaptionsAndEditorCommandsAreDisabled)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnUpload")->text(), "Upload\nTo KT930");
+    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnDownload")->text(), "Download\nFrom KT930");
+    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnExit")->text(), "Return To\nMain Window");
+    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnHelp")->text(), "Help");
+    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnInstEd2")->text(), "Edit\nCheckitem\nDatabase");
+    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnRestore")->isHidden());
+    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnBackup")->isHidden());
+    EXPECT_FALSE(find<QPushButton>(frame.get(), "BtnIPEdit")->isEnabled());
+    EXPECT_FALSE(find<QPushButton>(frame.get(), "BtnInstEd")->isEnabled());
+    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnUTSEdit")->isEnabled());
+    auto *timer = frame->findChild<QTimer *>("LstUTSTimer");
+    ASSERT_NE(timer, nullptr);
+    EXPECT_EQ(timer->interval(), QApplication::doubleClickInterval());
+    EXPECT_FALSE(timer->isActive());
+}
+
+TEST_F(FrameFixture, ClearingAnInspectionAsksAndBlanksItWithoutWriting)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    const std::string before = read("inspection.asq");
+    auto frame = makeFrame();
+    auto *list = find<QListWidget>(frame.get(), "lstIP");
+    auto *clear = find<QPushButton>(frame.get(), "BtnIPClear");
+
+    clear->click(); // nothing selected: no question
+    EXPECT_TRUE(sink.messages.empty());
+
+    list->setCurrentRow(0);
+    sink.answers = {MsgAnswer::No};
+    clear->click();
+    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
+    EXPECT_EQ(list->item(0)->text(), "EARTH BOND - CLASS I");
+
+    clear->click(); // answered Yes
+    EXPECT_EQ(sink.messages.size(), 2u);
+    EXPECT_EQ(list->item(0)->text(), " - ");
+    EXPECT_EQ(list->currentRow(), 0);
+    const Tautosequence blank;
+    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[0], &blank, sizeof blank), 0);
+    EXPECT_EQ(read("inspection.asq"), before);
+}
+
+TEST_F(FrameFixture, ClearingATesterSequenceNeedsAChildNode)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *clear = find<QPushButton>(frame.get(), "BtnUTSClear");
+    tree->setCurrentItem(tree->topLevelItem(0));
+    clear->click();
+    EXPECT_TRUE(sink.messages.empty());
+
+    tree->setCurrentItem(tree->topLevelItem(0)->child(0));
+    clear->click();
+    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
+    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1.  - ");
+    EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
+}
+
+TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThree)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(2));
+    QString caption, label;
+    int maxLength = 0;
+    whenModal([&](QWidget *form) {
+        caption = form->windowTitle();
+        label = form->findChild<QLabel *>("Label1")->text();
+        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
+        maxLength = edit->maxLength();
+        edit->setText("  icu bay  ");
+        form->findChild<QPushButton *>("Button2")->click();
+    });
+    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    EXPECT_EQ(caption, "Tester Name Editor");
+    EXPECT_EQ(label, "Tester Name");
+    EXPECT_EQ(maxLength, 20);
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU BAY");
+    EXPECT_EQ(tree->topLevelItem(2)->text(0), "iii. ICU BAY");
+    EXPECT_TRUE(sink.messages.empty());
+
+    // Written from the documented layouts: the tester file carries the new name.
+    const TdataSet &data = frame->dataSet();
+    EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU BAY", data.userTesters[2].sequences));
+    EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
+    EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
+    EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
+}
+
+TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpandsNorSaves)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    const std::string before = read("usertester1.asq");
+    auto frame = makeFrame();
+    frame->resize(792, 546);
+    frame->show();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
+    QApplication::processEvents();
+    QTreeWidgetItem *root = tree->topLevelItem(0);
+    const QPoint at = tree->visualItemRect(root).center();
+
+    QString caption, label;
+    whenModal([&](QWidget *form) {
+        caption = form->windowTitle();
+        label = form->findChild<QLabel *>("Label1")->text();
+        form->findChild<QLineEdit *>("sequenceTitle")->setText("changed");
+        form->findChild<QPushButton *>("Button1")->click(); // Cancel
+    });
+    // What a real double click delivers: press, release, then the double-click event.
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, at);
+    EXPECT_EQ(caption, "Tester Name Editor");
+    EXPECT_EQ(label, "Tester Name:");
+    EXPECT_EQ(frame->dataSet().userTesters[0].name, "WARD A");
+    EXPECT_FALSE(root->isExpanded());
+    EXPECT_EQ(read("usertester1.asq"), before);
+}
+
+TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
+{
+    auto frame = makeFrame(); // empty folder: defaults
+    sink.messages.clear();
+    container.show();
+    mainView.hide();
+    frame->show();
+    find<QPushButton>(frame.get(), "BtnExit")->click();
+    EXPECT_TRUE(frame->isHidden());
+    EXPECT_FALSE(mainView.isHidden());
+    EXPECT_TRUE(container.updatesEnabled());
+    EXPECT_TRUE(sink.messages.empty());
+    const TdataSet &data = frame->dataSet();
+    EXPECT_EQ(read("mit.dat"), mitBytes(std::vector<TInstr>(1044)));
+    EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", data.inspections));
+    EXPECT_EQ(read("usertester5.asq"), asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
+    EXPECT_FALSE(std::filesystem::exists(appDir.data("testProc.asq"))); // checklists are never written
+}
+
+TEST_F(FrameFixture, ReadOnlyTesterFileCostsOneFileErrorAndTheReturnStillHappens)
+{
+    if (geteuid() == 0)
+        GTEST_SKIP() << "file permissions do not bind root";
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    const std::string before = read("usertester3.asq");
+    chmod(appDir.data("usertester3.asq").c_str(), 0444);
+    auto frame = makeFrame();
+    find<QPushButton>(frame.get(), "BtnExit")->click();
+    EXPECT_EQ(sink.messages, (std::vector<Message>{
+                                 {"File Error", "An error occured while backing up the data for User Tester Sequence 3"}}));
+    EXPECT_EQ(read("usertester3.asq"), before);
+    EXPECT_FALSE(mainView.isHidden());
+}
+
+TEST_F(FrameFixture, ReloadDataDiscardsUnsavedEditsAndOwnerOnlyFrameLoadsNothing)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    frame->dataSet().inspections[0].blank();
+    frame->refreshLists(0);
+    frame->ReloadData();
+    EXPECT_EQ(listTexts(frame.get()).value(0), "EARTH BOND - CLASS I");
+    EXPECT_TRUE(sink.messages.empty());
+
+    TAutoSeqEditFrame bare(nullptr);
+    EXPECT_EQ(bare.hostData(), nullptr);
+    EXPECT_EQ(bare.hostData2(), nullptr);
+    EXPECT_EQ(listTexts(&bare).size(), 0);
+    EXPECT_TRUE(bare.dataSet().inspections.empty());
+}

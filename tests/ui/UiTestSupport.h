@@ -1,0 +1,42 @@
+#pragma once
+// Shared pieces of the GUI tests: the application object, an application folder
+// in a temporary directory, data files built from their documented layouts, and
+// a hook that answers the next modal dialog.
+#include "TInstr.h"
+#include "TempDir.h"
+#include "Tautosequence.h"
+#include <QString>
+#include <functional>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+void ensureApplication();
+
+// Points KT930PC_APPDIR at a fresh folder with an empty Data/ for the test's lifetime.
+class AppDirScope {
+public:
+    AppDirScope();
+    ~AppDirScope();
+    const TempDir &dir() const { return m_dir; }
+    std::filesystem::path data(const std::string &name) const { return m_dir.path() / "Data" / name; }
+    void writeData(const std::string &name, const std::string &bytes) const { m_dir.write("Data/" + name, bytes); }
+    // mit.dat, inspection.asq, usertester1..5.asq, testProc.asq, all valid.
+    void writeCompleteDataSet(const std::vector<Tautosequence> &inspections,
+                              const std::vector<std::string> &testerNames) const;
+
+private:
+    TempDir m_dir;
+};
+
+// Bytes of an .asq file: 64-byte title, 64-byte subtitle, u16 count, then per
+// record 64+64 title bytes, u16 setting, u16 count (24), 24 u16 items.
+std::string asqBytes(const std::string &title, const std::string &subtitle, const std::vector<Tautosequence> &records);
+// mit.dat: 44 bytes per slot.
+std::string mitBytes(const std::vector<TInstr> &slots);
+Tautosequence sequence(const std::string &title1, const std::string &title2, std::vector<std::uint16_t> items = {});
+Tautosequence unusedSequence();
+
+// Runs action on the next modal widget that becomes active (from the event loop).
+void whenModal(std::function<void(QWidget *)> action);
