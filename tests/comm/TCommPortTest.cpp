@@ -1,0 +1,153 @@
+#include "PtyPair.h"
+#include "TCommPort.h"
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+
+namespace {
+constexpr int PtyPort = 200;
+
+class TCommPortTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        TCommPort::setPortOverrides({{PtyPort, pty.slavePath}});
+        port.SetCommPort("COM200");
+        port.SetBaudRate(19200);
+    }
+    void TearDown() override { TCommPort::setPortOverrides({}); }
+
+    template <typename F> std::uint8_t codeOf(F f)
+    {
+        try {
+            f();
+        } catch (const ECommError &e) {
+            return e.code();
+        }
+        return 0xFF;
+    }
+
+    PtyPair pty;
+    TCommPort port;
+};
+}
+
+TEST(TCommPortNames, NumbersMapToDevicesAndOverridesWin)
+{
+    EXPECT_EQ(TCommPort::devicePath(1), "/dev/ttyS0");
+    EXPECT_EQ(TCommPort::devicePath(32), "/dev/ttyS31");
+    EXPECT_EQ(TCommPort::devicePath(33), "/dev/ttyUSB0");
+    EXPECT_EQ(TCommPort::devicePath(64), "/dev/ttyUSB31");
+    EXPECT_EQ(TCommPort::devicePath(65), "/dev/ttyACM0");
+    EXPECT_EQ(TCommPort::devicePath(96), "/dev/ttyACM31");
+    EXPECT_EQ(TCommPort::devicePath(97), "");
+    TCommPort::setPortOverrides({{3, "/tmp/port3"}});
+    EXPECT_EQ(TCommPort::resolve("COM3"), "/tmp/port3");
+    EXPECT_EQ(TCommPort::resolve("COM4"), "/dev/ttyS3");
+    EXPECT_EQ(TCommPort::resolve("/dev/pts/7"), "/dev/pts/7");
+    TCommPort::setPortOverrides({});
+}
+
+TEST(TCommPortDefaults, FreshPortIsCom1At9600Closed)
+{
+    TCommPort port;
+    EXPECT_EQ(port.GetCommPort(), "COM1");
+    EXPECT_EQ(port.GetBaudRate(), 9600u);
+    EXPECT_EQ(port.GetByteSize(), 8);
+    EXPECT_FALSE(port.GetConnected());
+}
+
+TEST_F(TCommPortTest, ClosedPortRefusesIoWithCode7)
+{
+    std::uint8_t buffer[4];
+    EXPECT_EQ(codeOf([&] { port.ReadBytes(buffer, 4); }), ECommError::PortNotOpen);
+    EXPECT_EQ(codeOf([&] { port.WriteBuffer(buffer, 4); }), ECommError::PortNotOpen);
+    EXPECT_EQ(codeOf([&] { port.BytesAvailable(); }), ECommError::PortNotOpen);
+}
+
+TEST_F(TCommPortTest, MissingDeviceIsOpenErrorWithErrno)
+{
+    TCommPort::setPortOverrides({{PtyPort, "/nonexistent/tty"}});
+    try {
+        port.OpenCommPort();
+        FAIL() << "opened a missing device";
+    } catch (const ECommError &e) {
+        EXPECT_EQ(e.code(), ECommError::OpenError);
+        EXPECT_EQ(e.lastError(), ENOENT);
+    }
+}
+
+TEST_F(TCommPortTest, OpenPortRefusesRename)
+{
+    port.OpenCommPort();
+    ASSERT_TRUE(port.GetConnected());
+    EXPECT_EQ(codeOf([&] { port.SetCommPort("COM2"); }), ECommError::PortAlreadyOpen);
+}
+
+TEST_F(TCommPortTest, WritesAndReadsBytesUnchanged)
+{
+    port.OpenCommPort();
+    const std::string outgoing("GESI\r\0\xff\n", 8);
+    port.WriteBuffer(reinterpret_cast<const std::uint8_t *>(outgoing.data()), outgoing.size());
+    EXPECT_EQ(pty.receive(outgoing.size()), outgoing);
+
+    const std::string incoming("C\r\0\x11\x13\xfe", 6);
+    pty.send(incoming);
+    std::uint8_t buffer[6] = {};
+    EXPECT_EQ(port.ReadBytes(buffer, 6), 6u);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 6), incoming);
+}
+
+TEST_F(TCommPortTest, PendingCountIsInputQueue)
+{
+    port.OpenCommPort();
+    EXPECT_EQ(port.BytesAvailable(), 0u);
+    pty.send("12345");
+    port.WaitReadable(1000);
+    // The pty may hand the bytes over in pieces; wait until all five are queued.
+    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
+        port.WaitReadable(10);
+    EXPECT_EQ(port.BytesAvailable(), 5u);
+}
+
+TEST_F(TCommPortTest, ShortReadReturnsCountAndPutsNulAfterData)
+{
+    port.OpenCommPort();
+    pty.send("abc");
+    std::uint8_t buffer[10];
+    std::fill(std::begin(buffer), std::end(buffer), 'x');
+    EXPECT_EQ(port.ReadBytes(buffer, 10), 3u);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 3), "abc");
+    EXPECT_EQ(buffer[3], 0);
+    EXPECT_EQ(buffer[4], 'x');
+}
+
+TEST_F(TCommPortTest, RefusedSettingKeepsOldValueAndThrowsItsCode)
+{
+    port.OpenCommPort();
+    EXPECT_EQ(codeOf([&] { port.SetBaudRate(12345); }), ECommError::BadBaudRate);
+    EXPECT_EQ(port.GetBaudRate(), 19200u);
+    EXPECT_EQ(codeOf([&] { port.SetByteSize(9); }), ECommError::BadByteSize);
+    EXPECT_EQ(port.GetByteSize(), 8);
+    EXPECT_EQ(codeOf([&] { port.SetParity(7); }), ECommError::BadParity);
+    EXPECT_EQ(port.GetParity(), 0);
+    EXPECT_EQ(codeOf([&] { port.SetStopBits(1); }), ECommError::BadStopBits);
+    EXPECT_EQ(port.GetStopBits(), 0);
+    port.SetBaudRate(9600);
+    EXPECT_EQ(port.GetBaudRate(), 9600u);
+}
+
+TEST_F(TCommPortTest, BadBaudRateAtOpenIsSetCommStateError)
+{
+    port.SetBaudRate(12345);
+    EXPECT_EQ(codeOf([&] { port.OpenCommPort(); }), ECommError::SetCommStateError);
+    EXPECT_FALSE(port.GetConnected());
+}
+
+TEST(ECommErrorTable, CodesNameTheirTexts)
+{
+    EXPECT_EQ(ECommError::text(0), "Bad Serial Port!");
+    EXPECT_EQ(ECommError::text(8), "Open Error!");
+    EXPECT_EQ(ECommError::text(13), "Flush File Buffers Error!");
+    EXPECT_EQ(ECommError::text(18), "Clear Comm Error!");
+    EXPECT_EQ(ECommError::text(19), "");
+}

@@ -1,0 +1,199 @@
+#include "FakeUsbDevice.h"
+#include "PtyPair.h"
+#include "RecordingMessageSink.h"
+#include "TgenericCommmunicationsModule.h"
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <gtest/gtest.h>
+
+namespace {
+const Message DeviceNotDetected {"Error", "Device Not Detected.\nPlease check connection.\n\nOperation Canceled."};
+
+struct ModuleFixture : ::testing::Test {
+    QRTcommClass holder;
+    RecordingMessageSink messages;
+    TtransportParams usb = TtransportParams::makeUSB();
+};
+}
+
+TEST(QRTcommClassTest, AdmitsOneConnectionUntilReleased)
+{
+    QRTcommClass holder;
+    EXPECT_EQ(holder.release(), -1);
+    void *slot = holder.acquire(QRTcommClass::Serial);
+    ASSERT_EQ(slot, &holder.serialSlot());
+    EXPECT_TRUE(holder.serialSlot());
+    EXPECT_EQ(holder.acquire(QRTcommClass::Serial), nullptr);
+    EXPECT_EQ(holder.release(), 0);
+    EXPECT_FALSE(holder.serialSlot());
+    EXPECT_EQ(holder.acquire(7), nullptr);
+    EXPECT_FALSE(holder.inUse());
+    EXPECT_EQ(holder.acquire(QRTcommClass::Socket), &holder.socketSlot());
+    EXPECT_TRUE(holder.socketSlot());
+}
+
+TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndReportsOnce)
+{
+    FakeUsbInstalled fake;
+    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
+    EXPECT_THROW(module.open(), TnoDeviceAttachedException);
+    EXPECT_EQ(fake.script->calls,
+              (std::vector<std::string> {"open Brennix Systems KT930 Plus", "open Brennix Systems Kt930 Final"}));
+    ASSERT_EQ(messages.messages.size(), 1u);
+    EXPECT_EQ(messages.messages[0], DeviceNotDetected);
+}
+
+TEST_F(ModuleFixture, QuietUsbFailureShowsNothing)
+{
+    FakeUsbInstalled fake;
+    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages, true);
+    EXPECT_THROW(module.open(), TnoDeviceAttachedException);
+    EXPECT_TRUE(messages.messages.empty());
+}
+
+TEST_F(ModuleFixture, UsbFallsBackToSecondDescriptionAndMovesBytes)
+{
+    FakeUsbInstalled fake;
+    fake.script->descriptions = {"Brennix Systems Kt930 Final"};
+    fake.script->incoming = "C\r";
+    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
+    EXPECT_EQ(module.open(), 0);
+    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("PUIN\r"), 5), 0);
+    EXPECT_EQ(fake.script->written, "PUIN\r");
+    EXPECT_EQ(module.bytesAvailable(), 2);
+    std::uint8_t ack[3] = {};
+    EXPECT_EQ(module.read(ack, 3), -1); // only two bytes came
+    fake.script->gone = true;
+    EXPECT_THROW(module.bytesAvailable(), TnoDeviceAttachedException);
+    EXPECT_TRUE(messages.messages.empty());
+}
+
+TEST_F(ModuleFixture, SecondOpenWhileHolderBusyRetriesAfterRelease)
+{
+    FakeUsbInstalled fake;
+    fake.script->descriptions = {"Brennix Systems KT930 Plus"};
+    ASSERT_NE(holder.acquire(QRTcommClass::Serial), nullptr);
+    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
+    EXPECT_EQ(module.open(), 0);
+    EXPECT_TRUE(holder.usbSlot());
+    EXPECT_FALSE(holder.serialSlot());
+}
+
+TEST_F(ModuleFixture, MissingSetupIsUninitialized)
+{
+    TgenericCommmunicationsModule noMode(&holder, ModeNone, 2000, 264, &usb, messages);
+    EXPECT_THROW(noMode.open(), TuninitializedCommModeException);
+    TgenericCommmunicationsModule noHolder(nullptr, ModeUSB, 2000, 264, &usb, messages);
+    EXPECT_THROW(noHolder.open(), TuninitializedCommModeException);
+}
+
+TEST_F(ModuleFixture, FailedInitializeClearsModeAndThrowsUninitialized)
+{
+    FakeUsbInstalled fake;
+    TgenericCommmunicationsModule module(&holder, ModeNone, 0, 0, nullptr, messages);
+    EXPECT_THROW(module.initialize(&holder, ModeUSB, 2000, 264, &usb, true), TuninitializedCommModeException);
+    EXPECT_EQ(module.mode(), ModeNone);
+    EXPECT_EQ(module.getTimeout(), 2000u);
+    EXPECT_EQ(module.getBlockSize(), 264u);
+}
+
+TEST_F(ModuleFixture, SerialOpensThroughPortOverrideAt19200)
+{
+    PtyPair pty;
+    TCommPort::setPortOverrides({{201, pty.slavePath}});
+    TtransportParams serial = TtransportParams::makeSerial(201);
+    EXPECT_STREQ(serial.serial.portName, "COM201");
+    TgenericCommmunicationsModule module(&holder, ModeSerial, 2000, 264, &serial, messages);
+    EXPECT_EQ(module.open(), 0);
+    EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
+    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5), 0);
+    EXPECT_EQ(pty.receive(5), "GESI\r");
+    pty.send("*\r");
+    module.waitForData(2, 1000);
+    EXPECT_EQ(module.bytesAvailable(), 2);
+    std::uint8_t ack[8] = {};
+    EXPECT_EQ(module.read(ack, 4), -1); // short read fails
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(ack)), "*\r");
+    module.close();
+    EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Idle);
+    TCommPort::setPortOverrides({});
+}
+
+TEST_F(ModuleFixture, SerialOpenFailureShowsTableEntryAndRethrows)
+{
+    TCommPort::setPortOverrides({{202, "/nonexistent/tty"}});
+    TtransportParams serial = TtransportParams::makeSerial(202);
+    TgenericCommmunicationsModule module(&holder, ModeSerial, 2000, 264, &serial, messages);
+    EXPECT_THROW(module.open(), ECommError);
+    ASSERT_EQ(messages.messages.size(), 1u);
+    EXPECT_EQ(messages.messages[0], (Message {"Serial Port Error", "Open Error!"}));
+    TCommPort::setPortOverrides({});
+}
+
+TEST_F(ModuleFixture, SerialErrorCodesOutsideTableAreUnspecified)
+{
+    TgenericCommmunicationsModule module(&holder, ModeSerial, 2000, 264, &usb, messages);
+    module.onSerialError(ECommError(42, 0));
+    module.onSerialError(ECommError(ECommError::SetCommTimeoutsError, 0));
+    ASSERT_EQ(messages.messages.size(), 2u);
+    EXPECT_EQ(messages.messages[0], (Message {"Unspecified Serial Port Error",
+                                              "An unspecified serial port error occurred.\rOperation Canceled."}));
+    EXPECT_EQ(messages.messages[1], (Message {"Serial Port Error", "Set Comm Timeouts Error!"}));
+}
+
+TEST(EthernetMessageTable, TextsPerEvent)
+{
+    using M = TgenericCommmunicationsModule;
+    EXPECT_EQ(M::socketMessage(TsocketEvent::Send),
+              (Message {"Ethernet Send Error", "An error occurred while attempting to send.\rOperation Canceled."}));
+    EXPECT_EQ(M::socketMessage(TsocketEvent::Receive),
+              (Message {"Ethernet Receive Error", "An error occurred while attempting to receive.\rOperation Canceled."}));
+    EXPECT_EQ(M::socketMessage(TsocketEvent::Connect),
+              (Message {"Ethernet Connection Error", "An error occurred while attempting to connect.\rOperation Canceled."}));
+    EXPECT_EQ(M::socketMessage(TsocketEvent::Disconnect),
+              (Message {"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"}));
+    EXPECT_EQ(M::socketMessage(TsocketEvent::Accept),
+              (Message {"Ethernet Accept Error",
+                        "An error occurred while attempting to accept a connection.\rOperation Canceled."}));
+    EXPECT_EQ(M::socketMessage(TsocketEvent::General),
+              (Message {"Unspecified Ethernet Error", "An unspecified error occurred.\rOperation Canceled."}));
+}
+
+TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
+{
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress("127.0.1.2"), AnalyzerTcpPort));
+    TtransportParams ethernet = TtransportParams::makeEthernet(127, 0, 1, 2);
+    TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
+    EXPECT_EQ(module.open(), 0);
+    EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
+    ASSERT_TRUE(server.hasPendingConnections() || server.waitForNewConnection(2000));
+    QTcpSocket *peer = server.nextPendingConnection();
+
+    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("GUIN\r"), 5), 0);
+    while (peer->bytesAvailable() < 5 && peer->waitForReadyRead(2000)) {
+    }
+    EXPECT_EQ(peer->readAll(), QByteArray("GUIN\r"));
+
+    peer->write(QByteArray("\x01\x00\x02\x03", 4));
+    peer->flush();
+    module.waitForData(4, 2000);
+    EXPECT_EQ(module.bytesAvailable(), 4);
+    std::uint8_t buffer[4] = {};
+    EXPECT_EQ(module.read(buffer, 4), 0);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 4), std::string("\x01\x00\x02\x03", 4));
+    module.close();
+    EXPECT_TRUE(messages.messages.empty());
+}
+
+// The one slow case of this program: a refused connect is reported by the error
+// event, leaves the state at 0, and the connect then runs out of its 201 polls.
+TEST_F(ModuleFixture, EthernetRefusedConnectReportsThenTimesOut)
+{
+    TtransportParams ethernet = TtransportParams::makeEthernet(127, 0, 1, 1);
+    TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
+    EXPECT_THROW(module.open(), TcommTimeoutException);
+    EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Idle);
+    ASSERT_EQ(messages.messages.size(), 1u);
+    EXPECT_EQ(messages.messages[0], TgenericCommmunicationsModule::socketMessage(TsocketEvent::Connect));
+}

@@ -1,0 +1,120 @@
+#include "FakeAnalyzerPeer.h"
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
+
+FakeAnalyzerPeer::FakeAnalyzerPeer(const std::string &ip, Script script)
+{
+    m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    int yes = 1;
+    setsockopt(m_listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    sockaddr_in address {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(60601);
+    inet_pton(AF_INET, ip.c_str(), &address.sin_addr);
+    if (::bind(m_listener, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0
+        || ::listen(m_listener, 1) != 0)
+        throw std::runtime_error("cannot listen on " + ip);
+    m_thread = std::thread([this, script] { serve(script); });
+}
+
+FakeAnalyzerPeer::~FakeAnalyzerPeer()
+{
+    join();
+    ::close(m_listener);
+}
+
+void FakeAnalyzerPeer::join()
+{
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+void FakeAnalyzerPeer::serve(Script script)
+{
+    pollfd p {m_listener, POLLIN, 0};
+    if (::poll(&p, 1, 10000) <= 0)
+        return;
+    m_connection = ::accept(m_listener, nullptr, nullptr);
+    if (m_connection < 0)
+        return;
+    script(*this);
+    while (!read(4096).empty()) {
+    }
+    ::close(m_connection);
+}
+
+std::string FakeAnalyzerPeer::read(std::size_t n)
+{
+    std::string out;
+    while (out.size() < n) {
+        pollfd p {m_connection, POLLIN, 0};
+        if (::poll(&p, 1, 10000) <= 0)
+            break;
+        char buffer[4096];
+        ssize_t r = ::recv(m_connection, buffer, std::min(sizeof buffer, n - out.size()), 0);
+        if (r <= 0)
+            break;
+        out.append(buffer, std::size_t(r));
+    }
+    received += out;
+    return out;
+}
+
+void FakeAnalyzerPeer::send(const std::string &bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        ssize_t r = ::send(m_connection, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
+        if (r <= 0)
+            return;
+        done += std::size_t(r);
+    }
+}
+
+namespace {
+void receivePut(FakeAnalyzerPeer &peer, std::string &target, std::size_t blocks, int wrongAckAtBlock)
+{
+    peer.send("*\r");
+    for (std::size_t i = 0; i < blocks; ++i) {
+        std::string block = peer.read(264);
+        if (block.size() < 264)
+            return;
+        target += block;
+        bool last = i + 1 == blocks;
+        if (int(i) == wrongAckAtBlock) {
+            peer.send(last ? "C\r" : "*\r");
+            return;
+        }
+        peer.send(last ? "*\r" : "C\r");
+    }
+}
+}
+
+void runAnalyzer(FakeAnalyzerPeer &peer, AnalyzerImages &images)
+{
+    for (;;) {
+        std::string command = peer.read(5);
+        if (command.size() < 5)
+            return;
+        images.commands += command;
+        if (command == "GESI\r")
+            peer.send(std::string(264, 'H'));
+        else if (command == "GUIN\r")
+            peer.send(images.checkitems);
+        else if (command == "GASQ\r")
+            peer.send(images.autosequences);
+        else if (command == "GTSP\r")
+            peer.send(images.checklists);
+        else if (command == "PUIN\r")
+            receivePut(peer, images.putCheckitems, 174, std::exchange(images.wrongAckAtBlock, -1));
+        else if (command == "PASQ\r")
+            receivePut(peer, images.putAutosequences, 27, std::exchange(images.wrongAckAtBlock, -1));
+        else if (command == "PTSP\r")
+            receivePut(peer, images.putChecklists, 500, std::exchange(images.wrongAckAtBlock, -1));
+    }
+}

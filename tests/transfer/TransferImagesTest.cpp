@@ -1,0 +1,151 @@
+#include "TransferFixtures.h"
+#include "TransferImages.h"
+#include <gtest/gtest.h>
+
+using namespace TransferImages;
+
+namespace {
+std::string image(const std::uint8_t *area, std::size_t offset, std::size_t size)
+{
+    return std::string(reinterpret_cast<const char *>(area) + offset, size);
+}
+
+std::string le(std::initializer_list<std::uint16_t> words)
+{
+    std::string out;
+    for (std::uint16_t w : words) {
+        out += char(w & 0xFF);
+        out += char(w >> 8);
+    }
+    return out;
+}
+}
+
+TEST(TransferImagesPack, CheckitemsInSlotOrder)
+{
+    TInstrDatabase db;
+    db[0].assign('A', 'P', "Earth");
+    db[1043].assign(' ', 'L', "Leak\t5");
+    std::vector<std::uint8_t> area(CheckitemBytes, 0xAA);
+    packCheckitems(db, area.data());
+    EXPECT_EQ(image(area.data(), 0, 44), std::string("AP") + "Earth" + std::string(37, '\0'));
+    EXPECT_EQ(image(area.data(), 44, 44), std::string(2, '\0') + std::string(42, '\xFF')); // a cleared slot
+    EXPECT_EQ(image(area.data(), 1043 * 44, 44), std::string(" L") + "Leak\t5" + std::string(36, '\0'));
+}
+
+TEST(TransferImagesPack, ChecklistSlotsLeaveTheirTailAlone)
+{
+    TTestProcList lists;
+    lists.items.resize(2);
+    std::memcpy(lists.items[1].title, "Second", 6);
+    lists.items[1].items[0] = 4;
+    lists.items[1].items[1] = 0;
+    lists.items[1].setting = 0xBEEF;
+    std::vector<std::uint8_t> area(ChecklistBytes, 0xAA);
+    packChecklists(lists, area.data());
+    EXPECT_EQ(image(area.data(), 264, 42), "Second" + std::string(35, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 264 + 42, 4), le({4, 0}));
+    EXPECT_EQ(image(area.data(), 264 + 46, 2), le({0xFFFF}));
+    EXPECT_EQ(image(area.data(), 264 + 234, 2), le({0xBEEF}));
+    EXPECT_EQ(image(area.data(), 264 + 236, 28), std::string(28, '\xAA'));
+    // Checklists beyond the table go out blank.
+    EXPECT_EQ(image(area.data(), 499 * 264, 42), std::string(41, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 499 * 264 + 42, 4), le({0, 0xFFFF}));
+}
+
+TEST(TransferImagesPack, AutosequenceAreaLayout)
+{
+    std::vector<Tautosequence> inspections(2);
+    Tautosequence::setTitle(inspections[1].title1, "Cord");
+    inspections[1].items[0] = 9;
+    inspections[1].items[1] = 0;
+    std::vector<TuserTester> testers(2);
+    testers[0].name = "Bob";
+    testers[1].name = "A name much longer than twenty";
+    testers[1].sequences.resize(12);
+    testers[1].sequences[3].setting = 0x0B;
+    std::vector<std::uint8_t> area(AutosequenceBytes, 0xAA);
+    packAutosequences(inspections, testers, area.data());
+
+    EXPECT_EQ(image(area.data(), 88, 19), "Cord" + std::string(14, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 88 + 38, 6), le({9, 0, 0xFFFF}));
+    // Inspections 2..17 are blank records.
+    EXPECT_EQ(image(area.data(), 17 * 88, 19), std::string(18, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 17 * 88 + 38, 4), le({0, 0xFFFF}));
+    EXPECT_EQ(image(area.data(), 1584 + (1 * 12 + 3) * 88 + 86, 2), le({0x0B}));
+    EXPECT_EQ(image(area.data(), 6864, 21), "Bob" + std::string(17, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 6864 + 21, 21), std::string("A name much longer t") + '\0');
+    EXPECT_EQ(image(area.data(), 6864 + 4 * 21, 21), std::string(20, ' ') + '\0');
+    EXPECT_EQ(image(area.data(), 6969, 159), std::string(159, '\xAA'));
+}
+
+TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
+{
+    std::string area(AutosequenceBytes, '\0');
+    for (std::size_t n = 0; n < 18; ++n)
+        putSequence(area, n * 88, "Insp", "", {1, 0}, 0);
+    putSequence(area, 2 * 88, std::string("Tab\there\x7f") + std::string(10, 'x'), "Second", {5, 0, 7, 8}, 0x1B);
+    for (std::size_t k = 0; k < 60; ++k)
+        putSequence(area, 1584 + k * 88, "S", "T", {0}, 0);
+    putText(area, 6864 + 3 * 21, std::string("  Unit 4  ") + '\0' + "junk");
+    std::vector<Tautosequence> inspections(3);
+    std::vector<TuserTester> testers(7);
+    unpackAutosequences(reinterpret_cast<const std::uint8_t *>(area.data()), inspections, testers);
+
+    ASSERT_EQ(inspections.size(), 18u);
+    ASSERT_EQ(testers.size(), 5u);
+    for (const auto &tester : testers)
+        EXPECT_EQ(tester.sequences.size(), 12u);
+    const Tautosequence &s = inspections[2];
+    // Title: controls and 127 to blanks, cut to 18, then 0.
+    EXPECT_EQ(std::string(s.title1, 19), std::string("Tab here ") + std::string(9, 'x') + '\0');
+    EXPECT_EQ(std::string(s.title2, 19), "Second" + std::string(12, ' ') + '\0');
+    EXPECT_EQ(s.items[0], 5);
+    EXPECT_EQ(s.items[1], 0);
+    EXPECT_EQ(s.items[2], 0xFFFF);
+    EXPECT_EQ(s.items[3], 0xFFFF);
+    EXPECT_EQ(s.setting, 0x1B);
+    EXPECT_EQ(testers[3].name, "Unit 4");
+    EXPECT_EQ(testers[0].name, "");
+}
+
+TEST(TransferImagesUnpack, ChecklistsAndCheckitemsReplaceTheTables)
+{
+    std::string lists(ChecklistBytes, '\0');
+    putText(lists, 7 * 264, std::string("Line\x01one") + '\0');
+    putWord(lists, 7 * 264 + 42, 3);
+    putWord(lists, 7 * 264 + 44, 0);
+    putWord(lists, 7 * 264 + 46, 99);
+    TTestProcList table;
+    unpackChecklists(reinterpret_cast<const std::uint8_t *>(lists.data()), table);
+    ASSERT_EQ(table.size(), 500u);
+    EXPECT_EQ(std::string(table.items[7].title), "Line one" + std::string(33, ' '));
+    EXPECT_EQ(table.items[7].items[2], 0xFFFF);
+
+    std::string items(CheckitemBytes, '\0');
+    putText(items, 10 * 44, "ZQabc");
+    TInstrDatabase db;
+    db.slots().resize(3);
+    unpackCheckitems(reinterpret_cast<const std::uint8_t *>(items.data()), db);
+    ASSERT_EQ(db.size(), 1044u);
+    EXPECT_EQ(db[10].opCode, 'Q');
+    EXPECT_EQ(db[10].commandText(), "abc");
+}
+
+TEST(TransferRecordTest, DownloadCopiesBackOnlySelectedAreas)
+{
+    DataSet set;
+    set.inspections.resize(2);
+    set.checklists.items.resize(4);
+    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
+    record->data.selection = SelectCheckitems;
+    record->completeTransfer();
+    EXPECT_EQ(set.checkitems.size(), 1044u);
+    EXPECT_EQ(set.inspections.size(), 2u);
+    EXPECT_EQ(set.checklists.size(), 4u);
+    record->data.selection = SelectAutosequences | SelectChecklists;
+    record->completeTransfer();
+    EXPECT_EQ(set.inspections.size(), 18u);
+    EXPECT_EQ(set.testers.size(), 5u);
+    EXPECT_EQ(set.checklists.size(), 500u);
+}
