@@ -10,8 +10,10 @@ namespace fs = std::filesystem;
 
 AtomicWriteResult writeFileAtomically(const fs::path &target, std::string_view bytes)
 {
-    // An existing file that we may not write stays as it is.
-    if (::access(target.c_str(), F_OK) == 0 && ::access(target.c_str(), W_OK) != 0)
+    // An existing file without the owner's write bit stays as it is. The mode
+    // bits are checked rather than access(), which always succeeds for root.
+    struct stat existing {};
+    if (::stat(target.c_str(), &existing) == 0 && (existing.st_mode & S_IWUSR) == 0)
         return AtomicWriteResult::CannotCreate;
 
     std::string temp = target.string() + ".tmpXXXXXX";

@@ -1,0 +1,88 @@
+#include "FieldSpec.h"
+#include <charconv>
+#include <cstring>
+#include <vector>
+
+namespace {
+[[noreturn]] void fail(int line)
+{
+    throw TInstrPanelError(6, __FILE__, line);
+}
+
+bool isQuoted(const std::string &token)
+{
+    return token.size() >= 2 && token.front() == '"' && token.back() == '"';
+}
+
+// Optional sign, digits with at most one decimal point, at least one digit.
+bool parseDecimal(const std::string &text, double &value)
+{
+    std::size_t start = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
+    bool digits = false, point = false;
+    for (std::size_t i = start; i < text.size(); ++i) {
+        if (text[i] >= '0' && text[i] <= '9')
+            digits = true;
+        else if (text[i] == '.' && !point)
+            point = true;
+        else
+            return false;
+    }
+    if (!digits)
+        return false;
+    // from_chars does not take a '+' and ignores the locale (Qt sets LC_NUMERIC).
+    std::size_t from = text[0] == '+' ? 1 : 0;
+    auto result = std::from_chars(text.data() + from, text.data() + text.size(), value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+}
+
+TfieldSpec TfieldSpec::parse(const std::string &line)
+{
+    std::vector<std::string> tokens;
+    std::size_t start = 0;
+    for (;;) {
+        std::size_t tab = line.find('\t', start);
+        tokens.push_back(line.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
+        if (tab == std::string::npos)
+            break;
+        start = tab + 1;
+    }
+    if (tokens.size() != 3)
+        fail(__LINE__);
+    for (const std::string &token : tokens)
+        if (!isQuoted(token))
+            fail(__LINE__);
+
+    TfieldSpec spec;
+    spec.leftLabel = tokens[0].substr(1, tokens[0].size() - 2);
+    spec.rightLabel = tokens[1].substr(1, tokens[1].size() - 2);
+
+    const std::string &type = tokens[2];
+    if (type.size() < 3)
+        fail(__LINE__);
+    spec.typeLetter = type[1];
+    if (type.size() == 3) {
+        if (spec.typeLetter == 0 || !std::strchr("ANFU", spec.typeLetter))
+            fail(__LINE__);
+    } else {
+        if (spec.typeLetter != 'N' && spec.typeLetter != 'F')
+            fail(__LINE__);
+        std::size_t comma = type.find(',');
+        // Positions counted from 0: the minimum starts at 2, the closing quote is last.
+        if (comma == std::string::npos || comma == 2 || comma == type.size() - 2)
+            fail(__LINE__);
+        std::string minimum = type.substr(2, comma - 2);
+        std::string maximum = type.substr(comma + 1, type.size() - 2 - comma);
+        if (!parseDecimal(minimum, spec.range.minimum) || !parseDecimal(maximum, spec.range.maximum)
+            || spec.range.maximum < spec.range.minimum)
+            fail(__LINE__);
+        spec.range.hasRange = true;
+    }
+    switch (spec.typeLetter) {
+    case 'N': spec.typeTag = 1; break;
+    case 'F': spec.typeTag = 2; break;
+    case 'U': spec.typeTag = 3; break;
+    default: spec.typeTag = 0; break;
+    }
+    return spec;
+}

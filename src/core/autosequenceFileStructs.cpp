@@ -1,0 +1,172 @@
+#include "autosequenceFileStructs.h"
+#include "AtomicFile.h"
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+// Numbers of the reads, carried by TInvalidRead.
+enum ReadSite {
+    ReadTitle = 1, ReadSubtitle, ReadRecordCount,
+    ReadTitle1, ReadTitle2, ReadSetting, ReadItemCount, ReadItem
+};
+
+class TbyteReader {
+public:
+    explicit TbyteReader(const std::string &bytes) : m_bytes(bytes) {}
+    void text(char (&field)[64], int site)
+    {
+        need(sizeof field, site);
+        std::memcpy(field, m_bytes.data() + m_pos, sizeof field);
+        m_pos += sizeof field;
+    }
+    std::uint16_t word(int site)
+    {
+        need(2, site);
+        auto low = static_cast<unsigned char>(m_bytes[m_pos]);
+        auto high = static_cast<unsigned char>(m_bytes[m_pos + 1]);
+        m_pos += 2;
+        return static_cast<std::uint16_t>(low | (high << 8));
+    }
+
+private:
+    void need(std::size_t count, int site) const
+    {
+        if (m_bytes.size() - m_pos < count)
+            throw TInvalidRead(site);
+    }
+    const std::string &m_bytes;
+    std::size_t m_pos = 0;
+};
+
+void putText(std::string &out, const char (&field)[64])
+{
+    out.append(field, sizeof field);
+}
+
+void putWord(std::string &out, std::uint16_t value)
+{
+    out.push_back(static_cast<char>(value & 0xFF));
+    out.push_back(static_cast<char>(value >> 8));
+}
+
+// At most 63 characters and a 0, zero padded.
+void setField(char (&field)[64], const std::string &text)
+{
+    std::memset(field, 0, sizeof field);
+    std::memcpy(field, text.data(), std::min(text.size(), sizeof field - 1));
+}
+
+std::string fieldText(const char (&field)[64])
+{
+    return std::string(field, strnlen(field, sizeof field));
+}
+}
+
+int TautosequenceFile::read(const fs::path &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    if (!in)
+        return -1;
+    std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return parse(bytes);
+}
+
+int TautosequenceFile::parse(const std::string &bytes)
+{
+    records.clear();
+    TbyteReader reader(bytes);
+    reader.text(header.title, ReadTitle);
+    reader.text(header.subtitle, ReadSubtitle);
+    header.recordCount = reader.word(ReadRecordCount);
+    if (header.recordCount == 0)
+        return -2;
+    for (std::uint16_t r = 0; r < header.recordCount; ++r) {
+        TautosequenceFileStorage &record = records.emplace_back();
+        reader.text(record.title1, ReadTitle1);
+        reader.text(record.title2, ReadTitle2);
+        record.setting = reader.word(ReadSetting);
+        record.itemCount = reader.word(ReadItemCount);
+        for (std::uint16_t i = 0; i < record.itemCount; ++i)
+            record.items.push_back(reader.word(ReadItem));
+    }
+    return 0;
+}
+
+std::string TautosequenceFile::serialize()
+{
+    header.recordCount = static_cast<std::uint16_t>(records.size());
+    std::string out;
+    putText(out, header.title);
+    putText(out, header.subtitle);
+    putWord(out, header.recordCount);
+    for (TautosequenceFileStorage &record : records) {
+        record.itemCount = static_cast<std::uint16_t>(record.items.size());
+        putText(out, record.title1);
+        putText(out, record.title2);
+        putWord(out, record.setting);
+        putWord(out, record.itemCount);
+        for (std::uint16_t item : record.items)
+            putWord(out, item);
+    }
+    return out;
+}
+
+int TautosequenceFile::write(const fs::path &path)
+{
+    switch (writeFileAtomically(path, serialize())) {
+    case AtomicWriteResult::Ok:
+        return 0;
+    case AtomicWriteResult::ShortWrite:
+        throw TInvalidWrite();
+    default:
+        return -1;
+    }
+}
+
+bool TautosequenceFile::findReferences(const fs::path &path, std::uint16_t number, std::vector<std::string> &result)
+{
+    TautosequenceFile file;
+    int status = -1;
+    try {
+        status = file.read(path);
+    } catch (const TInvalidRead &) {
+        status = -1;
+    }
+    // A file without records is readable; it just refers to nothing.
+    if (status == -1) {
+        result.push_back("Unable to open autosequence file - " + path.string());
+        return false;
+    }
+    bool found = false;
+    for (const TautosequenceFileStorage &record : file.records) {
+        if (std::find(record.items.begin(), record.items.end(), number) != record.items.end()) {
+            result.push_back(fieldText(record.title1) + " - " + fieldText(record.title2));
+            found = true;
+        }
+    }
+    return found;
+}
+
+void TautosequenceFile::setTitle(const std::string &text)
+{
+    setField(header.title, text);
+}
+
+void TautosequenceFile::setSubtitle(const std::string &text)
+{
+    setField(header.subtitle, text);
+}
+
+std::string TautosequenceFile::title() const
+{
+    return fieldText(header.title);
+}
+
+std::string TautosequenceFile::subtitle() const
+{
+    return fieldText(header.subtitle);
+}
