@@ -1,6 +1,7 @@
 #pragma once
 // The simulated analyzer's memory: the three transfer images, kept in one file
 // (checkitems, autosequences, checklists, back to back: 185064 bytes).
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -18,8 +19,8 @@ public:
     static std::size_t areaSize(Area area);
     static std::size_t fileSize();
 
-    std::vector<std::uint8_t> &image(Area area) { return m_images[static_cast<int>(area)]; }
-    const std::vector<std::uint8_t> &image(Area area) const { return m_images[static_cast<int>(area)]; }
+    std::vector<std::uint8_t> &image(Area area) { return m_images.at(static_cast<std::size_t>(area)); }
+    const std::vector<std::uint8_t> &image(Area area) const { return m_images.at(static_cast<std::size_t>(area)); }
 
     // Packs the data set of an application folder (load messages go to stderr).
     void fillFromAppDir(const std::filesystem::path &appDir);
@@ -29,5 +30,5 @@ public:
     bool save(const std::filesystem::path &file) const;
 
 private:
-    std::vector<std::uint8_t> m_images[AreaCount];
+    std::array<std::vector<std::uint8_t>, AreaCount> m_images;
 };
