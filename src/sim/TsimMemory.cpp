@@ -3,6 +3,8 @@
 #include "MessageSink.h"
 #include "TdataSet.h"
 #include "TransferImages.h"
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -53,9 +55,33 @@ void TsimMemory::fillFromAppDir(const std::filesystem::path &appDir)
     TstderrMessageSink sink;
     TdataSet data(appDir, sink);
     data.loadAll();
-    TransferImages::packCheckitems(data.checkitems, image(Area::Checkitems).data());
-    TransferImages::packAutosequences(data.inspections, data.userTesters, image(Area::Autosequences).data());
-    TransferImages::packChecklists(data.checklists, image(Area::Checklists).data());
+    // Packed here from the record layouts rather than through the PC side's packing,
+    // so a packing fault on the PC shows up against the simulator.
+    for (Area area : areas)
+        std::fill(image(area).begin(), image(area).end(), 0);
+
+    std::uint8_t *checkitems = image(Area::Checkitems).data();
+    for (std::size_t i = 0; i < TInstrDatabase::SlotCount && i < data.checkitems.size(); ++i)
+        std::memcpy(checkitems + i * sizeof(TInstr), &data.checkitems[i], sizeof(TInstr));
+
+    std::uint8_t *checklists = image(Area::Checklists).data();
+    for (std::size_t i = 0; i < TransferImages::ChecklistBlocks && i < data.checklists.size(); ++i)
+        std::memcpy(checklists + i * TransferImages::ChecklistSlot, &data.checklists.items[i], sizeof(TEST_PROCEDURE));
+
+    std::uint8_t *sequences = image(Area::Autosequences).data();
+    for (std::size_t i = 0; i < TransferImages::InspectionCount && i < data.inspections.size(); ++i)
+        std::memcpy(sequences + i * sizeof(Tautosequence), &data.inspections[i], sizeof(Tautosequence));
+    for (std::size_t t = 0; t < 5 && t < data.userTesters.size(); ++t) {
+        const TuserTester &tester = data.userTesters[t];
+        for (std::size_t s = 0; s < 12 && s < tester.sequences.size(); ++s)
+            std::memcpy(sequences + TransferImages::TesterSequencesOffset + (t * 12 + s) * sizeof(Tautosequence),
+                        &tester.sequences[s], sizeof(Tautosequence));
+        // The name padded with blanks to 20 bytes, then a 0.
+        std::uint8_t *name = sequences + TransferImages::TesterNamesOffset + t * TransferImages::TesterNameWidth;
+        std::memset(name, ' ', TransferImages::TesterNameWidth - 1);
+        std::memcpy(name, tester.name.data(), std::min<std::size_t>(tester.name.size(), TransferImages::TesterNameWidth - 1));
+        name[TransferImages::TesterNameWidth - 1] = 0;
+    }
 }
 
 bool TsimMemory::load(const std::filesystem::path &file, std::string &why)
