@@ -2,7 +2,8 @@
 #include "AppDir.h"
 
 bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
-                          std::size_t positionalCount, std::string &why)
+                          std::size_t positionalCount, std::string &why,
+                          const std::set<std::string> &valueOptions)
 {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string &argument = arguments[i];
@@ -16,6 +17,12 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
                 return false;
             }
             appDir = arguments[++i];
+        } else if (valueOptions.count(argument)) {
+            if (i + 1 >= arguments.size()) {
+                why = argument + " needs a value";
+                return false;
+            }
+            options[argument] = arguments[++i];
         } else if (knownFlags.count(argument)) {
             flags.insert(argument);
         } else if (argument.size() > 1 && argument[0] == '-') {

@@ -1,6 +1,7 @@
 #pragma once
 // The arguments after a subcommand's name: --appdir DIR, --help, flags, positionals.
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -8,11 +9,13 @@
 struct TcliArguments {
     std::filesystem::path appDir; // KT930PC_APPDIR or the executable's folder unless --appdir
     std::set<std::string> flags;
+    std::map<std::string, std::string> options; // options that take a value, e.g. --serial 3
     std::vector<std::string> positional;
     bool help = false;
 
     // False (with why) for an unknown option or a wrong number of positionals.
     bool parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
-               std::size_t positionalCount, std::string &why);
-    bool has(const std::string &flag) const { return flags.count(flag) != 0; }
+               std::size_t positionalCount, std::string &why,
+               const std::set<std::string> &valueOptions = {});
+    bool has(const std::string &flag) const { return flags.count(flag) != 0 || options.count(flag) != 0; }
 };

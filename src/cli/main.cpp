@@ -2,6 +2,7 @@
 #include "TexportCsvCommand.h"
 #include "TimportCsvCommand.h"
 #include "TshowCommand.h"
+#include "TtransferCommand.h"
 #include <iostream>
 #include <memory>
 
@@ -12,6 +13,9 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TshowCommand>());
     commands.push_back(std::make_unique<TexportCsvCommand>());
     commands.push_back(std::make_unique<TimportCsvCommand>());
+    commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
+    commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
+    commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Sync));
     return commands;
 }
 

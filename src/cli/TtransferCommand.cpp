@@ -1,0 +1,252 @@
+#include "TtransferCommand.h"
+#include "AutosequenceConversions.h"
+#include "TCommPort.h"
+#include "TcliArguments.h"
+#include "TcliMessageSink.h"
+#include "TcliProgressSink.h"
+#include "TdataSet.h"
+#include "TransferWorkers.h"
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QSettings>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+// Worker messages end the progress bar's line before they are printed.
+class TtransferMessageSink : public TcliMessageSink {
+public:
+    explicit TtransferMessageSink(TcliProgressSink &progress) : TcliMessageSink(&std::cerr), m_progress(progress) {}
+    MsgAnswer show(const Message &message) override
+    {
+        m_progress.finish();
+        return TcliMessageSink::show(message);
+    }
+
+private:
+    TcliProgressSink &m_progress;
+};
+
+// Serial ports that KT930pc.ini maps to other devices (section SERIALPORTS, COMn=path).
+void applySerialPortMap(const std::filesystem::path &appDir)
+{
+    QSettings ini(QString::fromStdString((appDir / "KT930pc.ini").string()), QSettings::IniFormat);
+    std::map<int, std::string> overrides;
+    ini.beginGroup("SERIALPORTS");
+    for (const QString &key : ini.childKeys()) {
+        int number = 0;
+        if (std::sscanf(key.toUpper().toLatin1().constData(), "COM%d", &number) == 1)
+            overrides[number] = ini.value(key).toString().toStdString();
+    }
+    TCommPort::setPortOverrides(overrides);
+}
+
+// Runs a worker to its end; true when it reported a completed transfer.
+bool runWorker(QThread &worker, TcliProgressSink &progress)
+{
+    QEventLoop loop;
+    QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
+    worker.start();
+    loop.exec();
+    worker.wait();
+    progress.finish();
+    return progress.result() == TransferResult::Ok;
+}
+
+int appArgc = 1;
+char appName[] = "kt930ctl";
+char *appArgv[] = {appName, nullptr};
+}
+
+std::string TtransferCommand::name() const
+{
+    switch (m_kind) {
+    case Kind::Download:
+        return "download";
+    case Kind::Upload:
+        return "upload";
+    default:
+        return "sync";
+    }
+}
+
+std::string TtransferCommand::summary() const
+{
+    switch (m_kind) {
+    case Kind::Download:
+        return "fetch checkitems, autosequences and checklists from the analyzer and save them";
+    case Kind::Upload:
+        return "send the saved checkitems, autosequences and checklists to the analyzer";
+    default:
+        return "replace the checkitem database with the analyzer's and save Data/mit.dat";
+    }
+}
+
+std::string TtransferCommand::usage() const
+{
+    std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N) [--appdir DIR]\n";
+    switch (m_kind) {
+    case Kind::Download:
+        text += "Fetches the whole data set from the analyzer. When the transfer completed, checks every\n"
+                "checkitem's op code against Data/*.in and saves Data/mit.dat, inspection.asq,\n"
+                "usertester1..5.asq and testProc.asq. A failed or cancelled transfer changes no file.\n";
+        break;
+    case Kind::Upload:
+        text += "Sends the data set saved in DIR/Data to the analyzer. Refuses to send when a file of the\n"
+                "data set could not be read, so defaults never overwrite the analyzer's content.\n";
+        break;
+    case Kind::Sync:
+        text += "Fetches the analyzer's checkitem database alone and saves it as DIR/Data/mit.dat.\n";
+        break;
+    }
+    text += "  --usb            the analyzer on USB\n"
+            "  --ethernet ADDR  the analyzer at IPv4 address ADDR, TCP port 60601\n"
+            "  --serial N       the analyzer on serial port COMN (19200 baud, 8N1); COM1-32 are\n"
+            "                   /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31, and\n"
+            "                   section SERIALPORTS of DIR/KT930pc.ini may map COMn=/any/path\n"
+            "  --appdir DIR     application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n"
+            "Progress goes to stderr (a bar on a terminal, one line per stage otherwise), and so do the\n"
+            "analyzer's messages. Ctrl+C cancels. Exit code 0 only when the transfer completed.\n";
+    return text;
+}
+
+bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &settings, std::string &why)
+{
+    const int chosen = int(args.has("--usb")) + int(args.has("--ethernet")) + int(args.has("--serial"));
+    if (chosen != 1) {
+        why = "choose exactly one of --usb, --ethernet A.B.C.D, --serial N";
+        return false;
+    }
+    if (args.has("--usb")) {
+        settings.method = static_cast<std::uint8_t>(TcommMethod::USB);
+    } else if (args.has("--ethernet")) {
+        int octets[4];
+        char extra;
+        const std::string &address = args.options.at("--ethernet");
+        if (std::sscanf(address.c_str(), "%d.%d.%d.%d%c", &octets[0], &octets[1], &octets[2], &octets[3], &extra) != 4) {
+            why = "--ethernet needs an IPv4 address such as 127.0.0.1";
+            return false;
+        }
+        for (int i = 0; i < 4; ++i) {
+            if (octets[i] < 0 || octets[i] > 255) {
+                why = "Invalid IP Address!";
+                return false;
+            }
+            settings.ip[i] = octets[i];
+        }
+        settings.method = static_cast<std::uint8_t>(TcommMethod::Ethernet);
+    } else {
+        char extra;
+        int port = 0;
+        if (std::sscanf(args.options.at("--serial").c_str(), "%d%c", &port, &extra) != 1 || port < 1 || port > 256) {
+            why = "--serial needs a port number from 1 to 256";
+            return false;
+        }
+        settings.serialPort = port;
+        settings.method = static_cast<std::uint8_t>(TcommMethod::Serial);
+    }
+    return true;
+}
+
+int TtransferCommand::run(const std::vector<std::string> &arguments)
+{
+    TcliArguments args;
+    std::string why;
+    if (!args.parse(arguments, {"--usb"}, 0, why, {"--ethernet", "--serial"})) {
+        std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
+        return 2;
+    }
+    if (args.help) {
+        std::cout << usage();
+        return 0;
+    }
+    TcommSettings settings;
+    if (!connectionFrom(args, settings, why)) {
+        std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
+        return 2;
+    }
+    QCoreApplication app(appArgc, appArgv);
+    applySerialPortMap(args.appDir);
+    switch (m_kind) {
+    case Kind::Download:
+        return download(args, settings);
+    case Kind::Upload:
+        return upload(args, settings);
+    default:
+        return sync(args, settings);
+    }
+}
+
+int TtransferCommand::download(const TcliArguments &args, const TcommSettings &settings)
+{
+    TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
+    TtransferMessageSink messages(progress);
+    // Nothing is loaded: a completed download replaces every container.
+    TdataSet data(args.appDir, messages);
+    auto record = std::make_unique<TdownloadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
+                                                        &data.inspections);
+    record->data.header.settings = settings;
+    record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
+    record->data.selection = SelectAll;
+    TdownloadThread worker(&data, &progress, &messages, record.get());
+    if (!runWorker(worker, progress))
+        return 1;
+
+    data.validateOpCodes();
+    const std::size_t before = messages.messages().size();
+    data.backup();
+    TautosequenceFile checklistFile;
+    AutosequenceConversions::checklistsToFile(data.checklists, checklistFile);
+    if (checklistFile.write(data.dataFile("testProc.asq")) != 0)
+        messages.error("File Error", "An error occured while backing up the checklists");
+    if (messages.messages().size() != before)
+        return 1;
+    std::cout << "Downloaded the data set into " << data.dataFolder().string() << "\n";
+    return 0;
+}
+
+int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &settings)
+{
+    TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
+    TtransferMessageSink messages(progress);
+    TdataSet data(args.appDir, messages);
+    data.loadAll();
+    if (!messages.messages().empty()) {
+        std::cerr << "kt930ctl upload: not sending, the data set in " << data.dataFolder().string()
+                  << " did not load cleanly (see above)\n";
+        return 1;
+    }
+    auto record = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
+                                                      &data.inspections);
+    record->data.header.settings = settings;
+    record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Upload);
+    record->data.selection = SelectAll;
+    TuploadThread worker(&data, &progress, &messages, record.get());
+    if (!runWorker(worker, progress))
+        return 1;
+    std::cout << "Uploaded the data set of " << data.dataFolder().string() << "\n";
+    return 0;
+}
+
+int TtransferCommand::sync(const TcliArguments &args, const TcommSettings &settings)
+{
+    TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
+    TtransferMessageSink messages(progress);
+    TdataSet data(args.appDir, messages);
+    auto record = std::make_unique<TsyncCommStruct>();
+    record->settings = settings;
+    record->settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
+    record->settings.requested = 1;
+    TinstSyncThread worker(&progress, &messages, record.get());
+    if (!runWorker(worker, progress))
+        return 1;
+    record->copyInto(data.checkitems);
+    const std::size_t before = messages.messages().size();
+    data.saveCheckitems();
+    if (messages.messages().size() != before)
+        return 1;
+    std::cout << "Saved the analyzer's checkitem database as " << data.dataFile("mit.dat").string() << "\n";
+    return 0;
+}
