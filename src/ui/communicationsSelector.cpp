@@ -23,6 +23,7 @@ TcomSelectFrm::TcomSelectFrm(QWidget *owner, bool upload, MessageSink *sink)
     m_ip[2] = ui->IP3;
     m_ip[3] = ui->IP4;
     ui->pnlWarning->setVisible(upload);
+    adjustSize(); // without the warning a download's dialog is shorter
 
     QSettings ini(iniPath(), QSettings::IniFormat);
     ini.beginGroup(QStringLiteral("COMM"));
