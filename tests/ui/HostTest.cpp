@@ -1,0 +1,73 @@
+// The host window loading the real plug-in library: button, view swap, return,
+// ReloadData when the frame is shown again.
+#include "AutosequenceConversions.h"
+#include "ThostMainWindow.h"
+#include "UiTestSupport.h"
+#include <QListWidget>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+class HostTest : public ::testing::Test {
+protected:
+    HostTest()
+    {
+        ensureApplication();
+        // A complete data set, so the start-up shows no message box.
+        fs::copy(fs::path(KT930_TEST_APPDIR) / "Data", appDir.dir().path() / "Data",
+                 fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+    }
+
+    static QPushButton *button(QWidget *parent, const char *name)
+    {
+        auto *b = parent->findChild<QPushButton *>(QString::fromLatin1(name));
+        EXPECT_NE(b, nullptr) << name;
+        return b;
+    }
+
+    AppDirScope appDir;
+};
+
+TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheDisk)
+{
+    ThostMainWindow window(QString::fromLatin1(KT930_TEST_APPDIR));
+    window.show();
+    ASSERT_EQ(window.pluginCount(), 1);
+    QPushButton *pluginButton = button(window.mainView(), "plugin0");
+    ASSERT_NE(pluginButton, nullptr);
+    EXPECT_EQ(pluginButton->text(), QStringLiteral("Inspections and\nUser Testers"));
+
+    pluginButton->click();
+    auto *frame = window.container()->findChild<Tkt930Frame *>();
+    ASSERT_NE(frame, nullptr);
+    EXPECT_TRUE(frame->isVisible());
+    EXPECT_FALSE(window.mainView()->isVisible());
+
+    button(frame, "BtnExit")->click();
+    EXPECT_FALSE(frame->isVisible());
+    EXPECT_TRUE(window.mainView()->isVisible());
+
+    // Another program changes the inspections while the main view is shown.
+    TautosequenceFile file;
+    AutosequenceConversions::inspectionsToFile({sequence("CHANGED ON DISK", "BY ANOTHER TOOL")}, file);
+    ASSERT_EQ(file.write(appDir.data("inspection.asq")), 0);
+
+    pluginButton->click();
+    EXPECT_EQ(window.container()->findChild<Tkt930Frame *>(), frame); // the same frame, reloaded
+    auto *list = frame->findChild<QListWidget *>(QStringLiteral("lstIP"));
+    ASSERT_NE(list, nullptr);
+    ASSERT_EQ(list->count(), 1);
+    EXPECT_EQ(list->item(0)->text(), QStringLiteral("CHANGED ON DISK - BY ANOTHER TOOL"));
+    EXPECT_TRUE(frame->isVisible());
+    EXPECT_FALSE(window.mainView()->isVisible());
+}
+
+TEST_F(HostTest, AFolderWithoutPluginsSaysSoAndTheHostGoesOn)
+{
+    ThostMainWindow window(QString::fromStdString(appDir.dir().path().string()));
+    EXPECT_EQ(window.pluginCount(), 0);
+    EXPECT_EQ(window.mainView()->findChildren<QPushButton *>().size(), 0);
+}
+}
