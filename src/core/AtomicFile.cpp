@@ -10,17 +10,22 @@ namespace fs = std::filesystem;
 
 AtomicWriteResult writeFileAtomically(const fs::path &target, std::string_view bytes)
 {
-    // An existing file without the owner's write bit stays as it is. The mode
-    // bits are checked rather than access(), which always succeeds for root.
+    // An existing file that we may not write stays as it is. For root, whom
+    // access() never refuses, the owner's write bit decides.
     struct stat existing {};
-    if (::stat(target.c_str(), &existing) == 0 && (existing.st_mode & S_IWUSR) == 0)
-        return AtomicWriteResult::CannotCreate;
+    const bool exists = ::stat(target.c_str(), &existing) == 0;
+    if (exists) {
+        const bool writable = ::geteuid() == 0 ? (existing.st_mode & S_IWUSR) != 0 : ::access(target.c_str(), W_OK) == 0;
+        if (!writable)
+            return AtomicWriteResult::CannotCreate;
+    }
 
     std::string temp = target.string() + ".tmpXXXXXX";
     int fd = ::mkstemp(temp.data());
     if (fd < 0)
         return AtomicWriteResult::CannotCreate;
-    ::fchmod(fd, S_IRUSR | S_IWUSR);
+    // A replaced file keeps its permissions; a new one is the owner's alone.
+    ::fchmod(fd, exists ? (existing.st_mode & 07777) : (S_IRUSR | S_IWUSR));
 
     std::size_t done = 0;
     while (done < bytes.size()) {

@@ -19,7 +19,8 @@ void TInstr::assign(char cat, char op, const std::string &text)
     opCode = op;
     // Bounded copy: zero padding after the text, last byte always 0.
     std::memset(command, 0, sizeof command);
-    std::memcpy(command, text.data(), std::min<std::size_t>(text.size(), sizeof command - 1));
+    // A bounded string copy: it stops at the first 0 of the text.
+    std::memcpy(command, text.data(), strnlen(text.c_str(), sizeof command - 1));
     command[sizeof command - 1] = 0;
 }
 

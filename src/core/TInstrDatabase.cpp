@@ -177,7 +177,8 @@ bool TInstrDatabase::repairUnknownOpCodes(const TopCodeTable &table)
 {
     bool repaired = false;
     for (TInstr &record : m_slots) {
-        if (record.isFree() || table.count(record.opCode))
+        // Only an empty op code passes unchecked.
+        if (record.opCode == 0 || table.count(record.opCode))
             continue;
         if (table.empty())
             throw std::runtime_error("Invalid Op Code");

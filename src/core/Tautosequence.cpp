@@ -22,6 +22,13 @@ void Tautosequence::makeUnused()
     std::memcpy(title1, UnusedTitle, 19);
 }
 
+Tautosequence Tautosequence::unused()
+{
+    Tautosequence sequence;
+    sequence.makeUnused();
+    return sequence;
+}
+
 bool Tautosequence::isUnused() const
 {
     return std::memcmp(title1, UnusedTitle, 19) == 0 && std::memcmp(title2, BlankTitle, 19) == 0

@@ -17,6 +17,7 @@ struct Tautosequence {
 
     void blank();      // titles 18 blanks, items 0 then 0xFFFF, setting 0
     void makeUnused(); // "(UNUSED)" title, otherwise blank
+    static Tautosequence unused(); // the empty autosequence of defaults and clears
     bool isUnused() const;
 
     // User text into a title: at most 18 characters, controls to blanks, blank padded.

@@ -67,7 +67,7 @@ void TdataSet::loadInspections()
     }
     m_sink.error("Inspection Data Error",
                  "Warning!! Corrupt Physical Inspection List\nPlease restore the data from the KT930.");
-    inspections.assign(DefaultInspectionCount, Tautosequence());
+    inspections.assign(DefaultInspectionCount, Tautosequence::unused());
 }
 
 void TdataSet::loadUserTesters()
@@ -183,7 +183,7 @@ TuserTester TdataSet::defaultUserTester(int index)
     std::snprintf(name, sizeof name, "USER TESTER %d", 2 * index);
     TuserTester tester;
     tester.name = name;
-    tester.sequences.assign(SequencesPerTester, Tautosequence());
+    tester.sequences.assign(SequencesPerTester, Tautosequence::unused());
     return tester;
 }
 

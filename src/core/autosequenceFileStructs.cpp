@@ -136,8 +136,8 @@ bool TautosequenceFile::findReferences(const fs::path &path, std::uint16_t numbe
     } catch (const TInvalidRead &) {
         status = -1;
     }
-    // A file without records is readable; it just refers to nothing.
-    if (status == -1) {
+    // A file without records counts as unreadable, like a missing one.
+    if (status != 0) {
         result.push_back("Unable to open autosequence file - " + path.string());
         return false;
     }

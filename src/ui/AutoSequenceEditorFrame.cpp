@@ -235,7 +235,7 @@ void TAutoSeqEditFrame::BtnIPClearClick()
         return;
     if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
         return;
-    m_data->inspections[std::size_t(row)].blank();
+    m_data->inspections[std::size_t(row)].makeUnused();
     refreshLists(0);
 }
 
@@ -248,7 +248,7 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
     const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
     if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
         return;
-    m_data->userTesters[i].sequences[j].blank();
+    m_data->userTesters[i].sequences[j].makeUnused();
     refreshLists(1);
 }
 

@@ -217,10 +217,13 @@ TEST(OpCodeRepair, ReplacesUnknownOpCodesWithTheMarker)
     db[0].assign('B', 'M', "known");
     db[1].assign('C', 'Z', "unknown");
     db[2].category = 0;
-    db[2].opCode = 'Z'; // free: category 0
+    db[2].opCode = 'Z'; // category 0 does not exempt an unknown op code
+    db[3].category = 'A';
+    db[3].opCode = 0; // an empty op code passes
     EXPECT_TRUE(db.repairUnknownOpCodes(table({{'M', "M - Measure"}, {'L', "L - Limits"}})));
     EXPECT_EQ(recordBytes(db[0]), checkitem('B', 'M', "known"));
     EXPECT_EQ(recordBytes(db[1]), checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         "));
-    EXPECT_EQ(db[2].opCode, 'Z');
+    EXPECT_EQ(recordBytes(db[2]), checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         "));
+    EXPECT_EQ(db[3].opCode, 0);
     EXPECT_FALSE(db.repairUnknownOpCodes(table({{'M', "M"}, {'L', "L"}})));
 }

@@ -64,8 +64,8 @@ TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
     ASSERT_EQ(data.checkitems.size(), 1044u);
     EXPECT_TRUE(data.checkitems[1043].isFree());
     ASSERT_EQ(data.inspections.size(), 18u);
-    const Tautosequence blank;
-    EXPECT_EQ(std::memcmp(&data.inspections[17], &blank, sizeof blank), 0);
+    const Tautosequence unused = Tautosequence::unused();
+    EXPECT_EQ(std::memcmp(&data.inspections[17], &unused, sizeof unused), 0);
     ASSERT_EQ(data.userTesters.size(), 5u);
     const char *names[] = {"USER TESTER 0", "USER TESTER 2", "USER TESTER 4", "USER TESTER 6", "USER TESTER 8"};
     for (int i = 0; i < 5; ++i) {
@@ -132,11 +132,11 @@ TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
     EXPECT_EQ(TempDir::read(dir / "Data/mit.dat").size(), 45936u);
     std::string inspections = asqHeader("Physical Inspections", "", 18);
     for (int i = 0; i < 18; ++i)
-        inspections += asqRecord(std::string(18, ' '), std::string(18, ' '), 0, positions({}));
+        inspections += asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
     EXPECT_EQ(TempDir::read(dir / "Data/inspection.asq"), inspections);
     std::string tester = asqHeader("User Tester Autosequences", "USER TESTER 2", 12);
     for (int i = 0; i < 12; ++i)
-        tester += asqRecord(std::string(18, ' '), std::string(18, ' '), 0, positions({}));
+        tester += asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
     EXPECT_EQ(TempDir::read(dir / "Data/usertester2.asq"), tester);
     EXPECT_FALSE(std::filesystem::exists(dir / "Data/testProc.asq"));
 }
