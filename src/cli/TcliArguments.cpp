@@ -1,0 +1,36 @@
+#include "TcliArguments.h"
+#include "AppDir.h"
+
+bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
+                          std::size_t positionalCount, std::string &why)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string &argument = arguments[i];
+        if (argument == "--help" || argument == "-h") {
+            help = true;
+            return true;
+        }
+        if (argument == "--appdir") {
+            if (i + 1 >= arguments.size()) {
+                why = "--appdir needs a folder";
+                return false;
+            }
+            appDir = arguments[++i];
+        } else if (knownFlags.count(argument)) {
+            flags.insert(argument);
+        } else if (argument.size() > 1 && argument[0] == '-') {
+            why = "unknown option " + argument;
+            return false;
+        } else {
+            positional.push_back(argument);
+        }
+    }
+    if (positional.size() != positionalCount) {
+        why = positionalCount ? "expected " + std::to_string(positionalCount) + " file name" : "unexpected argument "
+                + positional.front();
+        return false;
+    }
+    if (appDir.empty())
+        appDir = TappDir::applicationFolder();
+    return true;
+}

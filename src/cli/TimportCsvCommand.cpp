@@ -1,0 +1,76 @@
+#include "TimportCsvCommand.h"
+#include "TcliArguments.h"
+#include "TcliMessageSink.h"
+#include "TdataSet.h"
+#include <iostream>
+
+namespace {
+std::size_t usedSlots(const TInstrDatabase &db)
+{
+    std::size_t used = 0;
+    for (const TInstr &record : db.slots())
+        used += record.isFree() ? 0 : 1;
+    return used;
+}
+}
+
+std::string TimportCsvCommand::usage() const
+{
+    return "Usage: kt930ctl import-csv FILE [--appdir DIR]\n"
+           "Adds every \"category,op code,command\" line of FILE to the free slots of the checkitem\n"
+           "table and saves DIR/Data/mit.dat; existing checkitems are kept. Lines without two\n"
+           "commas are skipped. When the table fills up, what fitted is saved and the exit code is 1.\n"
+           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+}
+
+std::string TimportCsvCommand::importErrorText(int code)
+{
+    return "An error occurred while importing the checkitems.\nAn error code of " + std::to_string(code)
+        + " was returned - " + (code == -1 ? "File I/O Error" : "Unhandled Exception") + ".";
+}
+
+const char *TimportCsvCommand::overflowText()
+{
+    return "WARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the "
+           "checkitem database to\ninsert all of the checkitems from the specified file.";
+}
+
+int TimportCsvCommand::run(const std::vector<std::string> &arguments)
+{
+    TcliArguments args;
+    std::string why;
+    if (!args.parse(arguments, {}, 1, why)) {
+        std::cerr << "kt930ctl import-csv: " << why << "\n" << usage();
+        return 2;
+    }
+    if (args.help) {
+        std::cout << usage();
+        return 0;
+    }
+    TcliMessageSink sink(&std::cerr);
+    TdataSet data(args.appDir, sink);
+    data.loadCheckitems();
+    const std::size_t before = usedSlots(data.checkitems);
+
+    bool overflow = false;
+    int result = 0;
+    try {
+        result = data.checkitems.importText(args.positional[0]);
+    } catch (const TinstListOverflowException &) {
+        overflow = true;
+    }
+    if (result != 0) {
+        sink.error("ERROR", importErrorText(result));
+        return 1;
+    }
+    if (overflow)
+        sink.warning("OVERFLOW", overflowText());
+
+    const std::size_t messagesBeforeSave = sink.messages().size();
+    data.saveCheckitems();
+    if (sink.messages().size() != messagesBeforeSave)
+        return 1;
+    std::cout << "Imported " << usedSlots(data.checkitems) - before << " checkitems into "
+              << data.dataFile("mit.dat").string() << "\n";
+    return overflow ? 1 : 0;
+}

@@ -1,0 +1,209 @@
+#include "TshowCommand.h"
+#include "CategoryDescriptors.h"
+#include "OpCodeDefinitions.h"
+#include "TcliArguments.h"
+#include "TcliMessageSink.h"
+#include "TdataSet.h"
+#include "TlistTexts.h"
+#include "TtextEncoding.h"
+#include <cstdio>
+#include <iostream>
+
+namespace {
+// What show prints, already in UTF-8, gathered once for both output forms.
+struct Tcheckitem {
+    int number;
+    std::string category, categoryName, opCode, opCodeName, command;
+};
+struct Ttester {
+    std::string root;
+    std::vector<std::string> children;
+};
+struct Tchecklist {
+    int number;
+    std::string title;
+    std::vector<int> items;
+};
+struct Treport {
+    std::vector<Message> messages;
+    std::vector<Tcheckitem> checkitems;
+    std::vector<std::string> inspections;
+    std::vector<Ttester> testers;
+    std::vector<Tchecklist> checklists;
+};
+
+std::string utf8(const std::string &text)
+{
+    return TtextEncoding::toUtf8(text);
+}
+
+Treport gather(const std::filesystem::path &appDir)
+{
+    TcliMessageSink sink;
+    TdataSet data(appDir, sink);
+    data.loadAll();
+
+    TopCodeTable opCodes;
+    try {
+        OpCodeDefinitions::load(data.dataFolder(), opCodes, sink);
+    } catch (const TopCodeFileCorrupt &) {
+        // Already reported; the op codes read so far still name their checkitems.
+    }
+    TcategoryMap categories;
+    if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
+        sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+
+    Treport report;
+    for (std::size_t i = 0; i < data.checkitems.size(); ++i) {
+        const TInstr &record = data.checkitems[i];
+        if (record.isFree())
+            continue;
+        auto opCode = opCodes.find(record.opCode);
+        // Trailing blanks are padding; trailing tabs are empty fields and stay.
+        std::string command = record.commandText();
+        command.erase(command.find_last_not_of(' ') + 1);
+        report.checkitems.push_back({static_cast<int>(i + 1), utf8(std::string(1, record.category)),
+                                     utf8(CategoryDescriptors::displayText(categories, record.category)),
+                                     utf8(std::string(1, record.opCode)),
+                                     opCode != opCodes.end() ? utf8(opCode->second.name) : "(unknown op code)",
+                                     TtextEncoding::toUtf8(command, true)});
+    }
+    for (const Tautosequence &inspection : data.inspections)
+        report.inspections.push_back(utf8(TlistTexts::inspectionRow(inspection)));
+    for (std::size_t i = 0; i < data.userTesters.size(); ++i) {
+        TuserTester &tester = data.userTesters[i];
+        Ttester shown{utf8(TlistTexts::testerRoot(static_cast<int>(i), tester)), {}};
+        for (std::size_t j = 0; j < tester.sequences.size(); ++j)
+            shown.children.push_back(utf8(TlistTexts::testerChild(static_cast<int>(j), tester.sequences[j])));
+        report.testers.push_back(shown);
+    }
+    for (std::size_t i = 0; i < data.checklists.size(); ++i) {
+        const TTestProc &checklist = data.checklists.items[i];
+        if (checklist.isUnused())
+            continue;
+        Tchecklist shown{static_cast<int>(i + 1), utf8(TlistTexts::trim(checklist.titleText())), {}};
+        for (std::uint16_t item : checklist.items) {
+            if (item == 0 || item == 0xFFFF)
+                break;
+            shown.items.push_back(item);
+        }
+        report.checklists.push_back(shown);
+    }
+    report.messages = sink.messages();
+    return report;
+}
+
+std::string itemList(const std::vector<int> &items)
+{
+    std::string text;
+    for (int item : items)
+        text += (text.empty() ? "" : " ") + std::to_string(item);
+    return text;
+}
+
+void printText(const Treport &report, std::ostream &out)
+{
+    out << "Load messages:" << (report.messages.empty() ? " none" : "") << "\n";
+    for (const Message &message : report.messages) {
+        out << "  " << utf8(message.caption) << "\n";
+        std::string text = TcliMessageSink::printable(message.text);
+        for (std::size_t start = 0; start <= text.size();) {
+            std::size_t end = text.find('\n', start);
+            if (end == std::string::npos)
+                end = text.size();
+            out << "    " << text.substr(start, end - start) << "\n";
+            start = end + 1;
+        }
+    }
+    out << "\nCheckitems (" << report.checkitems.size() << " used):\n";
+    for (const Tcheckitem &item : report.checkitems) {
+        char number[16];
+        std::snprintf(number, sizeof number, "%4d", item.number);
+        out << number << "  " << item.category << " " << item.categoryName << " | " << item.opCodeName << " | "
+            << item.command << "\n";
+    }
+    out << "\nPhysical Inspections:\n";
+    for (std::size_t i = 0; i < report.inspections.size(); ++i)
+        out << "  " << i + 1 << ". " << report.inspections[i] << "\n";
+    out << "\nUser Tester Sequences:\n";
+    for (const Ttester &tester : report.testers) {
+        out << "  " << tester.root << "\n";
+        for (const std::string &child : tester.children)
+            out << "      " << child << "\n";
+    }
+    out << "\nChecklists (" << report.checklists.size() << " used):\n";
+    for (const Tchecklist &checklist : report.checklists)
+        out << "  " << checklist.number << ". " << checklist.title << ": " << itemList(checklist.items) << "\n";
+}
+
+void printJson(const Treport &report, std::ostream &out)
+{
+    auto q = TtextEncoding::jsonString;
+    out << "{\n  \"messages\": [";
+    for (std::size_t i = 0; i < report.messages.size(); ++i)
+        out << (i ? ",\n" : "\n") << "    {\"caption\": " << q(utf8(report.messages[i].caption))
+            << ", \"text\": " << q(utf8(report.messages[i].text)) << "}";
+    out << "\n  ],\n  \"checkitems\": [";
+    for (std::size_t i = 0; i < report.checkitems.size(); ++i) {
+        const Tcheckitem &item = report.checkitems[i];
+        out << (i ? ",\n" : "\n") << "    {\"number\": " << item.number << ", \"category\": " << q(item.category)
+            << ", \"categoryName\": " << q(item.categoryName) << ", \"opCode\": " << q(item.opCode)
+            << ", \"opCodeName\": " << q(item.opCodeName) << ", \"command\": " << q(item.command) << "}";
+    }
+    out << "\n  ],\n  \"physicalInspections\": [";
+    for (std::size_t i = 0; i < report.inspections.size(); ++i)
+        out << (i ? ",\n" : "\n") << "    {\"number\": " << i + 1 << ", \"text\": " << q(report.inspections[i]) << "}";
+    out << "\n  ],\n  \"userTesters\": [";
+    for (std::size_t i = 0; i < report.testers.size(); ++i) {
+        out << (i ? ",\n" : "\n") << "    {\"text\": " << q(report.testers[i].root) << ", \"sequences\": [";
+        for (std::size_t j = 0; j < report.testers[i].children.size(); ++j)
+            out << (j ? ", " : "") << q(report.testers[i].children[j]);
+        out << "]}";
+    }
+    out << "\n  ],\n  \"checklists\": [";
+    for (std::size_t i = 0; i < report.checklists.size(); ++i) {
+        const Tchecklist &checklist = report.checklists[i];
+        out << (i ? ",\n" : "\n") << "    {\"number\": " << checklist.number << ", \"title\": " << q(checklist.title)
+            << ", \"items\": [";
+        for (std::size_t j = 0; j < checklist.items.size(); ++j)
+            out << (j ? ", " : "") << checklist.items[j];
+        out << "]}";
+    }
+    out << "\n  ]\n}\n";
+}
+}
+
+std::string TshowCommand::summary() const
+{
+    return "print the data set: checkitems, inspections, user testers, checklists";
+}
+
+std::string TshowCommand::usage() const
+{
+    return "Usage: kt930ctl show [--json] [--appdir DIR]\n"
+           "Loads the data set of DIR/Data as the editor does and prints the load messages,\n"
+           "the used checkitems (number, category, op code, command with tabs shown as \xC2\xBB),\n"
+           "the physical inspections, the user tester sequences and the used checklists.\n"
+           "  --json         print the same as one JSON document\n"
+           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+}
+
+int TshowCommand::run(const std::vector<std::string> &arguments)
+{
+    TcliArguments args;
+    std::string why;
+    if (!args.parse(arguments, {"--json"}, 0, why)) {
+        std::cerr << "kt930ctl show: " << why << "\n" << usage();
+        return 2;
+    }
+    if (args.help) {
+        std::cout << usage();
+        return 0;
+    }
+    Treport report = gather(args.appDir);
+    if (args.has("--json"))
+        printJson(report, std::cout);
+    else
+        printText(report, std::cout);
+    return 0;
+}

@@ -1,0 +1,11 @@
+#pragma once
+#include "TcliCommand.h"
+
+// kt930ctl show [--json]: the data set as the frame loads and lists it.
+class TshowCommand : public TcliCommand {
+public:
+    std::string name() const override { return "show"; }
+    std::string summary() const override;
+    std::string usage() const override;
+    int run(const std::vector<std::string> &arguments) override;
+};

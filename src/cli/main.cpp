@@ -1,0 +1,45 @@
+// kt930ctl: the data set and the analyzer from a terminal or a script.
+#include "TexportCsvCommand.h"
+#include "TimportCsvCommand.h"
+#include "TshowCommand.h"
+#include <iostream>
+#include <memory>
+
+namespace {
+std::vector<std::unique_ptr<TcliCommand>> makeCommands()
+{
+    std::vector<std::unique_ptr<TcliCommand>> commands;
+    commands.push_back(std::make_unique<TshowCommand>());
+    commands.push_back(std::make_unique<TexportCsvCommand>());
+    commands.push_back(std::make_unique<TimportCsvCommand>());
+    return commands;
+}
+
+std::string overview(const std::vector<std::unique_ptr<TcliCommand>> &commands)
+{
+    std::string text = "Usage: kt930ctl <command> [options]\n"
+                       "Works on the data set of an application folder (its Data/ folder).\n\nCommands:\n";
+    for (const auto &command : commands) {
+        std::string name = command->name();
+        text += "  " + name + std::string(name.size() < 12 ? 12 - name.size() : 1, ' ') + command->summary() + "\n";
+    }
+    text += "\nEvery command takes --appdir DIR (default KT930PC_APPDIR, else the folder of\n"
+            "kt930ctl) and --help. Exit codes: 0 success, 1 failure, 2 bad command line.\n";
+    return text;
+}
+}
+
+int main(int argc, char **argv)
+{
+    auto commands = makeCommands();
+    const std::string first = argc > 1 ? argv[1] : "";
+    if (first.empty() || first == "--help" || first == "-h" || first == "help") {
+        (first.empty() ? std::cerr : std::cout) << overview(commands);
+        return first.empty() ? 2 : 0;
+    }
+    for (const auto &command : commands)
+        if (command->name() == first)
+            return command->run(std::vector<std::string>(argv + 2, argv + argc));
+    std::cerr << "kt930ctl: unknown command \"" << first << "\"\n" << overview(commands);
+    return 2;
+}

@@ -1,0 +1,112 @@
+#include "TsimLink.h"
+#include "TstopSignal.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+constexpr int WriteTimeoutMs = 10000; // a PC that stops reading for this long is gone
+}
+
+TsimLink::TsimLink(int fd, std::string name, int baud) : m_fd(fd), m_name(std::move(name)), m_baud(baud) {}
+
+TsimLink::Wait TsimLink::waitFor(short events, int timeoutMs)
+{
+    pollfd fds[2] = {{m_fd, events, 0}, {TstopSignal::fd(), POLLIN, 0}};
+    for (;;) {
+        int n = ::poll(fds, 2, timeoutMs);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (TstopSignal::requested())
+            return Wait::Stopped;
+        if (n == 0)
+            return Wait::TimedOut;
+        return Wait::Ready; // readiness, hang-up and errors all show on the next read or write
+    }
+}
+
+bool TsimLink::pauseUntil(std::chrono::steady_clock::time_point due)
+{
+    for (;;) {
+        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(due - std::chrono::steady_clock::now());
+        if (left.count() <= 0)
+            return true;
+        pollfd stop{TstopSignal::fd(), POLLIN, 0};
+        ::poll(&stop, 1, static_cast<int>(left.count()) + 1);
+        if (TstopSignal::requested())
+            return false;
+    }
+}
+
+TsimLink::Result TsimLink::write(const void *data, std::size_t size)
+{
+    using namespace std::chrono;
+    const auto *bytes = static_cast<const std::uint8_t *>(data);
+    const double bytesPerSecond = m_baud / 10.0;
+    // A line that was idle starts its pacing clock anew.
+    const auto now = steady_clock::now();
+    if (m_baud > 0 && now > m_paceStart + duration<double>(m_pacedBytes / bytesPerSecond)) {
+        m_paceStart = now;
+        m_pacedBytes = 0;
+    }
+    // Pieces of about 10 ms of line time keep the pace smooth.
+    const std::size_t piece = m_baud > 0 ? std::max<std::size_t>(1, m_baud / 1000) : size;
+    std::size_t done = 0;
+    while (done < size) {
+        Wait wait = waitFor(POLLOUT, WriteTimeoutMs);
+        if (wait == Wait::Stopped)
+            return Result::Stopped;
+        if (wait == Wait::TimedOut)
+            return Result::TimedOut;
+        ssize_t n = ::write(m_fd, bytes + done, std::min(piece, size - done));
+        if (n < 0 && (errno == EINTR || errno == EAGAIN))
+            continue;
+        if (n <= 0)
+            return Result::Closed;
+        done += static_cast<std::size_t>(n);
+        if (m_baud > 0) {
+            m_pacedBytes += static_cast<std::size_t>(n);
+            auto due = m_paceStart + duration_cast<steady_clock::duration>(duration<double>(m_pacedBytes / bytesPerSecond));
+            if (!pauseUntil(due))
+                return Result::Stopped;
+        }
+    }
+    return Result::Ok;
+}
+
+TsimLink::Result TsimLink::readPending()
+{
+    char buffer[4096];
+    for (;;) {
+        ssize_t n = ::read(m_fd, buffer, sizeof buffer);
+        if (n > 0) {
+            m_input.append(buffer, static_cast<std::size_t>(n));
+            if (static_cast<std::size_t>(n) < sizeof buffer)
+                return Result::Ok;
+            continue;
+        }
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0 && errno == EAGAIN)
+            return Result::Ok;
+        return Result::Closed; // end of stream, or EIO on a hung-up terminal
+    }
+}
+
+TsimLink::Result TsimLink::readExact(std::uint8_t *target, std::size_t size, int timeoutMs)
+{
+    while (m_input.size() < size) {
+        Wait wait = waitFor(POLLIN, timeoutMs);
+        if (wait == Wait::Stopped)
+            return Result::Stopped;
+        if (wait == Wait::TimedOut)
+            return Result::TimedOut;
+        if (readPending() == Result::Closed && m_input.size() < size)
+            return Result::Closed;
+    }
+    std::memcpy(target, m_input.data(), size);
+    m_input.erase(0, size);
+    return Result::Ok;
+}

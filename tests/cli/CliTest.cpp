@@ -1,0 +1,188 @@
+// kt930ctl run as a program on a temporary copy of the demo application folder.
+#include "TempDir.h"
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sstream>
+#include <sys/wait.h>
+
+extern char **environ;
+namespace fs = std::filesystem;
+
+namespace {
+struct Trun {
+    int exitCode;
+    std::string out, err;
+};
+
+class CliTest : public ::testing::Test {
+protected:
+    CliTest()
+    {
+        fs::create_directories(temp / "app");
+        fs::copy(std::string(KT930_TEST_APPDIR) + "/Data", temp / "app/Data", fs::copy_options::recursive);
+    }
+
+    Trun run(std::vector<std::string> arguments)
+    {
+        std::string program = std::string(KT930_TEST_APPDIR) + "/kt930ctl";
+        std::vector<char *> argv{program.data()};
+        for (std::string &argument : arguments)
+            argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        const std::string out = (temp / "out.txt").string(), err = (temp / "err.txt").string();
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        pid_t pid = -1;
+        int status = -1;
+        if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ) == 0)
+            ::waitpid(pid, &status, 0);
+        posix_spawn_file_actions_destroy(&actions);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::read(out), TempDir::read(err)};
+    }
+    std::string appDir() const { return (temp / "app").string(); }
+    fs::path mitDat() const { return temp / "app/Data/mit.dat"; }
+
+    static bool hasLine(const std::string &text, const std::string &line)
+    {
+        std::istringstream in(text);
+        for (std::string candidate; std::getline(in, candidate);)
+            if (candidate == line)
+                return true;
+        return false;
+    }
+
+    // One slot of mit.dat as documented: category, op code, 42 command bytes.
+    static std::string slot(char category, char opCode, const std::string &command)
+    {
+        std::string bytes(44, '\0');
+        bytes[0] = category;
+        bytes[1] = opCode;
+        bytes.replace(2, command.size(), command);
+        return bytes;
+    }
+
+    TempDir temp;
+};
+}
+
+TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
+{
+    Trun result = run({"show", "--appdir", appDir()});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    const std::string &out = result.out;
+    EXPECT_TRUE(hasLine(out, "Load messages: none"));
+    EXPECT_TRUE(hasLine(out, "Checkitems (37 used):"));
+    EXPECT_TRUE(hasLine(out, "   1  A Visual inspection | K - OK Prompt | Disconnect the device from the mains"));
+    EXPECT_TRUE(hasLine(out, "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB" "0\xC2\xBB" "0.1\xC2\xBB" "0\xC2\xBB" "5"));
+    EXPECT_TRUE(hasLine(out, "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER"));
+    EXPECT_TRUE(hasLine(out, "  1. Visual Check - Mains Lead"));
+    EXPECT_TRUE(hasLine(out, "  4. <unused>"));
+    EXPECT_TRUE(hasLine(out, "  18. <unused>"));
+    EXPECT_TRUE(hasLine(out, "  i. WORKSHOP BENCH"));
+    EXPECT_TRUE(hasLine(out, "      5. Printer Report - Serial Port 1"));
+    EXPECT_TRUE(hasLine(out, "  iii. USER TESTER 3")); // blank name
+    EXPECT_TRUE(hasLine(out, "  v. LAB"));
+    EXPECT_TRUE(hasLine(out, "      12. <unused>"));
+    EXPECT_TRUE(hasLine(out, "Checklists (4 used):"));
+    EXPECT_TRUE(hasLine(out, "  4. Incoming inspection: 8 9 36 37"));
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(CliTest, ShowJsonAndLoadMessages)
+{
+    fs::remove(mitDat());
+    fs::remove(temp / "app/Data/catdes.dat");
+    Trun result = run({"show", "--json", "--appdir", appDir()});
+    ASSERT_EQ(result.exitCode, 0);
+    const std::string &out = result.out;
+    EXPECT_NE(out.find("{\"caption\": \"Instruction List Error\", \"text\": \"Warning!! Corrupt Instruction List\\n"
+                       "Please restore the list from the KT930.\"}"),
+              std::string::npos)
+        << out;
+    EXPECT_NE(out.find("{\"caption\": \"ERROR\", \"text\": \"There has been an error initializing the category "
+                       "descriptors\\rThis will not affect"),
+              std::string::npos);
+    EXPECT_NE(out.find("\"checkitems\": [\n  ],"), std::string::npos);
+    EXPECT_NE(out.find("{\"number\": 2, \"text\": \"Visual Check - Enclosure\"}"), std::string::npos);
+    EXPECT_NE(out.find("{\"text\": \"ii. FIELD SERVICE\", \"sequences\": [\"1. Quick Check - Class I\", "),
+              std::string::npos);
+    EXPECT_NE(out.find("{\"number\": 3, \"title\": \"Extension lead test\", \"items\": [2, 3, 4, 16, 20, 35]}"),
+              std::string::npos);
+}
+
+TEST_F(CliTest, ExportWritesEverySlot)
+{
+    const fs::path csv = temp / "list.csv";
+    Trun result = run({"export-csv", csv.string(), "--appdir", appDir()});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    std::string text = TempDir::read(csv);
+    EXPECT_EQ(text.substr(0, 41), "A,K,Disconnect the device from the mains\n");
+    EXPECT_NE(text.find("\nE,L,EB\t0\t0.1\t0\t5\n"), std::string::npos);
+    EXPECT_NE(text.find("\n ,K,Test complete\n"), std::string::npos);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1044);
+
+    Trun failed = run({"export-csv", (temp / "no/such/folder/x.csv").string(), "--appdir", appDir()});
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_NE(failed.err.find("cannot create"), std::string::npos);
+}
+
+TEST_F(CliTest, ImportAddsCheckitemsAfterTheUsedOnes)
+{
+    const std::string before = TempDir::read(mitDat());
+    temp.write("in.csv", "E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\n");
+    Trun result = run({"import-csv", (temp / "in.csv").string(), "--appdir", appDir()});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(hasLine(result.out, "Imported 2 checkitems into " + (temp / "app/Data/mit.dat").string()));
+    const std::string after = TempDir::read(mitDat());
+    ASSERT_EQ(after.size(), 45936u);
+    EXPECT_EQ(after.substr(0, 37 * 44), before.substr(0, 37 * 44));
+    EXPECT_EQ(after.substr(37 * 44, 44), slot('E', 'L', "EB\t0\t0.5\t0\t5"));
+    EXPECT_EQ(after.substr(38 * 44, 44).substr(0, 2), " M"); // lower case: no category
+    EXPECT_EQ(after.substr(39 * 44), before.substr(39 * 44));
+}
+
+TEST_F(CliTest, ImportOfAMissingFileReportsFileIoErrorAndChangesNothing)
+{
+    const std::string before = TempDir::read(mitDat());
+    Trun result = run({"import-csv", (temp / "missing.csv").string(), "--appdir", appDir()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "ERROR\nAn error occurred while importing the checkitems.\n"
+                          "An error code of -1 was returned - File I/O Error.\n");
+    EXPECT_EQ(TempDir::read(mitDat()), before);
+}
+
+TEST_F(CliTest, ImportOverflowSavesWhatFittedAndFails)
+{
+    std::string lines;
+    for (int i = 0; i < 1100; ++i)
+        lines += "P,K,Step " + std::to_string(i) + "\n";
+    temp.write("many.csv", lines);
+    Trun result = run({"import-csv", (temp / "many.csv").string(), "--appdir", appDir()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "OVERFLOW\nWARNING!\n\nNot all checkitems could be imported because there\n"
+                          "was insufficient space in the checkitem database to\n"
+                          "insert all of the checkitems from the specified file.\n");
+    const std::string after = TempDir::read(mitDat());
+    EXPECT_EQ(after.substr(36 * 44, 44).substr(0, 19), std::string(" EOperator initials"));
+    EXPECT_EQ(after.substr(37 * 44, 44), slot('P', 'K', "Step 0"));
+    EXPECT_EQ(after.substr(1043 * 44, 44), slot('P', 'K', "Step 1006"));
+}
+
+TEST_F(CliTest, UsageErrorsAndHelp)
+{
+    EXPECT_EQ(run({}).exitCode, 2);
+    Trun help = run({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_TRUE(hasLine(help.out, "  import-csv  add the checkitems of a CSV file to the checkitem table"));
+    EXPECT_EQ(run({"show", "--bogus"}).exitCode, 2);
+    EXPECT_EQ(run({"export-csv"}).exitCode, 2);
+    Trun unknown = run({"frobnicate"});
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
+    EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
+}

@@ -1,0 +1,53 @@
+#include "TlistTexts.h"
+#include <gtest/gtest.h>
+
+TEST(TlistTexts, RomanNumeralsFrom1To38)
+{
+    const char *expected[] = {"i",     "ii",     "iii",   "iv",   "v",     "vi",     "vii",     "viii",
+                              "ix",    "x",      "xi",    "xii",  "xiii",  "xiv",    "xv",      "xvi",
+                              "xvii",  "xviii",  "xix",   "xx",   "xxi",   "xxii",   "xxiii",   "xxiv",
+                              "xxv",   "xxvi",   "xxvii", "xxviii", "xxix", "xxx",   "xxxi",    "xxxii",
+                              "xxxiii", "xxxiv", "xxxv",  "xxxvi", "xxxvii", "xxxviii"};
+    for (int n = 1; n <= 38; ++n)
+        EXPECT_EQ(TlistTexts::romanNumeral(n), expected[n - 1]) << n;
+}
+
+TEST(TlistTexts, RomanNumeralOutsideRangeIsEmpty)
+{
+    EXPECT_EQ(TlistTexts::romanNumeral(0), "");
+    EXPECT_EQ(TlistTexts::romanNumeral(39), "");
+    EXPECT_EQ(TlistTexts::romanNumeral(-1), "");
+}
+
+TEST(TlistTexts, SequenceRowsTrimTitlesAndMarkUnused)
+{
+    Tautosequence sequence;
+    Tautosequence::setTitle(sequence.title1, "  Earth Bond");
+    Tautosequence::setTitle(sequence.title2, "Class I");
+    EXPECT_EQ(TlistTexts::inspectionRow(sequence), "Earth Bond - Class I");
+    EXPECT_EQ(TlistTexts::testerChild(11, sequence), "12. Earth Bond - Class I");
+
+    Tautosequence blank; // blank is not unused: it shows its empty titles
+    EXPECT_EQ(TlistTexts::inspectionRow(blank), " - ");
+
+    Tautosequence unused;
+    unused.makeUnused();
+    EXPECT_EQ(TlistTexts::inspectionRow(unused), "<unused>");
+    EXPECT_EQ(TlistTexts::testerChild(0, unused), "1. <unused>");
+    unused.setting = 9; // no longer unused by the record's own test
+    EXPECT_EQ(TlistTexts::inspectionRow(unused), "(UNUSED) - ");
+}
+
+TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
+{
+    TuserTester named{"WORKSHOP", {}};
+    EXPECT_EQ(TlistTexts::testerRoot(4, named), "v. WORKSHOP");
+    EXPECT_EQ(TlistTexts::testerRoot(3, named), "iv. WORKSHOP");
+
+    TuserTester blank{"   ", {}};
+    EXPECT_EQ(TlistTexts::testerRoot(2, blank), "iii. USER TESTER 3");
+    EXPECT_EQ(blank.name, "USER TESTER 3");
+
+    TuserTester repaired{"USER TESTER 8", {}}; // not blank: keeps its number
+    EXPECT_EQ(TlistTexts::testerRoot(3, repaired), "iv. USER TESTER 8");
+}

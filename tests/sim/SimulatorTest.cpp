@@ -1,0 +1,403 @@
+// The real kt930sim on its own loopback address and pseudo-terminal, driven by a
+// raw client. Expected bytes are built here from the documented layouts of the
+// demo Data files, not through the simulator's or the PC side's packing.
+#include "TempDir.h"
+#include "TsimProcess.h"
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+constexpr std::size_t Block = 264;
+const std::string DataDir = std::string(KT930_TEST_APPDIR) + "/Data/";
+
+std::uint16_t word(const std::string &bytes, std::size_t at)
+{
+    return static_cast<std::uint16_t>(static_cast<std::uint8_t>(bytes[at]) | static_cast<std::uint8_t>(bytes[at + 1]) << 8);
+}
+
+void putWord(std::string &bytes, std::size_t at, std::uint16_t value)
+{
+    bytes[at] = static_cast<char>(value & 0xFF);
+    bytes[at + 1] = static_cast<char>(value >> 8);
+}
+
+struct TasqRecord {
+    std::string title1, title2; // the 64-byte fields
+    std::uint16_t setting;
+    std::vector<std::uint16_t> items;
+};
+
+// .asq: 64 title, 64 subtitle, count; records of 64 + 64 + setting + N + N words.
+std::vector<TasqRecord> readAsq(const std::string &name, std::string *subtitle = nullptr)
+{
+    std::string bytes = TempDir::read(DataDir + name);
+    if (subtitle)
+        *subtitle = bytes.substr(64, 64);
+    std::vector<TasqRecord> records(word(bytes, 128));
+    std::size_t at = 130;
+    for (TasqRecord &record : records) {
+        record.title1 = bytes.substr(at, 64);
+        record.title2 = bytes.substr(at + 64, 64);
+        record.setting = word(bytes, at + 128);
+        std::uint16_t count = word(bytes, at + 130);
+        for (std::size_t i = 0; i < count; ++i)
+            record.items.push_back(word(bytes, at + 132 + 2 * i));
+        at += 132 + 2 * count;
+    }
+    return records;
+}
+
+// Item positions as the loaders fill them: all when there are enough, else up to
+// and including the first 0 or 0xFFFF (written as 0), 0xFFFF after.
+std::vector<std::uint16_t> positions(const std::vector<std::uint16_t> &items, std::size_t count)
+{
+    if (items.size() >= count)
+        return {items.begin(), items.begin() + static_cast<std::ptrdiff_t>(count)};
+    std::vector<std::uint16_t> result(count, 0xFFFF);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i] == 0 || items[i] == 0xFFFF) {
+            result[i] = 0;
+            break;
+        }
+        result[i] = items[i];
+    }
+    return result;
+}
+
+// 88 bytes: title 1 (19), title 2 (19), 24 items, setting.
+std::string sequenceBytes(const TasqRecord &record)
+{
+    std::string bytes(88, '\0');
+    bytes.replace(0, 19, record.title1.substr(0, 19));
+    bytes.replace(19, 19, record.title2.substr(0, 19));
+    bytes[18] = bytes[37] = 0;
+    std::vector<std::uint16_t> items = positions(record.items, 24);
+    for (std::size_t i = 0; i < 24; ++i)
+        putWord(bytes, 38 + 2 * i, items[i]);
+    putWord(bytes, 86, record.setting);
+    return bytes;
+}
+
+std::string expectedAutosequences()
+{
+    std::string image(27 * Block, '\0');
+    std::vector<TasqRecord> inspections = readAsq("inspection.asq");
+    for (std::size_t n = 0; n < 18; ++n)
+        image.replace(n * 88, 88, sequenceBytes(inspections.at(n)));
+    for (std::size_t t = 0; t < 5; ++t) {
+        std::string subtitle;
+        std::vector<TasqRecord> sequences = readAsq("usertester" + std::to_string(t + 1) + ".asq", &subtitle);
+        for (std::size_t s = 0; s < 12; ++s)
+            image.replace(1584 + (t * 12 + s) * 88, 88, sequenceBytes(sequences.at(s)));
+        std::string name = subtitle.substr(0, subtitle.find('\0'));
+        image.replace(6864 + t * 21, 21, (name + std::string(20, ' ')).substr(0, 20) + std::string(1, '\0'));
+    }
+    return image;
+}
+
+std::string expectedChecklists()
+{
+    std::string image(500 * Block, '\0');
+    std::vector<TasqRecord> records = readAsq("testProc.asq");
+    for (std::size_t n = 0; n < 500; ++n) {
+        const TasqRecord &record = records.at(n);
+        std::string slot(236, '\0');
+        slot.replace(0, 42, record.title1.substr(0, 42));
+        std::vector<std::uint16_t> items = positions(record.items, 96);
+        for (std::size_t i = 0; i < 96; ++i)
+            putWord(slot, 42 + 2 * i, items[i]);
+        putWord(slot, 234, record.setting);
+        image.replace(n * Block, 236, slot);
+    }
+    return image;
+}
+
+std::string identification()
+{
+    std::string block(Block, '\0');
+    block.replace(0, 10, "KT930 Plus");
+    block.replace(32, 10, "SIM-000001");
+    block.replace(48, 4, "1.00");
+    return block;
+}
+
+std::string pattern(std::size_t size, int seed)
+{
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>((i * 7 + static_cast<std::size_t>(seed)) % 251);
+    return bytes;
+}
+
+std::string acks(std::size_t blocks)
+{
+    std::string expected;
+    for (std::size_t i = 1; i < blocks; ++i)
+        expected += "C\r";
+    return expected + "*\r";
+}
+
+class SimulatorTest : public ::testing::Test {
+protected:
+    // An address of this test process alone, so tests may run side by side.
+    std::string address()
+    {
+        const int pid = ::getpid();
+        return "127." + std::to_string(64 + (pid >> 16) % 64) + "." + std::to_string((pid >> 8) & 255) + "."
+            + std::to_string(1 + (pid & 255) % 254);
+    }
+    std::vector<std::string> tcpArguments(std::vector<std::string> extra = {})
+    {
+        std::vector<std::string> arguments{"--listen", address() + ":60601", "--memory", memoryFile.string(),
+                                           "--appdir", KT930_TEST_APPDIR};
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
+        return arguments;
+    }
+    TrawClient connect() { return TrawClient::connectTcp(address(), 60601); }
+
+    TempDir temp;
+    fs::path memoryFile = temp / "memory.bin";
+};
+}
+
+TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithTheDemoDataSet)
+{
+    TsimProcess sim(tcpArguments());
+    ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
+    TrawClient client = connect();
+    ASSERT_TRUE(client.isOpen());
+
+    client.send("GESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
+    client.send("GUIN\r");
+    EXPECT_EQ(client.receive(174 * Block), TempDir::read(DataDir + "mit.dat"));
+    client.send("GASQ\r");
+    EXPECT_EQ(client.receive(27 * Block), expectedAutosequences());
+    client.send("GTSP\r");
+    EXPECT_EQ(client.receive(500 * Block), expectedChecklists());
+    EXPECT_EQ(client.pending(), "");
+
+    // The new memory file holds the three images back to back.
+    EXPECT_EQ(TempDir::read(memoryFile), TempDir::read(DataDir + "mit.dat") + expectedAutosequences() + expectedChecklists());
+    EXPECT_EQ(sim.stop(), 0);
+    EXPECT_NE(sim.log().find("GASQ sent 27 blocks"), std::string::npos);
+}
+
+TEST_F(SimulatorTest, IgnoresUnknownCommandsAndStrayLineFeeds)
+{
+    TsimProcess sim(tcpArguments());
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    TrawClient client = connect();
+    client.send("XXXX\r\nGESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
+    EXPECT_TRUE(sim.waitForLog("unknown command ignored"));
+}
+
+TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
+{
+    const std::string upload = pattern(174 * Block, 3);
+    {
+        TsimProcess sim(tcpArguments());
+        ASSERT_TRUE(sim.waitForLog("ready"));
+        TrawClient client = connect();
+        client.send("PUIN\r");
+        ASSERT_EQ(client.receive(2), "*\r");
+        std::string received;
+        for (std::size_t i = 0; i < 174; ++i) {
+            client.send(upload.substr(i * Block, Block));
+            received += client.receive(2);
+        }
+        EXPECT_EQ(received, acks(174));
+        client.send("GUIN\r");
+        EXPECT_EQ(client.receive(174 * Block), upload);
+        ASSERT_TRUE(sim.waitForLog("PUIN stored 174 blocks"));
+        EXPECT_EQ(TempDir::read(memoryFile), upload + expectedAutosequences() + expectedChecklists());
+        EXPECT_EQ(sim.stop(), 0);
+    }
+    TsimProcess restarted(tcpArguments());
+    ASSERT_TRUE(restarted.waitForLog("ready"));
+    TrawClient client = connect();
+    client.send("GUIN\r");
+    EXPECT_EQ(client.receive(174 * Block), upload);
+}
+
+TEST_F(SimulatorTest, InterruptedPutLeavesTheMemoryIntactAndANewClientIsServed)
+{
+    TsimProcess sim(tcpArguments());
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    const std::string before = TempDir::read(memoryFile);
+    {
+        TrawClient client = connect();
+        client.send("PTSP\r");
+        ASSERT_EQ(client.receive(2), "*\r");
+        for (int i = 0; i < 10; ++i) {
+            client.send(pattern(Block, i));
+            ASSERT_EQ(client.receive(2), "C\r");
+        }
+    }
+    ASSERT_TRUE(sim.waitForLog("put dropped"));
+    EXPECT_EQ(TempDir::read(memoryFile), before);
+
+    TrawClient again = connect();
+    again.send("GTSP\r");
+    EXPECT_EQ(again.receive(500 * Block), expectedChecklists());
+}
+
+TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
+{
+    const std::string checkitems = TempDir::read(DataDir + "mit.dat");
+    TsimProcess sim(tcpArguments({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ",
+                                  "--fault", "close-at-block=5@GTSP"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    TrawClient client = connect();
+
+    // After a stop or a short block the next command is answered at once.
+    client.send("GUIN\r");
+    EXPECT_EQ(client.receive(3 * Block), checkitems.substr(0, 3 * Block));
+    client.send("GESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
+
+    client.send("GASQ\r");
+    EXPECT_EQ(client.receive(Block + Block / 2), expectedAutosequences().substr(0, Block + Block / 2));
+    client.send("GESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
+
+    client.send("GTSP\r");
+    EXPECT_EQ(client.receive(5 * Block), expectedChecklists().substr(0, 5 * Block));
+    EXPECT_TRUE(client.waitClosed());
+    EXPECT_EQ(client.pending(), "");
+}
+
+TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAll)
+{
+    TsimProcess sim(tcpArguments({"--fault", "bad-ack-block=1@PASQ", "--fault", "bad-ack-block=173@PUIN",
+                                  "--fault", "no-ack-block=0@PTSP"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    const std::string before = TempDir::read(memoryFile);
+    TrawClient client = connect();
+
+    client.send("PASQ\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    client.send(pattern(Block, 1));
+    EXPECT_EQ(client.receive(2), "C\r");
+    client.send(pattern(Block, 2));
+    EXPECT_EQ(client.receive(2), "*\r"); // the last-block answer on an intermediate block
+
+    client.send("PUIN\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    std::string received;
+    for (std::size_t i = 0; i < 174; ++i) {
+        client.send(pattern(Block, 9));
+        received += client.receive(2);
+    }
+    std::string expected;
+    for (std::size_t i = 0; i < 174; ++i)
+        expected += "C\r"; // the last block answered as an intermediate one
+    EXPECT_EQ(received, expected);
+
+    client.send("PTSP\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    client.send(pattern(Block, 4));
+    ASSERT_TRUE(sim.waitForLog("block 0 not acknowledged"));
+    EXPECT_EQ(client.pending(), "");
+    EXPECT_EQ(TempDir::read(memoryFile), before);
+}
+
+TEST_F(SimulatorTest, PutCloseFaultDropsTheConnectionAndKeepsTheMemory)
+{
+    TsimProcess sim(tcpArguments({"--fault", "close-at-block=3@PUIN"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    const std::string before = TempDir::read(memoryFile);
+    TrawClient client = connect();
+    client.send("PUIN\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    for (int i = 0; i < 3; ++i) {
+        client.send(pattern(Block, i));
+        ASSERT_EQ(client.receive(2), "C\r");
+    }
+    EXPECT_TRUE(client.waitClosed());
+    EXPECT_EQ(TempDir::read(memoryFile), before);
+}
+
+TEST_F(SimulatorTest, SilentAfterACommandLastsForThatConnectionOnly)
+{
+    TsimProcess sim(tcpArguments({"--fault", "silent-after=GESI"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    {
+        TrawClient client = connect();
+        client.send("GESI\r");
+        EXPECT_EQ(client.receive(Block), identification());
+        client.send("GUIN\r");
+        ASSERT_TRUE(sim.waitForLog("silent, ignoring GUIN"));
+        EXPECT_EQ(client.pending(), "");
+    }
+    ASSERT_TRUE(sim.waitForLog("disconnected"));
+    TrawClient next = connect();
+    next.send("GESI\r");
+    EXPECT_EQ(next.receive(Block), identification());
+}
+
+TEST_F(SimulatorTest, ServesAPseudoTerminalAndRemovesItsLinkOnStop)
+{
+    const fs::path link = temp / "ttyKT930";
+    TsimProcess sim({"--pty", link.string(), "--appdir", KT930_TEST_APPDIR});
+    ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
+    ASSERT_TRUE(fs::is_symlink(link));
+    {
+        TrawClient terminal = TrawClient::openPty(link.string());
+        ASSERT_TRUE(terminal.isOpen());
+        terminal.send("GESI\r");
+        EXPECT_EQ(terminal.receive(Block), identification());
+        terminal.send("PASQ\r");
+        EXPECT_EQ(terminal.receive(2), "*\r");
+        std::string received;
+        for (int i = 0; i < 27; ++i) {
+            terminal.send(pattern(Block, 5));
+            received += terminal.receive(2);
+        }
+        EXPECT_EQ(received, acks(27));
+    }
+    // A second opening of the terminal is served the same way.
+    TrawClient again = TrawClient::openPty(link.string());
+    again.send("GASQ\r");
+    std::string expected;
+    for (int i = 0; i < 27; ++i)
+        expected += pattern(Block, 5);
+    EXPECT_EQ(again.receive(27 * Block), expected);
+    EXPECT_EQ(sim.stop(), 0);
+    EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
+}
+
+TEST_F(SimulatorTest, BaudRatePacesTheOutput)
+{
+    TsimProcess sim(tcpArguments({"--baud", "9600"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    TrawClient client = connect();
+    auto start = std::chrono::steady_clock::now();
+    client.send("GESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
+    // 264 bytes at 960 bytes a second cannot arrive in less than 275 ms.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(260));
+}
+
+TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
+{
+    TsimProcess badFault({"--fault", "slow-block=3"});
+    EXPECT_TRUE(badFault.waitForLog("unknown fault \"slow-block=3\""));
+    EXPECT_EQ(badFault.waitExit(), 2);
+
+    TsimProcess badCommand({"--fault", "stop-after-block=3@GXXX"});
+    EXPECT_TRUE(badCommand.waitForLog("names no known command"));
+    EXPECT_EQ(badCommand.waitExit(), 2);
+
+    temp.write("short.bin", "abc");
+    TsimProcess shortMemory({"--memory", (temp / "short.bin").string(), "--listen", address() + ":60601"});
+    EXPECT_TRUE(shortMemory.waitForLog("holds 3 bytes, not 185064"));
+    EXPECT_EQ(shortMemory.waitExit(), 1);
+}
