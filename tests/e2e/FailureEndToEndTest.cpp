@@ -117,3 +117,24 @@ TEST_F(FailedTransfer, WrongBlockAckStopsTheUploadAndTheAnalyzerKeepsItsMemory)
     EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
     EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == memory.memoryFile());
 }
+
+TEST_F(FailedTransfer, ConnectionClosedInTheMiddleOfAnUpload)
+{
+    SimulatorUnderTest sim(Link::Tcp, memory, {"close-at-block=3@PASQ"});
+    ASSERT_TRUE(sim.ready());
+    auto record = run.uploadRecord(SelectAll);
+    sim.aim(record->settings());
+    TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
+    ASSERT_TRUE(runToEnd(worker));
+    EXPECT_EQ(run.messages.messages,
+              (std::vector<Message>{{"Ethernet Disconnection Error",
+                                     "An unexpected disconnection has occurred.\rOperation Canceled"},
+                                    TimeoutError}));
+    EXPECT_EQ(run.progress.stages.back(), "Putting Autosequences");
+    EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+    // The checkitems were stored before; the interrupted put changed nothing.
+    KnownImages after = sim.stopAndReadMemory();
+    KnownImages expected = memory;
+    expected.checkitems = KnownDataSet::images(2).checkitems;
+    EXPECT_TRUE(after.memoryFile() == expected.memoryFile());
+}
