@@ -1,6 +1,7 @@
 // Times a full download and a full upload (all three sets) against kt930sim over
 // loopback TCP and over a pseudo-terminal paced like a 19200-baud line.
-//   bench_transfer [--tcp] [--serial]      (both when neither is given)
+//   bench_transfer [--tcp] [--serial] [--download] [--upload]
+// Without --tcp or --serial both links are measured; without --download or --upload both directions.
 #include "BenchSimulator.h"
 #include "BenchSinks.h"
 #include "TdataSet.h"
@@ -82,33 +83,38 @@ double lineSeconds(long bytes)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    bool tcp = false, serial = false;
+    bool tcp = false, serial = false, download = false, upload = false;
     for (int i = 1; i < argc; ++i) {
         tcp |= std::strcmp(argv[i], "--tcp") == 0;
         serial |= std::strcmp(argv[i], "--serial") == 0;
+        download |= std::strcmp(argv[i], "--download") == 0;
+        upload |= std::strcmp(argv[i], "--upload") == 0;
     }
     if (!tcp && !serial)
         tcp = serial = true;
+    if (!download && !upload)
+        download = upload = true;
 
     BenchMessageSink loadMessages;
     TdataSet data(KT930_BENCH_APPDIR, loadMessages);
     data.loadAll();
 
-    if (tcp) {
+    if (tcp && download)
         report("loopback TCP, full download", run(false, 0, false, data), DownloadToPc, DownloadToAnalyzer, 0,
                LoopbackDownloadTarget, false);
+    if (tcp && upload)
         report("loopback TCP, full upload", run(false, 0, true, data), UploadToPc, UploadToAnalyzer, 0,
                LoopbackUploadTarget, false);
-    }
-    if (serial) {
+    if (serial && download)
         report("pty at 19200 baud, full download", run(true, Baud, false, data), DownloadToPc, DownloadToAnalyzer,
                lineSeconds(DownloadToPc + DownloadToAnalyzer), LineTarget, true);
-        Measurement upload = run(true, Baud, true, data);
-        report("pty at 19200 baud, full upload", upload, UploadToPc, UploadToAnalyzer,
+    if (serial && upload) {
+        Measurement m = run(true, Baud, true, data);
+        report("pty at 19200 baud, full upload", m, UploadToPc, UploadToAnalyzer,
                lineSeconds(UploadToPc + UploadToAnalyzer), LineTarget, true);
         // A pseudo-terminal paces only what the simulator sends; against that part alone:
         std::printf("%-34s %11s  simulator's paced output alone %7.3f s  ratio %.3f\n", "", "",
-                    lineSeconds(UploadToPc), upload.seconds / lineSeconds(UploadToPc));
+                    lineSeconds(UploadToPc), m.seconds / lineSeconds(UploadToPc));
     }
     return 0;
 }
