@@ -3,7 +3,8 @@
 //   bench_transfer [--tcp] [--serial] [--download] [--upload]
 // Without --tcp or --serial both links are measured; without --download or --upload both directions.
 #include "BenchSimulator.h"
-#include "BenchSinks.h"
+#include "BenchMessageSink.h"
+#include "BenchProgressSink.h"
 #include "TdataSet.h"
 #include "TransferWorkers.h"
 #include <QCoreApplication>

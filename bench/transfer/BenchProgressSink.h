@@ -1,9 +1,7 @@
 #pragma once
-// The benchmark watches no progress and prints any message (a message means the run failed).
-#include "MessageSink.h"
+// The benchmark watches no progress; it only keeps the result.
 #include "ProgressSink.h"
 #include <atomic>
-#include <iostream>
 
 class BenchProgressSink : public ProgressSink {
 public:
@@ -13,13 +11,4 @@ public:
     void setCancelled() override {}
     void setResult(TransferResult r) override { result = r; }
     std::atomic<TransferResult> result{TransferResult::None};
-};
-
-class BenchMessageSink : public MessageSink {
-public:
-    MsgAnswer show(const Message &message) override
-    {
-        std::cerr << "bench_transfer: " << message.caption << ": " << message.text << "\n";
-        return MsgAnswer::Ok;
-    }
 };
