@@ -30,11 +30,14 @@ TsimLink::Wait TsimLink::waitFor(short events, int timeoutMs)
 bool TsimLink::pauseUntil(std::chrono::steady_clock::time_point due)
 {
     for (;;) {
-        auto left = std::chrono::duration_cast<std::chrono::milliseconds>(due - std::chrono::steady_clock::now());
+        // To the nanosecond: whole milliseconds would stretch every short reply
+        // (a 2-byte acknowledgement is 1.04 ms of line time at 19200 baud).
+        auto left = std::chrono::duration_cast<std::chrono::nanoseconds>(due - std::chrono::steady_clock::now());
         if (left.count() <= 0)
             return true;
         pollfd stop{TstopSignal::fd(), POLLIN, 0};
-        ::poll(&stop, 1, static_cast<int>(left.count()) + 1);
+        const timespec wait{static_cast<time_t>(left.count() / 1000000000), static_cast<long>(left.count() % 1000000000)};
+        ::ppoll(&stop, 1, &wait, nullptr);
         if (TstopSignal::requested())
             return false;
     }

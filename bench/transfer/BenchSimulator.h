@@ -1,0 +1,27 @@
+#pragma once
+// kt930sim started for one measurement, seeded from the demo data set, on a
+// loopback address or a pseudo-terminal (optionally paced like a serial line).
+#include "TcommSettings.h"
+#include <QProcess>
+#include <QTemporaryDir>
+#include <string>
+
+class BenchSimulator {
+public:
+    static constexpr int PtyComPort = 251;
+
+    // baud 0: as fast as the link goes.
+    BenchSimulator(bool pty, int baud);
+    ~BenchSimulator();
+
+    // False when the simulator did not come up within 5 s.
+    bool waitReady();
+    void aim(TcommSettings &settings) const;
+
+private:
+    bool m_pty;
+    QTemporaryDir m_temp;
+    std::string m_address;
+    std::string m_link;
+    QProcess m_process;
+};

@@ -1,0 +1,25 @@
+#pragma once
+// A data set whose every record is known from a seed, written two ways: as the
+// analyzer's memory bytes laid out by hand from the documented block layouts, and
+// as the PC-side containers. Both describe the same clean records, so what the
+// cleaning copies of a download produce equals the containers built here.
+#include "../transfer/TransferFixtures.h"
+#include <string>
+
+struct KnownImages {
+    std::string checkitems;    // 45936 bytes
+    std::string autosequences; // 7128 bytes
+    std::string checklists;    // 132000 bytes
+
+    // The simulator's memory file: checkitems, autosequences, checklists back to back.
+    std::string memoryFile() const { return checkitems + autosequences + checklists; }
+    static KnownImages fromMemoryFile(const std::string &bytes);
+};
+
+class KnownDataSet {
+public:
+    static KnownImages images(int seed);
+    static void fill(DataSet &set, int seed);
+    // Every byte of the containers (record by record) and the tester names, for equality checks.
+    static std::string snapshot(const DataSet &set);
+};

@@ -1,0 +1,78 @@
+#include "SimulatorUnderTest.h"
+#include "TCommPort.h"
+#include <chrono>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+constexpr int ConnectAttempts = 1000; // 5 s of 5 ms probes at most
+}
+
+SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults)
+    : m_link(link), m_memoryFile(m_temp.write("memory.bin", memory.memoryFile()))
+{
+    std::vector<std::string> arguments{"--memory", m_memoryFile.string()};
+    if (link == Link::Tcp) {
+        m_address = freshAddress();
+        arguments.insert(arguments.end(), {"--listen", m_address + ":60601"});
+    } else {
+        m_ptyLink = m_temp / "analyzer-tty";
+        arguments.insert(arguments.end(), {"--pty", m_ptyLink.string()});
+        TCommPort::setPortOverrides({{PtyComPort, m_ptyLink.string()}});
+    }
+    for (const std::string &fault : faults)
+        arguments.insert(arguments.end(), {"--fault", fault});
+    m_process = std::make_unique<TsimProcess>(arguments);
+    // A terminal has nothing to connect to: its link exists once "ready" is logged.
+    m_ready = link == Link::Tcp ? waitListening() : m_process->waitForLog("ready");
+}
+
+SimulatorUnderTest::~SimulatorUnderTest()
+{
+    m_process.reset();
+    if (m_link == Link::Pty)
+        TCommPort::setPortOverrides({});
+}
+
+bool SimulatorUnderTest::waitListening()
+{
+    for (int attempt = 0; attempt < ConnectAttempts; ++attempt) {
+        if (TrawClient::connectTcp(m_address, 60601).isOpen())
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
+
+void SimulatorUnderTest::aim(TcommSettings &settings) const
+{
+    if (m_link == Link::Pty) {
+        settings.method = std::uint8_t(TcommMethod::Serial);
+        settings.serialPort = PtyComPort;
+        return;
+    }
+    settings.method = std::uint8_t(TcommMethod::Ethernet);
+    std::size_t from = 0;
+    for (int i = 0; i < 4; ++i) {
+        std::size_t dot = m_address.find('.', from);
+        settings.ip[i] = std::stoi(m_address.substr(from, dot - from));
+        from = dot + 1;
+    }
+}
+
+KnownImages SimulatorUnderTest::stopAndReadMemory()
+{
+    m_process->stop();
+    return KnownImages::fromMemoryFile(TempDir::read(m_memoryFile));
+}
+
+std::string SimulatorUnderTest::freshAddress()
+{
+    // 127.128.0.0 to 127.191.255.255: the process id picks the middle octets, a
+    // counter the last, so test programs running side by side never meet.
+    static int counter = 0;
+    const int pid = ::getpid();
+    ++counter;
+    return "127." + std::to_string(128 + (pid >> 8) % 64) + "." + std::to_string(pid & 255) + "."
+        + std::to_string(1 + counter % 254);
+}

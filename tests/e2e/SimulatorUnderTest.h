@@ -1,0 +1,44 @@
+#pragma once
+// The real kt930sim for one test: its own memory file (written from known images)
+// in a temporary folder, and its own link — a fresh loopback address on port 60601
+// or a pseudo-terminal reached as a COM port through the port overrides.
+#include "../sim/TsimProcess.h"
+#include "KnownDataSet.h"
+#include "TempDir.h"
+#include "TcommSettings.h"
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+class SimulatorUnderTest {
+public:
+    enum class Link { Tcp, Pty };
+    static constexpr int PtyComPort = 250;
+
+    SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults = {});
+    ~SimulatorUnderTest();
+
+    // True once the simulator takes connections (TCP: a probe connect succeeded).
+    bool ready() const { return m_ready; }
+    // Points a transfer record's settings at this simulator.
+    void aim(TcommSettings &settings) const;
+    // Stops the simulator (so every put it acknowledged is on disk) and reads its memory file.
+    KnownImages stopAndReadMemory();
+    TsimProcess &process() { return *m_process; }
+    const std::string &address() const { return m_address; }
+
+    // A loopback address no other test (of this or another test program) uses.
+    static std::string freshAddress();
+
+private:
+    bool waitListening();
+
+    TempDir m_temp;
+    Link m_link;
+    std::string m_address;
+    std::filesystem::path m_memoryFile;
+    std::filesystem::path m_ptyLink;
+    std::unique_ptr<TsimProcess> m_process;
+    bool m_ready = false;
+};

@@ -1,0 +1,28 @@
+// The checkitem sync worker against the real simulator over TCP.
+#include "TransferRun.h"
+#include <gtest/gtest.h>
+
+TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
+{
+    const KnownImages memory = KnownDataSet::images(4);
+    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, memory);
+    ASSERT_TRUE(sim.ready());
+    RecordingProgressSink progress;
+    RecordingMessageSink messages;
+    auto record = std::make_unique<TsyncCommStruct>();
+    sim.aim(record->settings);
+    TinstSyncThread worker(&progress, &messages, record.get());
+    ASSERT_TRUE(runToEnd(worker));
+
+    EXPECT_TRUE(messages.messages.empty()) << messages.messages.front().text;
+    EXPECT_EQ(progress.stages.back(), "Transfer Complete");
+    EXPECT_EQ(progress.results, std::vector<TransferResult>{TransferResult::Ok});
+    EXPECT_TRUE(bytesOf(record->area, 45936) == memory.checkitems);
+    EXPECT_TRUE(bytesOf(record->area + 45936, sizeof record->area - 45936) == std::string(67584 - 45936, '\0'));
+
+    DataSet expected, synced;
+    KnownDataSet::fill(expected, 4);
+    synced.checkitems[7].assign('Q', 'q', "replaced by the sync");
+    record->copyInto(synced.checkitems);
+    EXPECT_TRUE(KnownDataSet::snapshot(synced) == KnownDataSet::snapshot(DataSet{expected.checkitems, {}, {}, {}}));
+}

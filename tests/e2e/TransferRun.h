@@ -1,0 +1,61 @@
+#pragma once
+// One worker run: the frame's containers, recording sinks, and the records the
+// workers take, pointed at a simulator.
+#include "../transfer/RecordingProgressSink.h"
+#include "KnownDataSet.h"
+#include "RecordingMessageSink.h"
+#include "SimulatorUnderTest.h"
+#include "TransferWorkers.h"
+#include <QDeadlineTimer>
+#include <memory>
+#include <ostream>
+
+// Readable messages in failure output.
+inline void PrintTo(const Message &message, std::ostream *out)
+{
+    *out << "{\"" << message.caption << "\", \"" << message.text << "\", icon " << int(message.icon) << ", modality "
+         << int(message.modality) << "}";
+}
+
+struct TransferRun {
+    DataSet set;
+    RecordingProgressSink progress;
+    RecordingMessageSink messages;
+    int context = 0;
+
+    std::unique_ptr<TdownloadCommStruct> downloadRecord(std::uint8_t selection)
+    {
+        auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers,
+                                                            &set.inspections);
+        record->data.selection = selection;
+        return record;
+    }
+    std::unique_ptr<TuploadCommStruct> uploadRecord(std::uint8_t selection)
+    {
+        auto record = std::make_unique<TuploadCommStruct>(&set.checkitems, &set.checklists, &set.testers,
+                                                          &set.inspections);
+        record->data.selection = selection;
+        return record;
+    }
+};
+
+// Starts a worker and waits for its end; false when it did not end within the guard
+// (every time-out of a transfer is 2 s, so 20 s means it hung).
+inline bool runToEnd(QThread &worker)
+{
+    worker.start();
+    return worker.wait(QDeadlineTimer(20000));
+}
+
+inline std::string bytesOf(const std::uint8_t *area, std::size_t size)
+{
+    return std::string(reinterpret_cast<const char *>(area), size);
+}
+
+inline const Message TimeoutError {"Error", "Timeout Error.\nOperation Canceled.", MsgIcon::Stop, MsgButtons::Ok,
+                                   MsgModality::System};
+inline const Message CommunicationsFailed {"Error",
+                                           "Could not establish communications with analyzer.\nOperation Canceled.",
+                                           MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
+inline const Message OperationCancelled {"Error", "Operation Cancelled.", MsgIcon::Stop, MsgButtons::Ok,
+                                         MsgModality::System};
