@@ -6,9 +6,10 @@
 
 std::string TexportCsvCommand::usage() const
 {
-    return "Usage: kt930ctl export-csv FILE [--appdir DIR]\n"
-           "Writes all 1044 checkitem slots of DIR/Data/mit.dat to FILE, one \"category,op code,command\"\n"
-           "line each, as the checkitem editor's export does.\n"
+    return "Usage: kt930ctl export-csv FILE [--all] [--appdir DIR]\n"
+           "Writes the checkitems of DIR/Data/mit.dat to FILE, one \"category,op code,command\" line\n"
+           "each, in slot order. Free slots are left out unless --all is given.\n"
+           "  --all          write all 1044 slots, free ones included, as the checkitem editor's export does\n"
            "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
 }
 
@@ -16,7 +17,7 @@ int TexportCsvCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
     std::string why;
-    if (!args.parse(arguments, {}, 1, why)) {
+    if (!args.parse(arguments, {"--all"}, 1, why)) {
         std::cerr << "kt930ctl export-csv: " << why << "\n" << usage();
         return 2;
     }
@@ -27,10 +28,16 @@ int TexportCsvCommand::run(const std::vector<std::string> &arguments)
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
     data.loadCheckitems();
-    if (data.checkitems.exportText(args.positional[0]) != 0) {
+    if (!sink.messages().empty())
+        return 1; // nothing to export: the table could not be read
+    std::vector<TInstr> records;
+    for (const TInstr &record : data.checkitems.slots())
+        if (args.has("--all") || !record.isFree())
+            records.push_back(record);
+    if (TInstrDatabase::exportText(records, args.positional[0]) != 0) {
         std::cerr << "kt930ctl export-csv: cannot create " << args.positional[0] << "\n";
         return 1;
     }
-    std::cout << "Exported " << data.checkitems.size() << " checkitem slots to " << args.positional[0] << "\n";
+    std::cout << "Exported " << records.size() << " checkitems to " << args.positional[0] << "\n";
     return 0;
 }

@@ -50,6 +50,9 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
     data.loadCheckitems();
+    // A table that exists but cannot be read is not replaced by an import into empty slots.
+    if (!sink.messages().empty() && std::filesystem::exists(data.dataFile("mit.dat")))
+        return 1;
     const std::size_t before = usedSlots(data.checkitems);
 
     bool overflow = false;

@@ -199,7 +199,13 @@ int TtransferCommand::download(const TcliArguments &args, const TcommSettings &s
     data.backup();
     TautosequenceFile checklistFile;
     AutosequenceConversions::checklistsToFile(data.checklists, checklistFile);
-    if (checklistFile.write(data.dataFile("testProc.asq")) != 0)
+    int written = -1;
+    try {
+        written = checklistFile.write(data.dataFile("testProc.asq"));
+    } catch (const TInvalidWrite &) {
+        written = -1;
+    }
+    if (written != 0)
         messages.error("File Error", "An error occured while backing up the checklists");
     if (messages.messages().size() != before)
         return 1;

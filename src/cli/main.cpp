@@ -41,9 +41,16 @@ int main(int argc, char **argv)
         (first.empty() ? std::cerr : std::cout) << overview(commands);
         return first.empty() ? 2 : 0;
     }
-    for (const auto &command : commands)
-        if (command->name() == first)
+    for (const auto &command : commands) {
+        if (command->name() != first)
+            continue;
+        try {
             return command->run(std::vector<std::string>(argv + 2, argv + argc));
+        } catch (const std::exception &e) {
+            std::cerr << "kt930ctl " << first << ": " << e.what() << "\n";
+            return 1;
+        }
+    }
     std::cerr << "kt930ctl: unknown command \"" << first << "\"\n" << overview(commands);
     return 2;
 }

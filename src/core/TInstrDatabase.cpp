@@ -96,10 +96,10 @@ int TInstrDatabase::importText(const fs::path &path)
     return 0;
 }
 
-int TInstrDatabase::exportText(const fs::path &path) const
+int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::path &path)
 {
     std::string text;
-    for (const TInstr &record : m_slots) {
+    for (const TInstr &record : records) {
         text.push_back(record.category);
         text.push_back(',');
         text.push_back(record.opCode);

@@ -35,7 +35,9 @@ public:
     // when no slot is free (checkitems placed before stay).
     int importText(const std::filesystem::path &path);
     // One line per record of this table, "%c,%c,%s\n". 0 ok, -1 cannot create.
-    int exportText(const std::filesystem::path &path) const;
+    int exportText(const std::filesystem::path &path) const { return exportText(m_slots, path); }
+    // The same for any list of records the caller wants written.
+    static int exportText(const std::vector<TInstr> &records, const std::filesystem::path &path);
 
     // mit.dat: 44-byte records, no header. load: 0 ok, -1 cannot open (the vector
     // holds as many whole records as the file has; a partial trailer is ignored).

@@ -46,12 +46,12 @@ bool TsimSession::serveInput()
     for (std::size_t cr; (cr = input.find('\r')) != std::string::npos;) {
         std::string line = input.substr(0, cr);
         input.erase(0, cr + 1);
-        // Stray line feeds or blanks around a command are not part of it.
-        std::string command;
-        for (char c : line)
-            if (static_cast<unsigned char>(c) > ' ')
-                command += c;
-        if (serve(command) == Outcome::Drop)
+        // A command is exactly four letters and CR; anything else is not one.
+        if (line.size() != 4) {
+            log("ignored a malformed command of " + std::to_string(line.size() + 1) + " bytes");
+            continue;
+        }
+        if (serve(line) == Outcome::Drop)
             return false;
     }
     if (input.size() > MaxCommandLine)

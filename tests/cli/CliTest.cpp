@@ -115,7 +115,7 @@ TEST_F(CliTest, ShowJsonAndLoadMessages)
               std::string::npos);
 }
 
-TEST_F(CliTest, ExportWritesEverySlot)
+TEST_F(CliTest, ExportWritesTheUsedCheckitemsOrEverySlot)
 {
     const fs::path csv = temp / "list.csv";
     Trun result = run({"export-csv", csv.string(), "--appdir", appDir()});
@@ -124,7 +124,14 @@ TEST_F(CliTest, ExportWritesEverySlot)
     EXPECT_EQ(text.substr(0, 41), "A,K,Disconnect the device from the mains\n");
     EXPECT_NE(text.find("\nE,L,EB\t0\t0.1\t0\t5\n"), std::string::npos);
     EXPECT_NE(text.find("\n ,K,Test complete\n"), std::string::npos);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 37); // the demo's checkitems
+    EXPECT_EQ(text.find('\0'), std::string::npos);
+
+    ASSERT_EQ(run({"export-csv", csv.string(), "--all", "--appdir", appDir()}).exitCode, 0);
+    text = TempDir::read(csv);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1044);
+    // A free slot: two zero bytes around the comma, then 41 bytes of 0xFF.
+    EXPECT_NE(text.find(std::string("\n\0,\0,", 5) + std::string(41, '\xFF') + "\n"), std::string::npos);
 
     Trun failed = run({"export-csv", (temp / "no/such/folder/x.csv").string(), "--appdir", appDir()});
     EXPECT_EQ(failed.exitCode, 1);

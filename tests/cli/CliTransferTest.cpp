@@ -1,0 +1,137 @@
+// kt930ctl download / upload / sync against the real simulator.
+#include "../sim/TsimProcess.h"
+#include "TempDir.h"
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char **environ;
+namespace fs = std::filesystem;
+
+namespace {
+const char *const DataFiles[] = {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
+                                 "usertester3.asq", "usertester4.asq", "usertester5.asq", "testProc.asq"};
+
+class CliTransferTest : public ::testing::Test {
+protected:
+    CliTransferTest()
+    {
+        // The simulator's memory starts from the demo data set; the PC's folder has only the op codes.
+        fs::create_directories(temp / "pc/Data");
+        for (const auto &entry : fs::directory_iterator(demoData()))
+            if (entry.path().extension() == ".in")
+                fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
+    }
+
+    static fs::path demoData() { return fs::path(KT930_TEST_APPDIR) / "Data"; }
+    fs::path pcData(const std::string &name) const { return temp / "pc/Data" / name; }
+
+    // Its own loopback address, apart from the other test programs' ranges.
+    static std::string address(int test)
+    {
+        return "127.200." + std::to_string(::getpid() & 255) + "." + std::to_string(test);
+    }
+
+    std::unique_ptr<TsimProcess> startSimulator(const std::string &at)
+    {
+        auto sim = std::make_unique<TsimProcess>(std::vector<std::string>{
+            "--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
+        EXPECT_TRUE(sim->waitForLog("ready")) << sim->log();
+        return sim;
+    }
+
+    int ctl(std::vector<std::string> arguments)
+    {
+        std::string program = std::string(KT930_TEST_APPDIR) + "/kt930ctl";
+        arguments.push_back("--appdir");
+        arguments.push_back((temp / "pc").string());
+        std::vector<char *> argv{program.data()};
+        for (std::string &argument : arguments)
+            argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        const std::string out = (temp / "out.txt").string(), err = (temp / "err.txt").string();
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        pid_t pid = -1;
+        int status = -1;
+        if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ) == 0)
+            ::waitpid(pid, &status, 0);
+        posix_spawn_file_actions_destroy(&actions);
+        stdoutText = TempDir::read(out);
+        stderrText = TempDir::read(err);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    TempDir temp;
+    std::string stdoutText, stderrText;
+};
+
+TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenUploadSendsItBack)
+{
+    const std::string at = address(1);
+    auto sim = startSimulator(at);
+    ASSERT_EQ(ctl({"download", "--ethernet", at}), 0) << stderrText;
+    for (const char *name : DataFiles)
+        EXPECT_EQ(TempDir::read(pcData(name)), TempDir::read(demoData() / name)) << name;
+    // Not a terminal: one plain line per stage.
+    EXPECT_EQ(stderrText, "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n"
+                          "Getting Checklists\nCompleted!\n");
+
+    ASSERT_EQ(ctl({"upload", "--ethernet", at}), 0) << stderrText;
+    sim->stop();
+    const std::string memory = TempDir::read(temp / "memory.bin");
+    ASSERT_EQ(memory.size(), 45936u + 132000u + 7128u);
+    // The checkitem image is mit.dat as it stands.
+    EXPECT_EQ(memory.substr(0, 45936), TempDir::read(demoData() / "mit.dat"));
+}
+
+TEST_F(CliTransferTest, SyncReplacesOnlyTheCheckitemDatabase)
+{
+    const std::string at = address(2);
+    auto sim = startSimulator(at);
+    ASSERT_EQ(ctl({"sync", "--ethernet", at}), 0) << stderrText;
+    EXPECT_EQ(TempDir::read(pcData("mit.dat")), TempDir::read(demoData() / "mit.dat"));
+    EXPECT_FALSE(fs::exists(pcData("inspection.asq")));
+}
+
+TEST_F(CliTransferTest, UploadRefusesADataSetThatDidNotLoad)
+{
+    const std::string at = address(3);
+    auto sim = startSimulator(at);
+    ASSERT_EQ(ctl({"download", "--ethernet", at}), 0) << stderrText;
+    fs::remove(pcData("usertester3.asq"));
+    EXPECT_EQ(ctl({"upload", "--ethernet", at}), 1);
+    EXPECT_NE(stderrText.find("User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences "
+                              "detected.\nPlease restore the data from the KT930.\n"),
+              std::string::npos)
+        << stderrText;
+    EXPECT_EQ(sim->log().find("PUIN"), std::string::npos);
+}
+
+TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
+{
+    // Nobody listens at this address: the connect fails, then times out.
+    ASSERT_EQ(ctl({"download", "--ethernet", address(4)}), 1);
+    EXPECT_EQ(stderrText, "Initializing\nInitiating Handshake\n"
+                          "Ethernet Connection Error\nAn error occurred while attempting to connect.\nOperation Canceled.\n"
+                          "Error\nTimeout Error.\nOperation Canceled.\n");
+    for (const char *name : DataFiles)
+        EXPECT_FALSE(fs::exists(pcData(name))) << name;
+}
+
+TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
+{
+    EXPECT_EQ(ctl({"download"}), 2);
+    EXPECT_EQ(ctl({"download", "--usb", "--serial", "3"}), 2);
+    EXPECT_EQ(ctl({"upload", "--ethernet", "127.0.0.256"}), 2);
+    EXPECT_NE(stderrText.find("Invalid IP Address!"), std::string::npos);
+    EXPECT_EQ(ctl({"sync", "--serial", "COM3"}), 2);
+    EXPECT_EQ(ctl({"download", "--help"}), 0);
+    EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
+}
+}
