@@ -62,36 +62,36 @@ std::vector<std::string> split(const std::string &text, char separator)
     throw std::runtime_error(file.filename().string() + ":" + std::to_string(line) + ": " + why);
 }
 
-// Field specs of every ordinary op code, by letter.
+// Field fields of every ordinary op code, by letter.
 std::map<char, std::vector<TfieldSpec>> readFieldSpecs(const fs::path &definitions)
 {
-    std::map<char, std::vector<TfieldSpec>> specs;
+    std::map<char, std::vector<TfieldSpec>> fields;
     for (const fs::path &file : OpCodeDefinitions::listFiles(definitions)) {
         TinstStruct header = OpCodeDefinitions::readHeader(file);
         if (header.opCode == 'A')
             continue;
         std::vector<std::string> lines = OpCodeDefinitions::readLines(file);
         for (std::size_t i = 2; i < lines.size(); ++i)
-            specs[header.opCode].push_back(TfieldSpec::parse(lines[i]));
+            fields[header.opCode].push_back(TfieldSpec::parse(lines[i]));
     }
-    return specs;
+    return fields;
 }
 
-void checkValue(const TfieldSpec &spec, const std::string &value, const fs::path &file, int line)
+void checkValue(const TfieldSpec &field, const std::string &value, const fs::path &file, int line)
 {
-    if (spec.typeTag != 1 && spec.typeTag != 2)
+    if (field.typeTag != 1 && field.typeTag != 2)
         return;
     if (value.empty())
         return;
     std::size_t used = 0;
     double number = std::stod(value, &used);
-    if (used != value.size() || (spec.typeTag == 1 && value.find_first_not_of("0123456789") != std::string::npos))
-        fail(file, line, "\"" + value + "\" is not a valid number for \"" + spec.leftLabel + "\"");
-    if (spec.range.hasRange && (number < spec.range.minimum || number > spec.range.maximum))
-        fail(file, line, "\"" + value + "\" is outside the range of \"" + spec.leftLabel + "\"");
+    if (used != value.size() || (field.typeTag == 1 && value.find_first_not_of("0123456789") != std::string::npos))
+        fail(file, line, "\"" + value + "\" is not a valid number for \"" + field.leftLabel + "\"");
+    if (field.range.hasRange && (number < field.range.minimum || number > field.range.maximum))
+        fail(file, line, "\"" + value + "\" is outside the range of \"" + field.leftLabel + "\"");
 }
 
-TInstrDatabase readCheckitems(const fs::path &file, const std::map<char, std::vector<TfieldSpec>> &specs)
+TInstrDatabase readCheckitems(const fs::path &file, const std::map<char, std::vector<TfieldSpec>> &fields)
 {
     TInstrDatabase db;
     std::size_t slot = 0;
@@ -102,15 +102,15 @@ TInstrDatabase readCheckitems(const fs::path &file, const std::map<char, std::ve
         std::string values = line.text.substr(4); // commas in the values stay
         char category = parts[0][0] == '-' ? ' ' : parts[0][0];
         char opCode = parts[1][0];
-        auto spec = specs.find(opCode);
-        if (spec == specs.end())
+        auto field = fields.find(opCode);
+        if (field == fields.end())
             fail(file, line.number, std::string("unknown op code ") + opCode);
         std::vector<std::string> fields = split(values, '|');
-        if (fields.size() != spec->second.size())
-            fail(file, line.number, "expected " + std::to_string(spec->second.size()) + " values");
+        if (fields.size() != field->second.size())
+            fail(file, line.number, "expected " + std::to_string(field->second.size()) + " values");
         std::string command;
         for (std::size_t i = 0; i < fields.size(); ++i) {
-            checkValue(spec->second[i], fields[i], file, line.number);
+            checkValue(field->second[i], fields[i], file, line.number);
             command += (i ? "\t" : "") + fields[i];
         }
         if (command.size() > 41)

@@ -13,8 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     std::vector<std::string> lines = OpCodeDefinitions::readLines(file);
     for (std::size_t i = 2; i < lines.size(); ++i) {
         try {
-            TfieldSpec spec = TfieldSpec::parse(lines[i]);
-            if (spec.range.hasRange && spec.range.maximum < spec.range.minimum)
+            TfieldSpec field = TfieldSpec::parse(lines[i]);
+            if (field.range.hasRange && field.range.maximum < field.range.minimum)
                 __builtin_trap(); // the grammar forbids it
         } catch (const TInstrPanelError &) {
         }

@@ -53,19 +53,19 @@ TfieldSpec TfieldSpec::parse(const std::string &line)
         if (!isQuoted(token))
             fail(__LINE__);
 
-    TfieldSpec spec;
-    spec.leftLabel = tokens[0].substr(1, tokens[0].size() - 2);
-    spec.rightLabel = tokens[1].substr(1, tokens[1].size() - 2);
+    TfieldSpec field;
+    field.leftLabel = tokens[0].substr(1, tokens[0].size() - 2);
+    field.rightLabel = tokens[1].substr(1, tokens[1].size() - 2);
 
     const std::string &type = tokens[2];
     if (type.size() < 3)
         fail(__LINE__);
-    spec.typeLetter = type[1];
+    field.typeLetter = type[1];
     if (type.size() == 3) {
-        if (spec.typeLetter == 0 || !std::strchr("ANFU", spec.typeLetter))
+        if (field.typeLetter == 0 || !std::strchr("ANFU", field.typeLetter))
             fail(__LINE__);
     } else {
-        if (spec.typeLetter != 'N' && spec.typeLetter != 'F')
+        if (field.typeLetter != 'N' && field.typeLetter != 'F')
             fail(__LINE__);
         std::size_t comma = type.find(',');
         // Positions counted from 0: the minimum starts at 2, the closing quote is last.
@@ -73,16 +73,16 @@ TfieldSpec TfieldSpec::parse(const std::string &line)
             fail(__LINE__);
         std::string minimum = type.substr(2, comma - 2);
         std::string maximum = type.substr(comma + 1, type.size() - 2 - comma);
-        if (!parseDecimal(minimum, spec.range.minimum) || !parseDecimal(maximum, spec.range.maximum)
-            || spec.range.maximum < spec.range.minimum)
+        if (!parseDecimal(minimum, field.range.minimum) || !parseDecimal(maximum, field.range.maximum)
+            || field.range.maximum < field.range.minimum)
             fail(__LINE__);
-        spec.range.hasRange = true;
+        field.range.hasRange = true;
     }
-    switch (spec.typeLetter) {
-    case 'N': spec.typeTag = 1; break;
-    case 'F': spec.typeTag = 2; break;
-    case 'U': spec.typeTag = 3; break;
-    default: spec.typeTag = 0; break;
+    switch (field.typeLetter) {
+    case 'N': field.typeTag = 1; break;
+    case 'F': field.typeTag = 2; break;
+    case 'U': field.typeTag = 3; break;
+    default: field.typeTag = 0; break;
     }
-    return spec;
+    return field;
 }

@@ -18,16 +18,16 @@ bool isCommand(const std::string &text)
 }
 }
 
-bool TsimFaults::add(const std::string &spec, std::string &why)
+bool TsimFaults::add(const std::string &request, std::string &why)
 {
-    std::size_t equals = spec.find('=');
-    auto kind = kinds.find(spec.substr(0, equals));
+    std::size_t equals = request.find('=');
+    auto kind = kinds.find(request.substr(0, equals));
     if (equals == std::string::npos || kind == kinds.end()) {
-        why = "unknown fault \"" + spec + "\"";
+        why = "unknown fault \"" + request + "\"";
         return false;
     }
     Fault fault{kind->second, -1, {}};
-    std::string value = spec.substr(equals + 1);
+    std::string value = request.substr(equals + 1);
     if (fault.kind == Kind::SilentAfter) {
         fault.command = value;
     } else {
@@ -37,13 +37,13 @@ bool TsimFaults::add(const std::string &spec, std::string &why)
             value.resize(at);
         }
         if (value.empty() || value.find_first_not_of("0123456789") != std::string::npos || value.size() > 6) {
-            why = "fault \"" + spec + "\" needs a block number";
+            why = "fault \"" + request + "\" needs a block number";
             return false;
         }
         fault.block = std::stoi(value);
     }
     if ((fault.kind == Kind::SilentAfter || !fault.command.empty()) && !isCommand(fault.command)) {
-        why = "fault \"" + spec + "\" names no known command";
+        why = "fault \"" + request + "\" names no known command";
         return false;
     }
     m_faults.push_back(fault);

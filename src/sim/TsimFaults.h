@@ -20,8 +20,8 @@ public:
         std::string command; // empty: any command
     };
 
-    // Adds one "--fault" specification; false (with why) when it does not parse.
-    bool add(const std::string &spec, std::string &why);
+    // Adds one "--fault" request; false (with why) when it does not parse.
+    bool add(const std::string &request, std::string &why);
     // The block fault of that kind for that command and block, if any.
     bool hits(Kind kind, const std::string &command, int block) const;
     bool silentAfter(const std::string &command) const;

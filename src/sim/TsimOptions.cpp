@@ -85,7 +85,7 @@ std::string TsimOptions::usage()
                "                       (default KT930PC_APPDIR, else the folder of kt930sim)\n"
                "  --baud N             send at most N/10 bytes a second, like a serial line\n"
                "  --put-timeout MS     drop a put whose next block is late (default 5000)\n"
-               "  --fault SPEC         inject a fault:\n")
+               "  --fault FAULT        inject a fault:\n")
         + TsimFaults::help()
         + "  --help               show this text\n"
           "\n"

@@ -3,20 +3,20 @@
 namespace {
 constexpr std::size_t Checkitems = 1044, Checklists = 500, Inspections = 18, Testers = 5, PerTester = 12;
 
-struct CheckitemSpec {
+struct CheckitemSeed {
     bool free;
     char category, opCode;
     std::string text;
 };
 
 // Item lists end at the first 0, 0xFFFF after; a full list has no 0.
-struct RecordSpec {
+struct RecordSeed {
     std::string title1, title2;
     std::vector<std::uint16_t> items;
     std::uint16_t setting;
 };
 
-CheckitemSpec checkitem(std::size_t i, int seed)
+CheckitemSeed checkitem(std::size_t i, int seed)
 {
     if (i % 5 == 4)
         return {true, 0, 0, ""};
@@ -32,14 +32,14 @@ std::vector<std::uint16_t> items(std::size_t n, std::size_t count, int seed)
     return list;
 }
 
-RecordSpec checklist(std::size_t n, int seed)
+RecordSeed checklist(std::size_t n, int seed)
 {
     return {"Checklist " + std::to_string(n) + " of set " + std::to_string(seed), "",
             items(n, (n + std::size_t(seed)) % 97, seed), std::uint16_t(n * 131 + std::size_t(seed))};
 }
 
 // k: 0..17 the inspections, then tester t sequence s at 18 + t * 12 + s.
-RecordSpec sequence(std::size_t k, int seed)
+RecordSeed sequence(std::size_t k, int seed)
 {
     std::string name = k < Inspections ? "Insp " + std::to_string(k)
                                        : "T" + std::to_string((k - Inspections) / PerTester) + " seq "
@@ -94,34 +94,34 @@ KnownImages KnownDataSet::images(int seed)
     // Checkitems: 44 bytes a slot; category, op code, 41 characters and a 0.
     // A free slot is the cleared record: two zeros and 0xFF bytes.
     for (std::size_t i = 0; i < Checkitems; ++i) {
-        CheckitemSpec spec = checkitem(i, seed);
+        CheckitemSeed item = checkitem(i, seed);
         std::size_t at = i * 44;
-        if (spec.free) {
+        if (item.free) {
             putText(images.checkitems, at + 2, std::string(42, '\xFF'));
             continue;
         }
-        images.checkitems[at] = spec.category;
-        images.checkitems[at + 1] = spec.opCode;
-        putText(images.checkitems, at + 2, spec.text);
+        images.checkitems[at] = item.category;
+        images.checkitems[at + 1] = item.opCode;
+        putText(images.checkitems, at + 2, item.text);
     }
     // Checklists: 264 bytes a slot; title 41 blanks-padded characters and a 0,
     // 96 items, setting; the last 28 bytes stay 0.
     for (std::size_t n = 0; n < Checklists; ++n) {
-        RecordSpec spec = checklist(n, seed);
+        RecordSeed item = checklist(n, seed);
         std::size_t at = n * 264;
-        putText(images.checklists, at, padded(spec.title1, 41));
-        putItems(images.checklists, at + 42, spec.items, 96);
-        putWord(images.checklists, at + 234, spec.setting);
+        putText(images.checklists, at, padded(item.title1, 41));
+        putItems(images.checklists, at + 42, item.items, 96);
+        putWord(images.checklists, at + 234, item.setting);
     }
     // Autosequences: 88 bytes each; two titles of 18 blank-padded characters and a 0,
     // 24 items, setting. Tester names: 20 blank-padded bytes and a 0.
     for (std::size_t k = 0; k < Inspections + Testers * PerTester; ++k) {
-        RecordSpec spec = sequence(k, seed);
+        RecordSeed item = sequence(k, seed);
         std::size_t at = sequenceOffset(k);
-        putText(images.autosequences, at, padded(spec.title1, 18));
-        putText(images.autosequences, at + 19, padded(spec.title2, 18));
-        putItems(images.autosequences, at + 38, spec.items, 24);
-        putWord(images.autosequences, at + 86, spec.setting);
+        putText(images.autosequences, at, padded(item.title1, 18));
+        putText(images.autosequences, at + 19, padded(item.title2, 18));
+        putItems(images.autosequences, at + 38, item.items, 24);
+        putWord(images.autosequences, at + 86, item.setting);
     }
     for (std::size_t t = 0; t < Testers; ++t)
         putText(images.autosequences, 6864 + t * 21, padded(testerName(t, seed), 20));
@@ -132,27 +132,27 @@ void KnownDataSet::fill(DataSet &set, int seed)
 {
     set.checkitems.slots().assign(Checkitems, TInstr());
     for (std::size_t i = 0; i < Checkitems; ++i) {
-        CheckitemSpec spec = checkitem(i, seed);
-        if (!spec.free)
-            set.checkitems[i].assign(spec.category, spec.opCode, spec.text);
+        CheckitemSeed item = checkitem(i, seed);
+        if (!item.free)
+            set.checkitems[i].assign(item.category, item.opCode, item.text);
     }
     set.checklists.items.assign(Checklists, TTestProc());
     for (std::size_t n = 0; n < Checklists; ++n) {
-        RecordSpec spec = checklist(n, seed);
+        RecordSeed item = checklist(n, seed);
         TTestProc &target = set.checklists.items[n];
-        std::string title = padded(spec.title1, 41);
+        std::string title = padded(item.title1, 41);
         std::copy(title.begin(), title.end(), target.title);
         target.title[41] = 0;
-        fillItems(target.items, spec.items, 96);
-        target.setting = spec.setting;
+        fillItems(target.items, item.items, 96);
+        target.setting = item.setting;
     }
     auto makeSequence = [seed](std::size_t k) {
-        RecordSpec spec = sequence(k, seed);
+        RecordSeed item = sequence(k, seed);
         Tautosequence target;
-        Tautosequence::setTitle(target.title1, spec.title1);
-        Tautosequence::setTitle(target.title2, spec.title2);
-        fillItems(target.items, spec.items, 24);
-        target.setting = spec.setting;
+        Tautosequence::setTitle(target.title1, item.title1);
+        Tautosequence::setTitle(target.title2, item.title2);
+        fillItems(target.items, item.items, 24);
+        target.setting = item.setting;
         return target;
     };
     set.inspections.clear();

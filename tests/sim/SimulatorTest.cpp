@@ -189,14 +189,18 @@ TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithTheDemoDataSet)
     EXPECT_NE(sim.log().find("GASQ sent 27 blocks"), std::string::npos);
 }
 
-TEST_F(SimulatorTest, IgnoresUnknownCommandsAndStrayLineFeeds)
+TEST_F(SimulatorTest, ServesOnlyFourLettersAndCarriageReturn)
 {
     TsimProcess sim(tcpArguments());
     ASSERT_TRUE(sim.waitForLog("ready"));
     TrawClient client = connect();
+    // A line feed in front makes "\nGESI\r" six bytes: not a command.
     client.send("XXXX\r\nGESI\r");
-    EXPECT_EQ(client.receive(Block), identification());
     EXPECT_TRUE(sim.waitForLog("unknown command ignored"));
+    EXPECT_TRUE(sim.waitForLog("ignored a malformed command of 6 bytes"));
+    EXPECT_EQ(client.pending(), "");
+    client.send("GESI\r");
+    EXPECT_EQ(client.receive(Block), identification());
 }
 
 TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
