@@ -1,14 +1,11 @@
 // kt930ctl run as a program on a temporary copy of the demo application folder.
+#include "ProgramRun.h"
 #include "TempDir.h"
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <spawn.h>
 #include <sstream>
-#include <sys/wait.h>
 
-extern char **environ;
 namespace fs = std::filesystem;
 
 namespace {
@@ -27,22 +24,8 @@ protected:
 
     Trun run(std::vector<std::string> arguments)
     {
-        std::string program = std::string(KT930_TEST_APPDIR) + "/kt930ctl";
-        std::vector<char *> argv{program.data()};
-        for (std::string &argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        const std::string out = (temp / "out.txt").string(), err = (temp / "err.txt").string();
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        pid_t pid = -1;
-        int status = -1;
-        if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ) == 0)
-            ::waitpid(pid, &status, 0);
-        posix_spawn_file_actions_destroy(&actions);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, TempDir::read(out), TempDir::read(err)};
+        ProgramRun result = ProgramRun::run("kt930ctl", std::move(arguments), temp.path());
+        return {result.exitCode, result.out, result.err};
     }
     std::string appDir() const { return (temp / "app").string(); }
     fs::path mitDat() const { return temp / "app/Data/mit.dat"; }

@@ -1,14 +1,10 @@
 // kt930ctl download / upload / sync against the real simulator.
 #include "../sim/TsimProcess.h"
+#include "ProgramRun.h"
 #include "TempDir.h"
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-extern char **environ;
 namespace fs = std::filesystem;
 
 namespace {
@@ -45,26 +41,12 @@ protected:
 
     int ctl(std::vector<std::string> arguments)
     {
-        std::string program = std::string(KT930_TEST_APPDIR) + "/kt930ctl";
         arguments.push_back("--appdir");
         arguments.push_back((temp / "pc").string());
-        std::vector<char *> argv{program.data()};
-        for (std::string &argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        const std::string out = (temp / "out.txt").string(), err = (temp / "err.txt").string();
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        pid_t pid = -1;
-        int status = -1;
-        if (posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ) == 0)
-            ::waitpid(pid, &status, 0);
-        posix_spawn_file_actions_destroy(&actions);
-        stdoutText = TempDir::read(out);
-        stderrText = TempDir::read(err);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        ProgramRun result = ProgramRun::run("kt930ctl", std::move(arguments), temp.path());
+        stdoutText = result.out;
+        stderrText = result.err;
+        return result.exitCode;
     }
 
     TempDir temp;
