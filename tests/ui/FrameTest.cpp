@@ -342,6 +342,35 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     EXPECT_EQ(read("usertester1.asq"), before);
 }
 
+TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSelectedNode)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    frame->resize(792, 546);
+    frame->show();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
+    QApplication::processEvents();
+    tree->setCurrentItem(tree->topLevelItem(1));
+    QTreeWidgetItem *first = tree->topLevelItem(0);
+    const QRect row = tree->visualItemRect(first);
+    const QPoint button(row.left() - tree->indentation() / 2, row.center().y());
+
+    QString shown;
+    whenModal([&](QWidget *form) {
+        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
+        form->findChild<QPushButton *>("Button1")->click();
+    });
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
+    EXPECT_TRUE(first->isExpanded()); // the first click of the two opens the node
+    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, button);
+    const bool expandedAfterDoubleClick = first->isExpanded();
+    QApplication::processEvents(); // the edit follows the tree's own handling
+    EXPECT_EQ(shown, "USER TESTER 2");
+    EXPECT_EQ(first->isExpanded(), expandedAfterDoubleClick);
+    EXPECT_TRUE(sink.messages.empty());
+}
+
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
 {
     auto frame = makeFrame(); // empty folder: defaults
