@@ -16,6 +16,8 @@
 #include "communicationsSelector.h"
 #include "progress.h"
 #include <QApplication>
+#include <QEventLoop>
+#include <QFontMetrics>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QTimer>
@@ -25,6 +27,8 @@ namespace {
 const char *const InternalErrorText =
     "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
     "If this error persists, please contact the system vendor.";
+// What the report of an exception that is not a std::exception says.
+const char *const UnknownExceptionText = "Unknown exception";
 const char *const ClearQuestion =
     "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.";
 
@@ -116,6 +120,11 @@ void TAutoSeqEditFrame::setUpControls()
     connect(ui->BtnUTSEdit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSEditClick);
     connect(ui->BtnUTSClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSClearClick);
     connect(LstUTSTimer, &QTimer::timeout, this, &TAutoSeqEditFrame::LstUTSTimerTimer);
+    // A tester's sequences need the sequence editor, which this build lacks.
+    connect(ui->LstUTS, &QTreeWidget::itemSelectionChanged, this, [this] {
+        QTreeWidgetItem *node = ui->LstUTS->currentItem();
+        ui->BtnUTSEdit->setEnabled(!(node && node->isSelected() && node->parent()));
+    });
 }
 
 void TAutoSeqEditFrame::startUp()
@@ -246,6 +255,9 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
         return;
     const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
     const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
+    // The nodes are built once; a reload may have brought fewer sequences.
+    if (i >= m_data->userTesters.size() || j >= m_data->userTesters[i].sequences.size())
+        return;
     if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
         return;
     m_data->userTesters[i].sequences[j].makeUnused();
@@ -257,7 +269,10 @@ void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
     QTreeWidgetItem *node = ui->LstUTS->currentItem();
     if (!node || !node->isSelected() || node->parent())
         return; // a tester's sequences need the sequence editor, which this build lacks
-    std::string &name = m_data->userTesters[std::size_t(node->data(0, Qt::UserRole).toInt())].name;
+    const auto i = std::size_t(node->data(0, Qt::UserRole).toInt());
+    if (i >= m_data->userTesters.size())
+        return;
+    std::string &name = m_data->userTesters[i].name;
     TseqTitleEditForm form(nullptr, TguiText::fromBytes(name));
     if (setCaptions) {
         form.setWindowTitle(QStringLiteral("Tester Name Editor"));
@@ -285,8 +300,7 @@ void TAutoSeqEditFrame::LstUTSMouseDown(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    const QModelIndex index = ui->LstUTS->indexAt(event->position().toPoint());
-    m_pressOnItem = index.isValid() && ui->LstUTS->visualRect(index).contains(event->position().toPoint());
+    m_pressOnItem = onNodeLabel(event->position().toPoint());
     LstUTSTimer->start();
 }
 
@@ -294,6 +308,19 @@ void TAutoSeqEditFrame::LstUTSTimerTimer()
 {
     LstUTSTimer->stop();
     m_pressOnItem = false;
+}
+
+// The label of a node: its text and the margins around it, not the rest of the row.
+bool TAutoSeqEditFrame::onNodeLabel(const QPoint &at) const
+{
+    QTreeWidgetItem *node = ui->LstUTS->itemAt(at);
+    if (!node)
+        return false;
+    QRect label = ui->LstUTS->visualItemRect(node);
+    const int margin = ui->LstUTS->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, ui->LstUTS) + 1;
+    const int textWidth = QFontMetrics(ui->LstUTS->font()).horizontalAdvance(node->text(0));
+    label.setWidth(std::min(label.width(), textWidth + 2 * margin));
+    return label.contains(at);
 }
 
 bool TAutoSeqEditFrame::LstUTSExpanding() const
@@ -320,6 +347,8 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
                 LstUTSDblClick();
                 return true;
             }
+            // Any other double click edits too, once the tree has had its turn.
+            QMetaObject::invokeMethod(this, &TAutoSeqEditFrame::LstUTSDblClick, Qt::QueuedConnection);
         }
     }
     return Tkt930Frame::eventFilter(watched, event);
@@ -380,8 +409,19 @@ bool TAutoSeqEditFrame::runTransfer(bool upload)
         worker.reset(new TdownloadThread(m_hostData, &progress, &m_sink, static_cast<TdownloadCommStruct *>(record.get())));
     settings.worker = worker.get();
     const int result = progress.exec();
-    worker->wait(); // a cancelled worker stops at its next poll
+    waitForWorker(*worker);
     return result != 2;
+}
+
+// After a cancel the worker may still be on its way out, and its last message box
+// is shown on this thread: keep serving events until it has finished.
+void TAutoSeqEditFrame::waitForWorker(QThread &worker)
+{
+    QEventLoop loop;
+    connect(&worker, &QThread::finished, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    if (worker.isRunning())
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    worker.wait();
 }
 
 void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
@@ -397,6 +437,8 @@ void TAutoSeqEditFrame::BtnUploadClick()
         runTransfer(true);
     } catch (const std::exception &e) {
         showInternalError(true, e.what());
+    } catch (...) {
+        showInternalError(true, UnknownExceptionText);
     }
 }
 
@@ -409,6 +451,8 @@ void TAutoSeqEditFrame::BtnDownloadClick()
         refreshLists(2);
     } catch (const std::exception &e) {
         showInternalError(false, e.what());
+    } catch (...) {
+        showInternalError(false, UnknownExceptionText);
     }
     BtnBackupClick();
 }
@@ -417,6 +461,8 @@ void TAutoSeqEditFrame::BtnHelpClick()
 {
     const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
     auto *window = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
+    // Closed windows delete themselves; forget them so the list does not grow.
+    std::erase_if(m_helpWindows, [](const QPointer<THelpWindow> &w) { return w.isNull(); });
     m_helpWindows.emplace_back(window);
     window->show();
 }
@@ -438,5 +484,9 @@ void TAutoSeqEditFrame::BtnExitClick()
         if (mainView)
             mainView->show();
         m_sink.error(applicationTitle(), e.what());
+    } catch (...) {
+        if (mainView)
+            mainView->show();
+        m_sink.error(applicationTitle(), UnknownExceptionText);
     }
 }

@@ -13,6 +13,8 @@ class TdataSet;
 class THelpWindow;
 class TcomSelectFrm;
 class TcommSettings;
+class QPoint;
+class QThread;
 class QTimer;
 class QMouseEvent;
 class QTreeWidgetItem;
@@ -39,7 +41,7 @@ public:
     int helpWindowCount() const;
 
     // The double-click guard of the tree: no expand/collapse when the press that
-    // began the double click was on a node's label.
+    // began the double click was on a node's label. Every double click edits.
     void LstUTSMouseDown(QMouseEvent *event);
     bool LstUTSExpanding() const;
     bool LstUTSCollapsing() const;
@@ -71,6 +73,8 @@ private:
     void showInternalError(bool upload, const char *what);
     void fillTransport(TcommSettings &settings, const TcomSelectFrm &selector) const;
     bool runTransfer(bool upload);
+    void waitForWorker(QThread &worker);
+    bool onNodeLabel(const QPoint &at) const;
 
     std::unique_ptr<Ui::TAutoSeqEditFrame> ui;
     MessageSink &m_sink;

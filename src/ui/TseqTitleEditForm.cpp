@@ -1,11 +1,15 @@
 #include "TseqTitleEditForm.h"
 #include "ui_TseqTitleEditForm.h"
+#include "TlengthLimitValidator.h"
 
 TseqTitleEditForm::TseqTitleEditForm(QWidget *owner, const QString &text)
     : QDialog(owner, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint), ui(new Ui::TseqTitleEditForm)
 {
     ui->setupUi(this);
     ui->sequenceTitle->setText(text);
+    // A limit on typing only: a stored name that is already longer stays whole.
+    // Installed after the text, which is therefore never judged.
+    new TlengthLimitValidator(MaxLength, ui->sequenceTitle);
     connect(ui->Button2, &QPushButton::clicked, this, &QDialog::accept);
     connect(ui->Button1, &QPushButton::clicked, this, &QDialog::reject);
 }

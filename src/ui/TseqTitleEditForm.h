@@ -8,6 +8,8 @@ namespace Ui { class TseqTitleEditForm; }
 class TseqTitleEditForm : public QDialog {
     Q_OBJECT
 public:
+    static constexpr int MaxLength = 20; // what can be typed; a longer initial text is kept
+
     TseqTitleEditForm(QWidget *owner, const QString &text);
     ~TseqTitleEditForm() override;
 

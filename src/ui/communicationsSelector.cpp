@@ -151,7 +151,10 @@ bool TcomSelectFrm::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::KeyPress) {
         auto *key = static_cast<QKeyEvent *>(event);
         const QString text = key->text();
-        const bool navigation = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab || text.isEmpty();
+        // Moving on, confirming and cancelling still reach the dialog.
+        const int code = key->key();
+        const bool navigation = code == Qt::Key_Tab || code == Qt::Key_Backtab || code == Qt::Key_Return
+            || code == Qt::Key_Enter || code == Qt::Key_Escape || text.isEmpty();
         if (!navigation && !IPKeyPress(text.at(0)))
             return true;
     }

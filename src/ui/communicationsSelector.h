@@ -27,7 +27,7 @@ public:
     QString ipText(int field) const; // field 1..4
     int serialPort() const; // from the selected entry, 1 when nothing is selected
 
-    // Filters IP1..IP4 keys: digits and Backspace only (Tab still moves on).
+    // Filters IP1..IP4 keys: digits and Backspace only (Tab, Return, Enter and Escape still pass).
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:

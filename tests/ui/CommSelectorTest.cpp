@@ -78,16 +78,68 @@ TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
     EXPECT_EQ(saved.value("COMM/DEFAULTSERIAL").toInt(), 200);
 }
 
-TEST_F(SelectorFixture, StaleDefaultSerialSelectsTheFirstFreePort)
+TEST_F(SelectorFixture, StoredSerialPortIsSelectedOnlyWhileItIsStillFree)
 {
-    Pty pty;
+    Pty first, second;
+    auto open = [&](const QVariant &defaultSerial) {
+        {
+            QSettings settings(ini(), QSettings::IniFormat);
+            settings.clear();
+            settings.setValue("SERIALPORTS/COM250", QString::fromStdString(first.slave()));
+            settings.setValue("SERIALPORTS/COM251", QString::fromStdString(second.slave()));
+            if (defaultSerial.isValid())
+                settings.setValue("COMM/DEFAULTSERIAL", defaultSerial);
+        }
+        return std::make_unique<TcomSelectFrm>(nullptr, false, &sink);
+    };
+    const QString entry250 = QStringLiteral("COM250 (%1)").arg(QString::fromStdString(first.slave()));
+    const QString entry251 = QStringLiteral("COM251 (%1)").arg(QString::fromStdString(second.slave()));
+
+    auto stored = open(251);
+    auto *ports = find<QComboBox>(stored.get(), "serialPortSelector");
+    ASSERT_GE(ports->count(), 2);
+    EXPECT_EQ(ports->itemText(ports->count() - 2), entry250);
+    EXPECT_EQ(ports->itemText(ports->count() - 1), entry251);
+    EXPECT_EQ(ports->currentText(), entry251);
+
+    // 252 is not free (not even mapped): the first free port, not the last one seen.
+    auto stale = open(252);
+    ports = find<QComboBox>(stale.get(), "serialPortSelector");
+    EXPECT_EQ(ports->currentIndex(), 0);
+    EXPECT_NE(ports->currentText(), entry251);
+
+    // Without COMM settings DEFAULTSERIAL is 0, which no port has: the first one again.
+    auto fresh = open(QVariant());
+    ports = find<QComboBox>(fresh.get(), "serialPortSelector");
+    EXPECT_EQ(ports->currentIndex(), 0);
+    EXPECT_TRUE(find<QRadioButton>(fresh.get(), "radUSB")->isChecked());
+}
+
+TEST_F(SelectorFixture, AddressFieldsLetReturnAndEscapeReachTheDialog)
+{
+    EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar('7')));
+    EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar(8)));
+    EXPECT_FALSE(TcomSelectFrm::IPKeyPress(QChar('.')));
     {
         QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("SERIALPORTS/COM250", QString::fromStdString(pty.slave()));
-        settings.setValue("COMM/DEFAULTSERIAL", 251);
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
     }
-    TcomSelectFrm form(nullptr, false, &sink);
-    EXPECT_EQ(find<QComboBox>(&form, "serialPortSelector")->currentIndex(), 0);
+    TcomSelectFrm confirmed(nullptr, false, &sink);
+    confirmed.show();
+    auto *ip2 = find<QLineEdit>(&confirmed, "IP2");
+    ip2->setFocus();
+    QTest::keyClick(ip2, Qt::Key_Return);
+    EXPECT_FALSE(confirmed.isVisible());
+    EXPECT_EQ(confirmed.result(), 1);
+
+    TcomSelectFrm cancelled(nullptr, false, &sink);
+    cancelled.show();
+    auto *ip3 = find<QLineEdit>(&cancelled, "IP3");
+    ip3->setFocus();
+    QTest::keyClick(ip3, Qt::Key_Escape);
+    EXPECT_FALSE(cancelled.isVisible());
+    EXPECT_EQ(cancelled.result(), 2);
+    EXPECT_TRUE(sink.messages.empty());
 }
 
 TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)

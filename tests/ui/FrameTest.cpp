@@ -4,6 +4,7 @@
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "TlistRowDelegate.h"
+#include "TseqTitleEditForm.h"
 #include "TtreeNodeDelegate.h"
 #include "UiTestSupport.h"
 #include <QApplication>
@@ -85,7 +86,10 @@ TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesInLoadOrderAndUsesDefaults)
     EXPECT_EQ(sink.messages, expected);
     EXPECT_EQ(frame->dataSet().checkitems.size(), 1044u);
     EXPECT_EQ(frame->dataSet().checklists.size(), 500u);
-    EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral(" - ")));
+    EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    EXPECT_EQ(tree->topLevelItem(4)->child(11)->text(0), "12. <unused>");
+    EXPECT_TRUE(tree->topLevelItem(4)->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
                                                    "iv. USER TESTER 6", "v. USER TESTER 8"}));
     // Nothing is written at load time.
@@ -153,7 +157,7 @@ TEST_F(FrameFixture, ControlsCarryTheirCaptionsAndEditorCommandsAreDisabled)
     EXPECT_FALSE(timer->isActive());
 }
 
-TEST_F(FrameFixture, ClearingAnInspectionAsksAndBlanksItWithoutWriting)
+TEST_F(FrameFixture, ClearingAnInspectionAsksAndMakesItUnusedWithoutWriting)
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
     const std::string before = read("inspection.asq");
@@ -172,10 +176,10 @@ TEST_F(FrameFixture, ClearingAnInspectionAsksAndBlanksItWithoutWriting)
 
     clear->click(); // answered Yes
     EXPECT_EQ(sink.messages.size(), 2u);
-    EXPECT_EQ(list->item(0)->text(), " - ");
+    EXPECT_EQ(list->item(0)->text(), "<unused>");
     EXPECT_EQ(list->currentRow(), 0);
-    const Tautosequence blank;
-    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[0], &blank, sizeof blank), 0);
+    const Tautosequence unused = unusedSequence();
+    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[0], &unused, sizeof unused), 0);
     EXPECT_EQ(read("inspection.asq"), before);
 }
 
@@ -192,8 +196,46 @@ TEST_F(FrameFixture, ClearingATesterSequenceNeedsAChildNode)
     tree->setCurrentItem(tree->topLevelItem(0)->child(0));
     clear->click();
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
-    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1.  - ");
+    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1. <unused>");
+    EXPECT_TRUE(tree->topLevelItem(0)->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused());
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
+}
+
+TEST_F(FrameFixture, ClearAfterAReloadWithFewerSequencesThanNodesDoesNothing)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    // The nodes stay as built; the reloaded tester file holds only two sequences.
+    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
+                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
+    frame->ReloadData();
+    ASSERT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "i. SHORT");
+    EXPECT_EQ(tree->topLevelItem(0)->child(1)->text(0), "2. C - D");
+
+    tree->setCurrentItem(tree->topLevelItem(0)->child(5));
+    find<QPushButton>(frame.get(), "BtnUTSClear")->click();
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
+}
+
+TEST_F(FrameFixture, EditButtonIsOnlyOfferedForTesterRoots)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *edit = find<QPushButton>(frame.get(), "BtnUTSEdit");
+    tree->setCurrentItem(tree->topLevelItem(1)->child(3));
+    EXPECT_FALSE(edit->isEnabled());
+    tree->setCurrentItem(tree->topLevelItem(1));
+    EXPECT_TRUE(edit->isEnabled());
+    tree->setCurrentItem(tree->topLevelItem(4)->child(0));
+    EXPECT_FALSE(edit->isEnabled());
+    tree->clearSelection();
+    EXPECT_TRUE(edit->isEnabled()); // with nothing selected the button has nothing to do
 }
 
 TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThree)
@@ -203,19 +245,16 @@ TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThr
     auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
     tree->setCurrentItem(tree->topLevelItem(2));
     QString caption, label;
-    int maxLength = 0;
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
         label = form->findChild<QLabel *>("Label1")->text();
         auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        maxLength = edit->maxLength();
         edit->setText("  icu bay  ");
         form->findChild<QPushButton *>("Button2")->click();
     });
     find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
     EXPECT_EQ(caption, "Tester Name Editor");
     EXPECT_EQ(label, "Tester Name");
-    EXPECT_EQ(maxLength, 20);
     EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU BAY");
     EXPECT_EQ(tree->topLevelItem(2)->text(0), "iii. ICU BAY");
     EXPECT_TRUE(sink.messages.empty());
@@ -226,6 +265,50 @@ TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThr
     EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
+}
+
+TEST(TitleForm, TypingStopsAtTwentyCharactersButALongerNameStaysWhole)
+{
+    ensureApplication();
+    TseqTitleEditForm form(nullptr, "");
+    auto *edit = form.findChild<QLineEdit *>("sequenceTitle");
+    QTest::keyClicks(edit, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
+    edit->selectAll();
+    edit->insert("12345678901234567890123"); // a paste that is too long is refused whole
+    EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
+
+    const QString stored = "A NAME OF TWENTY-FIVE CHR";
+    TseqTitleEditForm longer(nullptr, stored);
+    auto *longEdit = longer.findChild<QLineEdit *>("sequenceTitle");
+    EXPECT_EQ(longer.text(), stored);
+    longEdit->end(false);
+    QTest::keyClick(longEdit, Qt::Key_X);
+    EXPECT_EQ(longEdit->text(), stored); // cannot grow
+    QTest::keyClick(longEdit, Qt::Key_Backspace);
+    EXPECT_EQ(longEdit->text(), stored.left(24)); // may shrink
+    QTest::keyClick(longEdit, Qt::Key_X);
+    EXPECT_EQ(longEdit->text(), stored.left(24));
+}
+
+TEST_F(FrameFixture, OkWithoutEditingKeepsAStoredNameLongerThanTwentyCharacters)
+{
+    std::vector<std::string> names = testerNames();
+    names[3] = "THE LONG NAMED WARD ON FLOOR 7"; // 30 characters from another tool
+    appDir.writeCompleteDataSet(sampleInspections(), names);
+    auto frame = makeFrame();
+    ASSERT_EQ(frame->dataSet().userTesters[3].name, names[3]);
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(3));
+    QString shown;
+    whenModal([&](QWidget *form) {
+        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
+        form->findChild<QPushButton *>("Button2")->click();
+    });
+    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    EXPECT_EQ(shown, QString::fromStdString(names[3]));
+    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
+    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
 }
 
 TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpandsNorSaves)
@@ -239,7 +322,8 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
     QApplication::processEvents();
     QTreeWidgetItem *root = tree->topLevelItem(0);
-    const QPoint at = tree->visualItemRect(root).center();
+    const QRect row = tree->visualItemRect(root);
+    const QPoint at(row.left() + 4, row.center().y()); // on the label's text
 
     QString caption, label;
     whenModal([&](QWidget *form) {
@@ -256,6 +340,35 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     EXPECT_EQ(frame->dataSet().userTesters[0].name, "WARD A");
     EXPECT_FALSE(root->isExpanded());
     EXPECT_EQ(read("usertester1.asq"), before);
+}
+
+TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSelectedNode)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    frame->resize(792, 546);
+    frame->show();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
+    QApplication::processEvents();
+    tree->setCurrentItem(tree->topLevelItem(1));
+    QTreeWidgetItem *first = tree->topLevelItem(0);
+    const QRect row = tree->visualItemRect(first);
+    const QPoint button(row.left() - tree->indentation() / 2, row.center().y());
+
+    QString shown;
+    whenModal([&](QWidget *form) {
+        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
+        form->findChild<QPushButton *>("Button1")->click();
+    });
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
+    EXPECT_TRUE(first->isExpanded()); // the first click of the two opens the node
+    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, button);
+    const bool expandedAfterDoubleClick = first->isExpanded();
+    QApplication::processEvents(); // the edit follows the tree's own handling
+    EXPECT_EQ(shown, "USER TESTER 2");
+    EXPECT_EQ(first->isExpanded(), expandedAfterDoubleClick);
+    EXPECT_TRUE(sink.messages.empty());
 }
 
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)

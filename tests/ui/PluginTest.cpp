@@ -2,6 +2,7 @@
 // application folder, its exports called in the host's order.
 #include "UiTestSupport.h"
 #include "VAROAutoSeqEditor.h"
+#include <QListWidget>
 #include <QPushButton>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -58,7 +59,14 @@ TEST(PluginExports, CallingOrderResultsAndStoredHostPointers)
     EXPECT_TRUE(view2.isHidden());
     frameC->findChild<QPushButton *>("BtnExit")->click();
     EXPECT_FALSE(view2.isHidden());
-    frameA->ReloadData(); // through the contract's virtual
+    // ReloadData through the contract's virtual: the reloaded frame shows what is
+    // on disk now, the other keeps its working copy.
+    auto firstRow = [](Tkt930Frame *frame) { return frame->findChild<QListWidget *>("lstIP")->item(0)->text(); };
+    EXPECT_EQ(firstRow(frameA), "EARTH - BOND");
+    appDir.writeData("inspection.asq", asqBytes("Physical Inspections", "", {sequence("INSULATION", "500 V", {2})}));
+    frameA->ReloadData();
+    EXPECT_EQ(firstRow(frameA), "INSULATION - 500 V");
+    EXPECT_EQ(firstRow(frameB), "EARTH - BOND");
 
     EXPECT_EQ(*resolve<void **>(library, "_AutoSeqEditFrame"), nullptr);
     EXPECT_EQ(resolve<TshutdownProc>(library, "pshutdown")(), 0);

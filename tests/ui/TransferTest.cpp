@@ -1,5 +1,6 @@
 // The frame's side of upload and download: what is saved when, the cancel
 // paths, and the internal-error boxes.
+#include "../e2e/SimulatorUnderTest.h"
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
@@ -7,7 +8,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTcpServer>
+#include <QListWidget>
+#include <QTreeWidget>
 #include <gtest/gtest.h>
 
 namespace {
@@ -27,6 +29,21 @@ struct TransferFixture : ::testing::Test {
         host.container = &container;
     }
     void click(QWidget *frame, const char *name) { frame->findChild<QPushButton *>(name)->click(); }
+    // Every row of the inspection list and every node of the tree.
+    static QStringList texts(QWidget *frame)
+    {
+        QStringList all;
+        auto *list = frame->findChild<QListWidget *>("lstIP");
+        for (int i = 0; i < list->count(); ++i)
+            all << list->item(i)->text();
+        auto *tree = frame->findChild<QTreeWidget *>("LstUTS");
+        for (int r = 0; r < tree->topLevelItemCount(); ++r) {
+            all << tree->topLevelItem(r)->text(0);
+            for (int c = 0; c < tree->topLevelItem(r)->childCount(); ++c)
+                all << tree->topLevelItem(r)->child(c)->text(0);
+        }
+        return all;
+    }
 };
 
 void answerSelector(const char *radio, const char *button)
@@ -81,27 +98,29 @@ TEST_F(TransferFixture, WithoutHostRecordDownloadReportsTheInternalErrorAndStill
     EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")));
 }
 
-TEST_F(TransferFixture, FailedEthernetDownloadLeavesFilesAndListsAlone)
+TEST_F(TransferFixture, RefusedEthernetDownloadReportsItAndLeavesFilesAndListsAlone)
 {
-    // A port that was free a moment ago: nothing listens there now.
-    QTcpServer probe;
-    ASSERT_TRUE(probe.listen(QHostAddress("127.0.0.3"), 0));
-    probe.close();
-
+    // A loopback address of this test program with nothing listening behind it.
+    const QStringList octets = QString::fromStdString(SimulatorUnderTest::freshAddress()).split('.');
     appDir.writeCompleteDataSet({sequence("EARTH", "BOND", {1})}, {"A", "B", "C", "D", "E"});
     const std::string before = TempDir::read(appDir.data("inspection.asq"));
+    const std::string checkitemsBefore = TempDir::read(appDir.data("mit.dat"));
     TAutoSeqEditFrame frame(nullptr, &host, &hostData2, &sink);
-    whenModal([](QWidget *selector) {
+    const QStringList listBefore = texts(&frame);
+    whenModal([octets](QWidget *selector) {
         selector->findChild<QRadioButton *>("radEthernet")->click();
-        const char *octets[] = {"127", "0", "0", "3"};
         for (int i = 0; i < 4; ++i)
-            selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets[i]);
+            selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets.value(i));
         selector->findChild<QPushButton *>("btnConnect")->click();
     });
     click(&frame, "BtnDownload");
-    ASSERT_FALSE(sink.messages.empty()); // the worker's own report of the refused connection
-    for (const Message &m : sink.messages)
-        EXPECT_NE(m.text, InternalError);
+    // The worker's own reports; the frame adds nothing, checks nothing, saves nothing.
+    const std::vector<Message> expected = {
+        {"Ethernet Connection Error", "An error occurred while attempting to connect.\rOperation Canceled."},
+        {"Error", "Timeout Error.\nOperation Canceled.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}};
+    EXPECT_EQ(sink.messages, expected);
     EXPECT_EQ(TempDir::read(appDir.data("inspection.asq")), before);
+    EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), checkitemsBefore);
     EXPECT_EQ(frame.dataSet().inspections.size(), 1u);
+    EXPECT_EQ(texts(&frame), listBefore);
 }

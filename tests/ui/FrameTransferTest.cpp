@@ -1,0 +1,251 @@
+// The frame's upload and download against the real simulator over loopback TCP,
+// driven through the real settings form and progress dialog: the data that
+// arrives, the files the frame writes, the op-code check, and a cancel while the
+// worker still has a message box to show.
+#include "../e2e/KnownDataSet.h"
+#include "../e2e/SimulatorUnderTest.h"
+#include "AutoSequenceEditorFrame.h"
+#include "RecordingMessageSink.h"
+#include "TdataSet.h"
+#include "UiTestSupport.h"
+#include "progress.h"
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QThread>
+#include <QTimer>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+namespace {
+// Records like its base, but a worker's message is recorded on the GUI thread
+// through a blocking queued call, the way the GUI sink shows its boxes: a GUI
+// thread that stops serving events leaves the worker hanging here.
+class GuiThreadMessageSink : public RecordingMessageSink {
+public:
+    MsgAnswer show(const Message &message) override
+    {
+        if (QThread::currentThread() == qApp->thread())
+            return RecordingMessageSink::show(message);
+        MsgAnswer answer = MsgAnswer::Ok;
+        QMetaObject::invokeMethod(qApp, [&] { answer = RecordingMessageSink::show(message); },
+                                  Qt::BlockingQueuedConnection);
+        return answer;
+    }
+};
+
+const char DefinedOpCodes[] = "ACDEIKLMPRT"; // the op codes of the demo Data/*.in files
+const Message OperationCancelled{"Error", "Operation Cancelled.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
+
+// A known data set whose used checkitems carry defined op codes, as analyzer
+// memory and as the containers a download must produce from it.
+KnownImages knownSet(int seed, DataSet &containers)
+{
+    KnownImages images = KnownDataSet::images(seed);
+    KnownDataSet::fill(containers, seed);
+    for (std::size_t i = 0; i < containers.checkitems.size(); ++i) {
+        if (containers.checkitems[i].isFree())
+            continue;
+        const char opCode = DefinedOpCodes[i % (sizeof DefinedOpCodes - 1)];
+        images.checkitems[i * 44 + 1] = opCode;
+        containers.checkitems[i].opCode = opCode;
+    }
+    return images;
+}
+
+// Runs action once condition holds, checked from the event loop.
+void whenTrue(std::function<bool()> condition, std::function<void()> action)
+{
+    auto *timer = new QTimer;
+    timer->setInterval(2);
+    QObject::connect(timer, &QTimer::timeout, [timer, condition, action] {
+        if (!condition())
+            return;
+        timer->stop();
+        timer->deleteLater();
+        action();
+    });
+    timer->start();
+}
+
+struct FrameTransfer : ::testing::Test {
+    AppDirScope appDir;
+    GuiThreadMessageSink sink;
+    QWidget mainView, container;
+    TPluginHostInfo host;
+    int hostData2 = 0;
+
+    FrameTransfer()
+    {
+        host.mainView = &mainView;
+        host.container = &container;
+        appDir.writeCompleteDataSet({sequence("EARTH", "BOND", {1})}, {"A", "B", "C", "D", "E"});
+        for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
+            if (entry.path().extension() == ".in")
+                std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+    }
+    std::unique_ptr<TAutoSeqEditFrame> makeFrame()
+    {
+        auto frame = std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
+        EXPECT_TRUE(sink.messages.empty());
+        return frame;
+    }
+    // Answers the settings form with Ethernet to the simulator's address; then
+    // runs onProgress (if any) on the progress dialog.
+    static void connectTo(const SimulatorUnderTest &sim, std::function<void(TfrmProgress *)> onProgress = {})
+    {
+        whenModal([address = sim.address(), onProgress](QWidget *selector) {
+            EXPECT_EQ(selector->windowTitle(), "Communication Settings");
+            selector->findChild<QRadioButton *>("radEthernet")->click();
+            const QStringList octets = QString::fromStdString(address).split('.');
+            for (int i = 0; i < 4; ++i)
+                selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets.value(i));
+            selector->findChild<QPushButton *>("btnConnect")->click();
+            if (onProgress)
+                whenTrue([] { return qobject_cast<TfrmProgress *>(QApplication::activeModalWidget()) != nullptr; },
+                         [onProgress] { onProgress(qobject_cast<TfrmProgress *>(QApplication::activeModalWidget())); });
+        });
+    }
+    static std::string snapshotOf(TdataSet &data)
+    {
+        DataSet copy{data.checkitems, data.checklists, data.userTesters, data.inspections};
+        return KnownDataSet::snapshot(copy);
+    }
+    std::string read(const std::string &name) const { return TempDir::read(appDir.data(name)); }
+    std::vector<std::string> dataFiles() const
+    {
+        std::vector<std::string> files;
+        for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
+                                 "usertester4.asq", "usertester5.asq", "testProc.asq"})
+            files.push_back(read(name));
+        return files;
+    }
+    void click(QWidget *frame, const char *name) { frame->findChild<QPushButton *>(name)->click(); }
+};
+} // namespace
+
+TEST_F(FrameTransfer, DownloadFillsTheListsAndRewritesTheFilesWithWhatTheAnalyzerHolds)
+{
+    DataSet expected;
+    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, expected));
+    ASSERT_TRUE(sim.ready());
+    const std::string checklistsBefore = read("testProc.asq");
+    auto frame = makeFrame();
+    connectTo(sim);
+    click(frame.get(), "BtnDownload");
+
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_TRUE(snapshotOf(frame->dataSet()) == KnownDataSet::snapshot(expected)) << "containers differ";
+    auto *list = frame->findChild<QListWidget *>("lstIP");
+    ASSERT_EQ(list->count(), 18);
+    EXPECT_EQ(list->item(0)->text(), "Insp 0 s1 - Sub 1");
+    auto *tree = frame->findChild<QTreeWidget *>("LstUTS");
+    EXPECT_EQ(tree->topLevelItem(4)->text(0), "v. Bench tester 5/1");
+    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1. T0 seq 0 s1 - Sub 55");
+
+    // Saved after the download, byte for byte from the documented layouts.
+    EXPECT_TRUE(read("mit.dat") == mitBytes(expected.checkitems.slots()));
+    EXPECT_TRUE(read("inspection.asq") == asqBytes("Physical Inspections", "", expected.inspections));
+    for (std::size_t i = 0; i < 5; ++i)
+        EXPECT_TRUE(read("usertester" + std::to_string(i + 1) + ".asq")
+                    == asqBytes("User Tester Autosequences", expected.testers[i].name, expected.testers[i].sequences))
+            << i;
+    EXPECT_EQ(read("testProc.asq"), checklistsBefore); // checklists are never written by the frame
+}
+
+TEST_F(FrameTransfer, UploadLeavesTheFramesDataInTheAnalyzerMemory)
+{
+    DataSet analyzer, pc;
+    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, analyzer));
+    ASSERT_TRUE(sim.ready());
+    const KnownImages sent = knownSet(2, pc);
+    auto frame = makeFrame();
+    TdataSet &data = frame->dataSet();
+    data.checkitems = pc.checkitems;
+    data.checklists = pc.checklists;
+    data.userTesters = pc.testers;
+    data.inspections = pc.inspections;
+    connectTo(sim);
+    click(frame.get(), "BtnUpload");
+
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == sent.memoryFile()) << "analyzer memory differs";
+    // Saved before the transfer began.
+    EXPECT_TRUE(read("mit.dat") == mitBytes(pc.checkitems.slots()));
+    EXPECT_TRUE(read("usertester2.asq")
+                == asqBytes("User Tester Autosequences", pc.testers[1].name, pc.testers[1].sequences));
+}
+
+TEST_F(FrameTransfer, UnknownOpCodesAfterADownloadAreMarkedAndWarnedAboutOnce)
+{
+    DataSet expected;
+    KnownImages memory = knownSet(1, expected);
+    ASSERT_FALSE(expected.checkitems[0].isFree());
+    ASSERT_FALSE(expected.checkitems[7].isFree());
+    memory.checkitems[0 * 44 + 1] = 'z';
+    memory.checkitems[7 * 44 + 1] = 'y';
+    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, memory);
+    ASSERT_TRUE(sim.ready());
+    auto frame = makeFrame();
+    connectTo(sim);
+    click(frame.get(), "BtnDownload");
+
+    ASSERT_EQ(sink.messages.size(), 1u);
+    const Message &warning = sink.messages[0];
+    EXPECT_EQ(warning.caption, "UNRECOGNIZED OP CODE");
+    EXPECT_EQ(warning.icon, MsgIcon::Exclamation);
+    EXPECT_EQ(warning.buttons, MsgButtons::Ok);
+    EXPECT_EQ(warning.text.rfind("ATTENTION!!\nDO NOT UPLOAD ANY DATA TO THE ANALYZER!!\n\n"
+                                 "One or more checkitems contain unrecognized op codes.",
+                                 0),
+              0u);
+    // The marker, blank-padded to the full 41 characters of the text field.
+    const std::string marker = "**!!**UNRECOGNIZED OP CODE**!!**         ";
+    TInstrDatabase &checkitems = frame->dataSet().checkitems;
+    EXPECT_EQ(checkitems[0].commandText(), marker);
+    EXPECT_EQ(checkitems[7].commandText(), marker);
+    EXPECT_EQ(checkitems[1].commandText(), expected.checkitems[1].commandText());
+    // The repaired entries are what the save after the download wrote.
+    const std::string saved = read("mit.dat");
+    EXPECT_EQ(saved.substr(7 * 44 + 2, 42), marker + '\0');
+    EXPECT_EQ(saved.substr(1 * 44, 44), std::string(reinterpret_cast<const char *>(&expected.checkitems[1]), 44));
+}
+
+TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothing)
+{
+    DataSet unused;
+    // The analyzer answers the handshake and then falls silent: the download sits
+    // in its first data request until the cancel is seen.
+    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, unused), {"silent-after=GESI"});
+    ASSERT_TRUE(sim.ready());
+    auto frame = makeFrame();
+    const std::string before = snapshotOf(frame->dataSet());
+    const std::vector<std::string> filesBefore = dataFiles();
+    QStringList listBefore;
+    auto *list = frame->findChild<QListWidget *>("lstIP");
+    for (int i = 0; i < list->count(); ++i)
+        listBefore << list->item(i)->text();
+
+    bool pressed = false;
+    connectTo(sim, [&pressed](TfrmProgress *progress) {
+        auto *stage = progress->findChild<QLabel *>("lblOperation");
+        whenTrue([stage] { return stage->text() == "Getting Checkitems"; },
+                 [progress, &pressed] {
+                     pressed = true;
+                     progress->findChild<QPushButton *>("btnCancel")->click();
+                 });
+    });
+    click(frame.get(), "BtnDownload"); // returns only if the worker's box got through
+
+    EXPECT_TRUE(pressed);
+    EXPECT_EQ(sink.messages, std::vector<Message>{OperationCancelled});
+    EXPECT_TRUE(snapshotOf(frame->dataSet()) == before) << "containers changed";
+    EXPECT_TRUE(dataFiles() == filesBefore) << "files changed";
+    QStringList listAfter;
+    for (int i = 0; i < list->count(); ++i)
+        listAfter << list->item(i)->text();
+    EXPECT_EQ(listAfter, listBefore);
+}
