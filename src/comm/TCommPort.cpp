@@ -1,4 +1,5 @@
 #include "TCommPort.h"
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -165,24 +166,35 @@ void TCommPort::OpenCommPort()
     termios tio {};
     if (tcgetattr(fd, &tio) != 0) {
         int error = errno;
-        ::close(fd);
+        closeDevice(fd);
         throw ECommError(ECommError::GetCommStateError, error);
     }
     m_fd = fd;
     if (!applySettings()) {
         int error = errno;
-        ::close(fd);
+        closeDevice(fd);
         m_fd = -1;
         throw ECommError(ECommError::SetCommStateError, error);
     }
+    m_inputQueue.clear();
+    m_inputQueue.reserve(InputQueueSize);
 }
 
 void TCommPort::CloseCommPort()
 {
     if (m_fd >= 0) {
-        ::close(m_fd);
+        closeDevice(m_fd);
         m_fd = -1;
     }
+    m_inputQueue.clear();
+}
+
+void TCommPort::closeDevice(int fd)
+{
+    // The exclusive mark belongs to the tty, which may outlive this descriptor
+    // (a pseudo-terminal's does while its master is open): drop it first.
+    ioctl(fd, TIOCNXCL);
+    ::close(fd);
 }
 
 void TCommPort::WriteBuffer(const std::uint8_t *buffer, std::size_t n)
@@ -215,7 +227,9 @@ std::size_t TCommPort::ReadBytes(std::uint8_t *buffer, std::size_t n)
     if (!GetConnected())
         throw ECommError(ECommError::PortNotOpen, 0);
     auto deadline = Clock::now() + std::chrono::milliseconds(ReadMultiplierMs * n + ReadConstantMs);
-    std::size_t got = 0;
+    std::size_t got = std::min(n, m_inputQueue.size());
+    std::copy_n(m_inputQueue.begin(), got, buffer);
+    m_inputQueue.erase(m_inputQueue.begin(), m_inputQueue.begin() + std::ptrdiff_t(got));
     while (got < n) {
         ssize_t r = ::read(m_fd, buffer + got, n - got);
         if (r > 0) {
@@ -242,19 +256,32 @@ std::size_t TCommPort::ReadBytes(std::uint8_t *buffer, std::size_t n)
     return got;
 }
 
+void TCommPort::fillInputQueue()
+{
+    // Read errors are left to ReadBytes, which reports them with their own code.
+    while (m_inputQueue.size() < InputQueueSize) {
+        std::uint8_t chunk[4096];
+        ssize_t r = ::read(m_fd, chunk, std::min(sizeof chunk, InputQueueSize - m_inputQueue.size()));
+        if (r <= 0)
+            break;
+        m_inputQueue.insert(m_inputQueue.end(), chunk, chunk + r);
+    }
+}
+
 std::size_t TCommPort::BytesAvailable()
 {
     if (!GetConnected())
         throw ECommError(ECommError::PortNotOpen, 0);
+    fillInputQueue();
     int count = 0;
     if (ioctl(m_fd, FIONREAD, &count) != 0)
         throw ECommError(ECommError::ClearCommError);
-    return std::size_t(count);
+    return m_inputQueue.size() + std::size_t(count);
 }
 
 void TCommPort::WaitReadable(int periodMs)
 {
-    if (!GetConnected() || periodMs <= 0)
+    if (!GetConnected() || periodMs <= 0 || m_inputQueue.size() >= InputQueueSize)
         return;
     pollfd p {m_fd, POLLIN, 0};
     if (::poll(&p, 1, periodMs) > 0 && (p.revents & POLLHUP) && !(p.revents & POLLIN))

@@ -3,11 +3,14 @@
 // (COM1-32 /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31)
 // unless an override map (from KT930pc.ini, section SERIALPORTS) names another path.
 // Any other name is taken as a device path. Failures throw ECommError.
+// The port keeps its own input queue of up to InputQueueSize bytes: a tty holds
+// no more than about 4 KB, less than one 4224-byte sync chunk.
 #include "ECommError.h"
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 class TCommPort {
 public:
@@ -28,8 +31,10 @@ public:
     // Reads up to n bytes within 1 ms per byte + 250 ms, giving up after a 15 ms
     // gap between bytes. A short read puts a NUL right after the last byte read.
     std::size_t ReadBytes(std::uint8_t *buffer, std::size_t n);
+    // Bytes queued: the port's own input queue plus what the driver still holds.
     std::size_t BytesAvailable();
-    // Waits up to periodMs for input; returns at once when something is pending.
+    // Waits up to periodMs for more input from the device; returns at once when
+    // the device has something (or the input queue is full).
     void WaitReadable(int periodMs);
 
     bool GetConnected() const { return m_fd >= 0; }
@@ -47,11 +52,16 @@ public:
     static std::string resolve(const std::string &name);
 
     static constexpr int ReadIntervalMs = 15, ReadMultiplierMs = 1, ReadConstantMs = 250;
+    static constexpr std::size_t InputQueueSize = 32768;
 
 private:
     // Applies the four settings to the open device; false when the driver refuses.
     bool applySettings();
     template <typename T> void change(T &field, T value, std::uint8_t code);
+    // Moves what the device has into the input queue, as far as the queue has room.
+    void fillInputQueue();
+    // Gives up exclusive use and closes the descriptor.
+    static void closeDevice(int fd);
 
     std::string m_name = "COM1";
     std::uint32_t m_baudRate = 9600;
@@ -59,4 +69,5 @@ private:
     std::uint8_t m_parity = 0;
     std::uint8_t m_stopBits = 0;
     int m_fd = -1;
+    std::vector<std::uint8_t> m_inputQueue;
 };

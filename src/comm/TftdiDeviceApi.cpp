@@ -7,8 +7,15 @@
 #include <thread>
 
 namespace {
-// Short USB read time-out: the polls above decide how long to wait, not libusb.
-constexpr int UsbReadTimeoutMs = 5;
+// The chip answers every bulk read within its latency timer, with a status-only
+// packet when it has no data, so an idle read costs at most LatencyMs and the
+// poll periods above stay what they are. The USB read time-out is far longer than
+// that: libftdi fails a read that times out and drops the bytes it had already
+// gathered in that call, so a time-out must only ever mean a silent device.
+constexpr unsigned char LatencyMs = 2;
+constexpr int UsbReadTimeoutMs = 200;
+// Whole packets of both full-speed (64-byte) and high-speed (512-byte) chips.
+constexpr unsigned ReadChunkSize = 4096;
 }
 
 TftdiDeviceApi::TftdiDeviceApi() : m_ftdi(ftdi_new()) {}
@@ -43,6 +50,12 @@ bool TftdiDeviceApi::openDevice(libusb_device *device)
 {
     if (ftdi_usb_open_dev(m_ftdi, device) != 0)
         return false;
+    if (ftdi_read_data_set_chunksize(m_ftdi, ReadChunkSize) != 0) {
+        ftdi_usb_close(m_ftdi);
+        return false;
+    }
+    // A chip that keeps its default latency still works; its idle polls last longer.
+    ftdi_set_latency_timer(m_ftdi, LatencyMs);
     m_ftdi->usb_read_timeout = UsbReadTimeoutMs;
     libusb_device_descriptor descriptor {};
     libusb_get_device_descriptor(device, &descriptor);
@@ -95,8 +108,10 @@ bool TftdiDeviceApi::fill()
 {
     if (!m_open)
         return false;
-    std::uint8_t chunk[4096];
+    std::uint8_t chunk[ReadChunkSize];
     int r = ftdi_read_data(m_ftdi, chunk, sizeof chunk);
+    if (r == LIBUSB_ERROR_TIMEOUT)
+        return true; // nothing came; the device is still there
     if (r < 0)
         return false;
     m_readAhead.insert(m_readAhead.end(), chunk, chunk + r);
@@ -133,7 +148,7 @@ int TftdiDeviceApi::queueStatus()
 
 void TftdiDeviceApi::waitForData(std::size_t needed, int periodMs)
 {
-    // Each fill waits up to the short USB read time-out for the device.
+    // Each fill returns within the chip's latency timer.
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(periodMs);
     while (m_readAhead.size() < needed && std::chrono::steady_clock::now() < deadline)
         if (!fill()) {

@@ -220,15 +220,21 @@ void TgenericCommmunicationsModule::onSocketConnect(QTcpSocket *socket)
     m_state = Connected;
 }
 
-void TgenericCommmunicationsModule::openUSB()
+void *TgenericCommmunicationsModule::acquireSlot(int kind)
 {
-    void *slot = m_holder->acquire(QRTcommClass::USB);
+    void *slot = m_holder->acquire(kind);
     if (!slot) {
         m_holder->release();
-        slot = m_holder->acquire(QRTcommClass::USB);
+        slot = m_holder->acquire(kind);
     }
+    return slot;
+}
+
+void TgenericCommmunicationsModule::openUSB()
+{
+    void *slot = acquireSlot(QRTcommClass::USB);
     if (!slot) {
-        show("Error", "A USB handle could not be found.\nOperation Canceled.");
+        m_messages.error("Error", "A USB handle could not be found.\nOperation Canceled.");
         m_holder->release();
         throw TnoDeviceAttachedException();
     }
@@ -253,17 +259,18 @@ void TgenericCommmunicationsModule::adoptUSB(std::unique_ptr<TusbDeviceApi> *slo
 
 int TgenericCommmunicationsModule::openSerial(TtransportParams *parameters)
 {
-    m_serialPort = std::make_unique<TCommPort>();
-    void *slot = m_holder->acquire(QRTcommClass::Serial);
-    if (!slot) {
-        m_holder->release();
-        slot = m_holder->acquire(QRTcommClass::Serial);
-    }
+    void *slot = acquireSlot(QRTcommClass::Serial);
     if (!slot) {
         show("Error", "An Serial connection could not be found.\nOperation Canceled.");
         m_holder->release();
         return -1;
     }
+    return openSerialSlot(slot, parameters);
+}
+
+int TgenericCommmunicationsModule::openSerialSlot(void *slot, TtransportParams *parameters)
+{
+    m_serialPort = std::make_unique<TCommPort>();
     if (!*static_cast<std::unique_ptr<TCommPort> *>(slot)) {
         m_holder->release();
         throw TinitializationException();
@@ -294,41 +301,44 @@ int TgenericCommmunicationsModule::openSerial(TtransportParams *parameters)
     }
 }
 
+TsocketEvent TgenericCommmunicationsModule::socketEventOf(int socketError, bool connecting, TsocketEvent activity)
+{
+    switch (QAbstractSocket::SocketError(socketError)) {
+    case QAbstractSocket::ConnectionRefusedError:
+    case QAbstractSocket::HostNotFoundError:
+        return TsocketEvent::Connect;
+    case QAbstractSocket::NetworkError:
+    case QAbstractSocket::SocketTimeoutError:
+        // A broken or stalled link fails whatever was under way.
+        return connecting ? TsocketEvent::Connect : activity;
+    case QAbstractSocket::RemoteHostClosedError:
+        return TsocketEvent::Disconnect;
+    default:
+        return TsocketEvent::General;
+    }
+}
+
 void TgenericCommmunicationsModule::connectSocketEvents(QTcpSocket *socket)
 {
     QObject::connect(socket, &QTcpSocket::connected, socket, [this, socket] { onSocketConnect(socket); });
     QObject::connect(socket, &QAbstractSocket::errorOccurred, socket, [this, socket](QAbstractSocket::SocketError error) {
-        TsocketEvent event = TsocketEvent::General;
-        switch (error) {
-        case QAbstractSocket::ConnectionRefusedError:
-        case QAbstractSocket::HostNotFoundError:
-        case QAbstractSocket::NetworkError:
-        case QAbstractSocket::SocketTimeoutError:
-            event = m_state == Connecting ? TsocketEvent::Connect : m_socketActivity;
-            break;
-        case QAbstractSocket::RemoteHostClosedError:
-            event = TsocketEvent::Disconnect;
-            break;
-        default:
-            event = m_socketActivity;
-            break;
-        }
         int code = int(error);
-        onSocketError(socket, event, code);
+        onSocketError(socket, socketEventOf(error, m_state == Connecting, m_socketActivity), code);
     });
 }
 
 int TgenericCommmunicationsModule::openEthernet(TtransportParams *parameters)
 {
-    void *slot = m_holder->acquire(QRTcommClass::Socket);
+    void *slot = acquireSlot(QRTcommClass::Socket);
     if (!slot) {
-        m_holder->release();
-        slot = m_holder->acquire(QRTcommClass::Socket);
-    }
-    if (!slot) {
-        show("Error", "An Ethernet connection could not be found.\nOperation Canceled.");
+        m_messages.error("Error", "An Ethernet connection could not be found.\nOperation Canceled.");
         return -1;
     }
+    return openEthernetSlot(slot, parameters);
+}
+
+int TgenericCommmunicationsModule::openEthernetSlot(void *slot, TtransportParams *parameters)
+{
     auto &socket = *static_cast<std::unique_ptr<QTcpSocket> *>(slot);
     if (!socket)
         throw std::runtime_error("Ethernet Connection Error");

@@ -48,6 +48,13 @@ public:
     virtual void openUSB();
     virtual int openSerial(TtransportParams *parameters);
     virtual int openEthernet(TtransportParams *parameters);
+    // The two halves of an open, for callers that report a busy holder themselves:
+    // acquireSlot takes a connection of the kind from the holder (retrying once
+    // after a release) and returns its slot or null; the open*Slot calls open the
+    // transport over a slot so acquired, as openSerial and openEthernet do.
+    void *acquireSlot(int kind);
+    int openSerialSlot(void *slot, TtransportParams *parameters);
+    int openEthernetSlot(void *slot, TtransportParams *parameters);
     virtual void onSocketConnect(QTcpSocket *socket);
 
     virtual int readUSB(std::uint8_t *buffer, std::size_t length);
@@ -78,6 +85,9 @@ public:
 
     // Ethernet message table entry of an event.
     static Message socketMessage(TsocketEvent event);
+    // The event a socket error (a QAbstractSocket::SocketError) stands for;
+    // `activity` is the send or receive under way.
+    static TsocketEvent socketEventOf(int socketError, bool connecting, TsocketEvent activity);
 
 protected:
     void show(const std::string &caption, const std::string &text);

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 struct TsyncTexts {
-    const char *requestStage, *initStage;
+    const char *requestStage, *notFoundText, *initStage;
     const char *sendCaption, *sendText;
     const char *receiveCaption, *receiveText;
     const char *requestCaption;
@@ -18,22 +18,38 @@ namespace {
 const char CommError[] = "A communications error occurred.\r\rOperation Canceled.";
 const char CommTimeout[] = "A communications timeout occurred.\r\rOperation Canceled.";
 
-const TsyncTexts UsbTexts {"Requesting USB Handle", "Initializing USB Connection", "Handshake Failed", CommError,
+const TsyncTexts UsbTexts {"Requesting USB Handle", "A USB handle could not be found.\nOperation Canceled.",
+                           "Initializing USB Connection", "Handshake Failed", CommError,
                            "Invalid Handshake Received.", CommError, "Request for Data Failed",
                            // the handshake caption is reused for data on this path
                            "Invalid Handshake Received.", "Data Transfer Timed Out."};
-const TsyncTexts EthernetTexts {"Requesting Ethernet Connection", "Initializing Ethernet Connection",
+const TsyncTexts EthernetTexts {"Requesting Ethernet Connection",
+                                "An Ethernet connection could not be found.\nOperation Canceled.",
+                                "Initializing Ethernet Connection",
                                 "Ethernet Connection Error",
                                 "An error occurred while attempting to send the handshake.\rOperation Canceled.",
                                 "Ethernet Connection Error",
                                 "An error occurred while attempting to receive the handshake.\rOperation Canceled.",
                                 "Request for Data Failed", "Invalid Data Received.", "Data Timed Out."};
-const TsyncTexts SerialTexts {"Requesting Serial Connection", "Initializing Serial Connection", "Handshake Failed",
+const TsyncTexts SerialTexts {"Requesting Serial Connection",
+                              "An Serial connection could not be found.\nOperation Canceled.",
+                              "Initializing Serial Connection", "Handshake Failed",
                               CommError, "Invalid Handshake Received.", CommError, "Download Failed",
                               "Invalid Data Received.", "Data Transfer Timed Out."};
 
 constexpr int PollMs = 50, Polls = 40;
 constexpr std::size_t BlockSize = 264;
+
+// On the serial path a port failure throws; it counts as a failed write or read
+// of the step it happens in.
+template <typename Step> bool portStep(Step step)
+{
+    try {
+        return step();
+    } catch (const ECommError &) {
+        return false;
+    }
+}
 }
 
 TinstSyncThread::TinstSyncThread(ProgressSink *progress, MessageSink *messages, TsyncCommStruct *record)
@@ -63,7 +79,7 @@ void TinstSyncThread::execute()
 {
     const std::uint8_t mode = TtransferSession::modeOf(m_record->settings.method);
     if (mode == ModeNone) {
-        m_messages->error("Error", "Invalid State!\nOperation Cancelled.");
+        m_messages->error("Error", "Invalid State!\nOperation Cancelled.", MsgModality::System);
         m_progress->setCancelled();
         m_progress->setResult(TransferResult::Cancel);
         return;
@@ -75,25 +91,14 @@ void TinstSyncThread::execute()
                                          *m_messages);
     bool done = false;
     m_progress->setStage(texts.requestStage);
-    if (mode == ModeUSB) {
-        done = openUSB(holder, module);
+    const int kind = mode == ModeUSB ? QRTcommClass::USB : mode == ModeEthernet ? QRTcommClass::Socket
+                                                                                : QRTcommClass::Serial;
+    void *slot = module.acquireSlot(kind);
+    if (!slot) {
+        m_messages->error("Error", texts.notFoundText, MsgModality::System);
     } else {
         m_progress->setStage(texts.initStage);
-        try {
-            // Acquires from the holder and opens; it reports its own failures.
-            done = module.open() == 0;
-        } catch (const ECommError &) {
-            done = false; // shown by the module's serial message table
-        }
-    }
-    if (done) {
-        try {
-            done = exchange(module, texts);
-        } catch (const ECommError &error) {
-            module.close();
-            module.onSerialError(error);
-            done = false;
-        }
+        done = openTransport(module, slot, parameters) && exchange(module, texts);
     }
     if (done) {
         m_progress->setStage("Transfer Complete");
@@ -103,21 +108,26 @@ void TinstSyncThread::execute()
     m_progress->setResult(done ? TransferResult::Ok : TransferResult::Cancel);
 }
 
-bool TinstSyncThread::openUSB(QRTcommClass &holder, TgenericCommmunicationsModule &module)
+bool TinstSyncThread::openTransport(TgenericCommmunicationsModule &module, void *slot, TtransportParams &parameters)
 {
-    void *slot = holder.acquire(QRTcommClass::USB);
-    if (!slot) {
-        holder.release();
-        slot = holder.acquire(QRTcommClass::USB);
+    switch (module.mode()) {
+    case ModeUSB:
+        return openUSB(static_cast<std::unique_ptr<TusbDeviceApi> *>(slot), module);
+    case ModeEthernet:
+        return module.openEthernetSlot(slot, &parameters) == 0;
+    default:
+        try {
+            return module.openSerialSlot(slot, &parameters) == 0;
+        } catch (const ECommError &) {
+            return false; // shown by the module's serial message table
+        }
     }
-    if (!slot) {
-        m_messages->error("Error", "A USB handle could not be found.\nOperation Canceled.", MsgModality::System);
-        return false;
-    }
-    auto *usbSlot = static_cast<std::unique_ptr<TusbDeviceApi> *>(slot);
-    if (!*usbSlot)
+}
+
+bool TinstSyncThread::openUSB(std::unique_ptr<TusbDeviceApi> *usbSlot, TgenericCommmunicationsModule &module)
+{
+    if (!usbSlot || !*usbSlot)
         throw std::runtime_error("Invalid Parameters Passed To USB Initialization Routine");
-    m_progress->setStage(UsbTexts.initStage);
     TusbDeviceApi &device = **usbSlot;
     int count = device.deviceCount();
     if (count <= 0) {
@@ -140,33 +150,51 @@ bool TinstSyncThread::openUSB(QRTcommClass &holder, TgenericCommmunicationsModul
     return false;
 }
 
+TinstSyncThread::Arrival TinstSyncThread::receive(TgenericCommmunicationsModule &module, std::uint8_t *buffer,
+                                                  std::size_t needed, std::size_t clearBytes, bool cancellable)
+{
+    for (int poll = 0; poll < Polls; ++poll) {
+        if (cancellable && m_progress->isCancelled()) {
+            module.close();
+            throw ToperationCancelledException();
+        }
+        bool ready = false;
+        if (!portStep([&] {
+                module.waitForData(needed, PollMs);
+                ready = module.bytesAvailable() >= int(needed);
+                return true;
+            }))
+            return Arrival::Failed;
+        if (ready) {
+            std::memset(buffer, 0, clearBytes);
+            return portStep([&] { return module.read(buffer, needed) == 0; }) ? Arrival::Received : Arrival::Failed;
+        }
+    }
+    return Arrival::TimedOut;
+}
+
 bool TinstSyncThread::exchange(TgenericCommmunicationsModule &module, const TsyncTexts &texts)
 {
     m_progress->setStage("Sending Handshake");
-    if (module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5) != 0) {
+    if (!portStep([&] { return module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5) == 0; })) {
         fail(module, texts.sendCaption, texts.sendText);
         return false;
     }
-    bool valid = false;
-    for (int poll = 0; poll < Polls && !valid; ++poll) {
-        module.waitForData(BlockSize, PollMs);
-        if (module.bytesAvailable() >= int(BlockSize)) {
-            std::uint8_t reply[BlockSize] = {}; // content not examined
-            if (module.read(reply, BlockSize) != 0) {
-                fail(module, texts.receiveCaption, texts.receiveText);
-                return false;
-            }
-            valid = true;
-        }
-    }
-    if (!valid) {
+    std::uint8_t reply[BlockSize]; // content not examined
+    switch (receive(module, reply, BlockSize, BlockSize, false)) {
+    case Arrival::Received:
+        break;
+    case Arrival::Failed:
+        fail(module, texts.receiveCaption, texts.receiveText);
+        return false;
+    case Arrival::TimedOut:
         fail(module, "Handshake Request Timed Out.", CommTimeout);
         return false;
     }
 
     m_progress->setStage("Handshake Valid - Beginning Download");
     m_progress->setStage("Sending Request for Data");
-    if (module.write(reinterpret_cast<const std::uint8_t *>("GUIN\r"), 5) != 0) {
+    if (!portStep([&] { return module.write(reinterpret_cast<const std::uint8_t *>("GUIN\r"), 5) == 0; })) {
         fail(module, texts.requestCaption, CommError);
         return false;
     }
@@ -175,24 +203,14 @@ bool TinstSyncThread::exchange(TgenericCommmunicationsModule &module, const Tsyn
     // complete, the last one only as far as the image goes.
     for (std::size_t i = 0; i < TsyncCommStruct::ChunkCount && i * TsyncCommStruct::ChunkSize < ImageBytes; ++i) {
         const std::size_t needed = std::min(TsyncCommStruct::ChunkSize, ImageBytes - i * TsyncCommStruct::ChunkSize);
-        std::uint8_t *chunk = m_record->area + i * TsyncCommStruct::ChunkSize;
-        bool received = false;
-        for (int poll = 0; poll < Polls && !received; ++poll) {
-            if (m_progress->isCancelled()) {
-                module.close();
-                throw ToperationCancelledException();
-            }
-            module.waitForData(needed, PollMs);
-            if (module.bytesAvailable() >= int(needed)) {
-                std::memset(chunk, 0, TsyncCommStruct::ChunkSize);
-                if (module.read(chunk, needed) != 0) {
-                    fail(module, texts.dataCaption, CommError);
-                    return false;
-                }
-                received = true;
-            }
-        }
-        if (!received) {
+        switch (receive(module, m_record->area + i * TsyncCommStruct::ChunkSize, needed, TsyncCommStruct::ChunkSize,
+                        true)) {
+        case Arrival::Received:
+            break;
+        case Arrival::Failed:
+            fail(module, texts.dataCaption, CommError);
+            return false;
+        case Arrival::TimedOut:
             fail(module, texts.timeoutCaption, CommTimeout);
             return false;
         }

@@ -7,7 +7,10 @@
 #include "TsyncCommStruct.h"
 #include <QThread>
 
-class QRTcommClass;
+#include "TtransportParams.h"
+#include "TusbDeviceApi.h"
+#include <memory>
+
 class TgenericCommmunicationsModule;
 struct TsyncTexts;
 
@@ -23,9 +26,17 @@ protected:
     void run() override;
 
 private:
+    enum class Arrival { Received, Failed, TimedOut };
+
     void execute();
+    // Opens the transport over the acquired slot; false after its message.
+    bool openTransport(TgenericCommmunicationsModule &module, void *slot, TtransportParams &parameters);
     // Finds the analyzer among the USB devices; false after its message.
-    bool openUSB(QRTcommClass &holder, TgenericCommmunicationsModule &module);
+    bool openUSB(std::unique_ptr<TusbDeviceApi> *slot, TgenericCommmunicationsModule &module);
+    // Up to 40 polls of 50 ms for `needed` bytes; clears clearBytes of the buffer and
+    // reads them once pending. Checks the cancel flag before each poll when asked.
+    Arrival receive(TgenericCommmunicationsModule &module, std::uint8_t *buffer, std::size_t needed,
+                    std::size_t clearBytes, bool cancellable);
     // Handshake and data over an open module; false after its message.
     bool exchange(TgenericCommmunicationsModule &module, const TsyncTexts &texts);
     void fail(TgenericCommmunicationsModule &module, const char *caption, const char *text);

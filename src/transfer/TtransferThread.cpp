@@ -46,7 +46,7 @@ void TtransferThread::execute()
     m_progress->setStage("Initializing");
     std::uint8_t mode = TtransferSession::modeOf(m_record->settings().method);
     if (mode == ModeNone) {
-        m_messages->error("Error", "Invalid State!\nOperation Cancelled.");
+        m_messages->error("Error", "Invalid State!\nOperation Cancelled.", MsgModality::System);
         m_progress->setCancelled();
         m_progress->setResult(TransferResult::Cancel);
         return;

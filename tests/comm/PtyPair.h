@@ -16,16 +16,36 @@ public:
         grantpt(master);
         unlockpt(master);
         slavePath = ptsname(master);
-        // Keep the line raw so bytes pass unchanged in both directions.
-        int slave = ::open(slavePath.c_str(), O_RDWR | O_NOCTTY);
+        // Keep the line raw so bytes pass unchanged in both directions. The slave
+        // stays open here too, so the master never sees a hang-up while the port
+        // under test is closed.
+        m_slave = ::open(slavePath.c_str(), O_RDWR | O_NOCTTY);
         termios tio {};
-        tcgetattr(slave, &tio);
+        tcgetattr(m_slave, &tio);
         cfmakeraw(&tio);
-        tcsetattr(slave, TCSANOW, &tio);
-        ::close(slave);
+        tcsetattr(m_slave, TCSANOW, &tio);
     }
-    ~PtyPair() { ::close(master); }
-    void send(const std::string &bytes) { (void)!::write(master, bytes.data(), bytes.size()); }
+    ~PtyPair() { hangUp(); }
+    // Writes all bytes; a terminal takes a few KB at a time, so this may wait for the reader.
+    void send(const std::string &bytes)
+    {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            ssize_t r = ::write(master, bytes.data() + done, bytes.size() - done);
+            if (r <= 0)
+                return;
+            done += std::size_t(r);
+        }
+    }
+    // Closes the master side: the slave's line hangs up.
+    void hangUp()
+    {
+        if (master >= 0)
+            ::close(master);
+        if (m_slave >= 0)
+            ::close(m_slave);
+        master = m_slave = -1;
+    }
     // Reads exactly n bytes from the master side, waiting up to 5 s.
     std::string receive(std::size_t n)
     {
@@ -44,4 +64,7 @@ public:
     }
     int master = -1;
     std::string slavePath;
+
+private:
+    int m_slave = -1;
 };

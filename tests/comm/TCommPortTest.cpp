@@ -2,6 +2,8 @@
 #include "TCommPort.h"
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
+#include <thread>
+#include <vector>
 
 namespace {
 constexpr int PtyPort = 200;
@@ -107,6 +109,63 @@ TEST_F(TCommPortTest, PendingCountIsInputQueue)
     for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
         port.WaitReadable(10);
     EXPECT_EQ(port.BytesAvailable(), 5u);
+}
+
+// A sync chunk is 4224 bytes, more than a terminal queues (about 4 KB): the port's
+// own input queue must hold it all and report it as pending.
+TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
+{
+    port.OpenCommPort();
+    std::string chunk(4224, '\0');
+    for (std::size_t i = 0; i < chunk.size(); ++i)
+        chunk[i] = char(i * 31 + i / 256);
+    std::thread peer([&] { pty.send(chunk); });
+    for (int i = 0; i < 500 && port.BytesAvailable() < chunk.size(); ++i)
+        port.WaitReadable(10);
+    peer.join();
+    EXPECT_EQ(port.BytesAvailable(), 4224u);
+    std::vector<std::uint8_t> buffer(4224);
+    ASSERT_EQ(port.ReadBytes(buffer.data(), buffer.size()), 4224u);
+    EXPECT_EQ(std::string(buffer.begin(), buffer.end()), chunk);
+    EXPECT_EQ(port.BytesAvailable(), 0u);
+}
+
+TEST_F(TCommPortTest, QueuedBytesComeBeforeLaterOnesAndCloseDropsThem)
+{
+    port.OpenCommPort();
+    pty.send("first");
+    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
+        port.WaitReadable(10);
+    pty.send("second");
+    std::uint8_t buffer[11] = {};
+    EXPECT_EQ(port.ReadBytes(buffer, 11), 11u);
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 11), "firstsecond");
+
+    pty.send("stale");
+    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
+        port.WaitReadable(10);
+    port.CloseCommPort();
+    port.OpenCommPort();
+    EXPECT_EQ(port.BytesAvailable(), 0u);
+}
+
+// The exclusive mark stays with the terminal after its descriptor closes unless
+// it is taken off.
+TEST_F(TCommPortTest, CloseGivesUpExclusiveUse)
+{
+    auto exclusive = [&] {
+        int fd = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        if (fd < 0)
+            return errno == EBUSY; // not privileged: the mark refuses the open
+        int flag = 0;
+        ::ioctl(fd, TIOCGEXCL, &flag);
+        ::close(fd);
+        return flag != 0;
+    };
+    port.OpenCommPort();
+    EXPECT_TRUE(exclusive());
+    port.CloseCommPort();
+    EXPECT_FALSE(exclusive());
 }
 
 TEST_F(TCommPortTest, ShortReadReturnsCountAndPutsNulAfterData)

@@ -1,4 +1,5 @@
 #include "FakeUsbDevice.h"
+#include "LoopbackAddress.h"
 #include "PtyPair.h"
 #include "RecordingMessageSink.h"
 #include "TgenericCommmunicationsModule.h"
@@ -100,12 +101,34 @@ TEST_F(ModuleFixture, FailedInitializeClearsModeAndThrowsUninitialized)
 TEST_F(ModuleFixture, SerialOpensThroughPortOverrideAt19200)
 {
     PtyPair pty;
+    // Start from a cooked 9600 7E2 line so every setting has to be made.
+    termios line {};
+    ASSERT_EQ(tcgetattr(pty.master, &line), 0);
+    line.c_iflag |= ICRNL | IXON;
+    line.c_oflag |= OPOST;
+    line.c_lflag |= ICANON | ECHO | ISIG | IEXTEN;
+    line.c_cflag = (line.c_cflag & ~CSIZE) | CS7 | PARENB | CSTOPB;
+    cfsetspeed(&line, B9600);
+    ASSERT_EQ(tcsetattr(pty.master, TCSANOW, &line), 0);
+
     TCommPort::setPortOverrides({{201, pty.slavePath}});
     TtransportParams serial = TtransportParams::makeSerial(201);
     EXPECT_STREQ(serial.serial.portName, "COM201");
     TgenericCommmunicationsModule module(&holder, ModeSerial, 2000, 264, &serial, messages);
     EXPECT_EQ(module.open(), 0);
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
+
+    ASSERT_EQ(tcgetattr(pty.master, &line), 0); // the master reports the slave's line
+    EXPECT_EQ(cfgetispeed(&line), speed_t(B19200));
+    EXPECT_EQ(cfgetospeed(&line), speed_t(B19200));
+    EXPECT_EQ(line.c_cflag & CSIZE, tcflag_t(CS8));
+    EXPECT_EQ(line.c_cflag & (PARENB | CSTOPB), 0u);
+    EXPECT_EQ(line.c_cflag & (CREAD | CLOCAL), tcflag_t(CREAD | CLOCAL));
+    EXPECT_EQ(line.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), 0u);
+    EXPECT_EQ(line.c_iflag & (ICRNL | IXON | ISTRIP), 0u);
+    EXPECT_EQ(line.c_oflag & OPOST, 0u);
+    EXPECT_EQ(line.c_cc[VMIN], 0);
+    EXPECT_EQ(line.c_cc[VTIME], 0);
     EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5), 0);
     EXPECT_EQ(pty.receive(5), "GESI\r");
     pty.send("*\r");
@@ -162,8 +185,9 @@ TEST(EthernetMessageTable, TextsPerEvent)
 TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
 {
     QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress("127.0.1.2"), AnalyzerTcpPort));
-    TtransportParams ethernet = TtransportParams::makeEthernet(127, 0, 1, 2);
+    const LoopbackAddress address(2);
+    ASSERT_TRUE(server.listen(QHostAddress(QString::fromStdString(address.text())), AnalyzerTcpPort));
+    TtransportParams ethernet = address.ethernet();
     TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
     EXPECT_EQ(module.open(), 0);
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
@@ -186,11 +210,35 @@ TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
     EXPECT_TRUE(messages.messages.empty());
 }
 
+TEST(EthernetEvents, SocketErrorsMapToTheirEvents)
+{
+    using M = TgenericCommmunicationsModule;
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::ConnectionRefusedError, true, TsocketEvent::General),
+              TsocketEvent::Connect);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::HostNotFoundError, true, TsocketEvent::General),
+              TsocketEvent::Connect);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::SocketTimeoutError, true, TsocketEvent::General),
+              TsocketEvent::Connect);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::RemoteHostClosedError, false, TsocketEvent::Receive),
+              TsocketEvent::Disconnect);
+    // A broken link fails the send or receive under way.
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, false, TsocketEvent::Send), TsocketEvent::Send);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, false, TsocketEvent::Receive), TsocketEvent::Receive);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, true, TsocketEvent::Receive), TsocketEvent::Connect);
+    // Anything else is general, whatever was under way.
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::ProxyConnectionRefusedError, false, TsocketEvent::Send),
+              TsocketEvent::General);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::UnknownSocketError, false, TsocketEvent::Receive),
+              TsocketEvent::General);
+    EXPECT_EQ(M::socketEventOf(QAbstractSocket::SocketResourceError, true, TsocketEvent::Receive),
+              TsocketEvent::General);
+}
+
 // The one slow case of this program: a refused connect is reported by the error
 // event, leaves the state at 0, and the connect then runs out of its 201 polls.
 TEST_F(ModuleFixture, EthernetRefusedConnectReportsThenTimesOut)
 {
-    TtransportParams ethernet = TtransportParams::makeEthernet(127, 0, 1, 1);
+    TtransportParams ethernet = LoopbackAddress(1).ethernet();
     TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
     EXPECT_THROW(module.open(), TcommTimeoutException);
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Idle);

@@ -1,11 +1,13 @@
-// The checkitem sync worker against the real simulator over TCP.
+// The checkitem sync worker against the real simulator, over TCP and over a
+// pseudo-terminal (where a 4224-byte chunk is more than the terminal queues).
 #include "TransferRun.h"
 #include <gtest/gtest.h>
 
-TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
+namespace {
+void syncReplacesTheDatabase(SimulatorUnderTest::Link link)
 {
     const KnownImages memory = KnownDataSet::images(4);
-    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, memory);
+    SimulatorUnderTest sim(link, memory);
     ASSERT_TRUE(sim.ready());
     RecordingProgressSink progress;
     RecordingMessageSink messages;
@@ -25,4 +27,15 @@ TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
     synced.checkitems[7].assign('Q', 'q', "replaced by the sync");
     record->copyInto(synced.checkitems);
     EXPECT_TRUE(KnownDataSet::snapshot(synced) == KnownDataSet::snapshot(DataSet{expected.checkitems, {}, {}, {}}));
+}
+}
+
+TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
+{
+    syncReplacesTheDatabase(SimulatorUnderTest::Link::Tcp);
+}
+
+TEST(SyncEndToEnd, CheckitemImageArrivesOverASerialLine)
+{
+    syncReplacesTheDatabase(SimulatorUnderTest::Link::Pty);
 }

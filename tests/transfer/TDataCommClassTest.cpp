@@ -1,3 +1,4 @@
+#include "../comm/LoopbackAddress.h"
 #include "FakeAnalyzerPeer.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
@@ -17,10 +18,10 @@ std::string pattern(std::size_t blocks)
     return data;
 }
 
-// An engine over an Ethernet module connected to the peer at 127.0.2.<test>.
+// An engine over an Ethernet module aimed at the peer of LoopbackAddress(test).
 struct EngineLink {
     explicit EngineLink(int test)
-        : parameters(TtransportParams::makeEthernet(127, 0, 2, std::uint8_t(test))),
+        : parameters(LoopbackAddress(test).ethernet()),
           module(&holder, ModeEthernet, 2000, 264, &parameters, progress, messages),
           engine(&holder, ModeEthernet, 2000, 264, &parameters, &module, false, messages)
     {
@@ -66,7 +67,7 @@ TEST(TDataCommClassArguments, ZeroLengthsAndMissingBlockSize)
 TEST(TDataCommClassGet, ReceivesBlocksByteExactAndMovesBarTo90)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer("127.0.2.1", [&](FakeAnalyzerPeer &p) {
+    FakeAnalyzerPeer peer(LoopbackAddress(1).text(), [&](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(data);
     });
@@ -84,7 +85,7 @@ TEST(TDataCommClassGet, ReceivesBlocksByteExactAndMovesBarTo90)
 
 TEST(TDataCommClassGet, CancelBetweenBlocksThrows)
 {
-    FakeAnalyzerPeer peer("127.0.2.2", [&](FakeAnalyzerPeer &p) {
+    FakeAnalyzerPeer peer(LoopbackAddress(2).text(), [&](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(pattern(3));
     });
@@ -100,7 +101,8 @@ TEST(TDataCommClassGet, CancelBetweenBlocksThrows)
 TEST(TDataCommClassPut, SendsCommandThenBlocksWithAcks)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer("127.0.2.3", [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
+    FakeAnalyzerPeer peer(LoopbackAddress(3).text(),
+                          [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
     EngineLink link(3);
     ASSERT_EQ(link.engine.open(), 0);
     EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), 3), 0);
@@ -114,17 +116,17 @@ TEST(TDataCommClassPut, CommandAckIsLenient)
 {
     const std::string data = pattern(1);
     // "C\r": the second byte is CR; "*Z": the first byte is '*'. Both accept.
-    FakeAnalyzerPeer first("127.0.2.4", [&](FakeAnalyzerPeer &p) { answerPut(p, "C\r", {"*\r"}); });
+    FakeAnalyzerPeer first(LoopbackAddress(4).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "C\r", {"*\r"}); });
     EngineLink a(4);
     ASSERT_EQ(a.engine.open(), 0);
     EXPECT_EQ(a.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), 0);
 
-    FakeAnalyzerPeer second("127.0.2.5", [&](FakeAnalyzerPeer &p) { answerPut(p, "*Z", {"*\r"}); });
+    FakeAnalyzerPeer second(LoopbackAddress(5).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*Z", {"*\r"}); });
     EngineLink b(5);
     ASSERT_EQ(b.engine.open(), 0);
     EXPECT_EQ(b.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), 0);
 
-    FakeAnalyzerPeer third("127.0.2.6", [&](FakeAnalyzerPeer &p) { answerPut(p, "ZZ", {}); });
+    FakeAnalyzerPeer third(LoopbackAddress(6).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "ZZ", {}); });
     EngineLink c(6);
     ASSERT_EQ(c.engine.open(), 0);
     EXPECT_EQ(c.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), -2);
@@ -136,19 +138,19 @@ TEST(TDataCommClassPut, CommandAckIsLenient)
 TEST(TDataCommClassPut, BlockAcksAreStrict)
 {
     const std::string data = pattern(2);
-    FakeAnalyzerPeer early("127.0.2.7", [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"*\r"}); });
+    FakeAnalyzerPeer early(LoopbackAddress(7).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"*\r"}); });
     EngineLink a(7);
     ASSERT_EQ(a.engine.open(), 0);
     EXPECT_EQ(a.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
     early.join();
     EXPECT_EQ(early.received, "PUIN\r" + data.substr(0, 264));
 
-    FakeAnalyzerPeer late("127.0.2.8", [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r"}); });
+    FakeAnalyzerPeer late(LoopbackAddress(8).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r"}); });
     EngineLink b(8);
     ASSERT_EQ(b.engine.open(), 0);
     EXPECT_EQ(b.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
 
-    FakeAnalyzerPeer noCr("127.0.2.9", [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\n"}); });
+    FakeAnalyzerPeer noCr(LoopbackAddress(9).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\n"}); });
     EngineLink c(9);
     ASSERT_EQ(c.engine.open(), 0);
     EXPECT_EQ(c.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
@@ -157,7 +159,8 @@ TEST(TDataCommClassPut, BlockAcksAreStrict)
 TEST(TDataCommClassPut, CancelBetweenBlocksStopsSending)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer("127.0.2.10", [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
+    FakeAnalyzerPeer peer(LoopbackAddress(10).text(),
+                          [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
     EngineLink link(10);
     link.progress.cancelAtPosition = 63;
     ASSERT_EQ(link.engine.open(), 0);

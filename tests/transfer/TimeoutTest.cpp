@@ -1,4 +1,5 @@
 // The slow cases, kept together: each waits out a documented time-out (about 2 s).
+#include "../comm/LoopbackAddress.h"
 #include "FakeAnalyzerPeer.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
@@ -16,14 +17,14 @@ const Message TimeoutBox {"Error", "Timeout Error.\nOperation Canceled.", MsgIco
 
 TEST(Timeouts, MissingDownloadBlockAfter40PollsClosesAndThrows)
 {
-    FakeAnalyzerPeer peer("127.0.4.1", [](FakeAnalyzerPeer &p) {
+    FakeAnalyzerPeer peer(LoopbackAddress(31).text(), [](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(std::string(100, 'x')); // part of a block only
     });
     RecordingProgressSink progress;
     RecordingMessageSink messages;
     QRTcommClass holder;
-    TtransportParams parameters = TtransportParams::makeEthernet(127, 0, 4, 1);
+    TtransportParams parameters = LoopbackAddress(31).ethernet();
     TprogressCommModule module(&holder, ModeEthernet, 2000, 264, &parameters, progress, messages);
     TDataCommClass engine(&holder, ModeEthernet, 2000, 264, &parameters, &module, false, messages);
     ASSERT_EQ(engine.open(), 0);
@@ -34,7 +35,7 @@ TEST(Timeouts, MissingDownloadBlockAfter40PollsClosesAndThrows)
 
 TEST(Timeouts, UnacknowledgedFirstBlockFailsTheUpload)
 {
-    FakeAnalyzerPeer peer("127.0.4.2", [](FakeAnalyzerPeer &p) {
+    FakeAnalyzerPeer peer(LoopbackAddress(32).text(), [](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(std::string(264, 'H'));
         p.read(5);
@@ -46,9 +47,11 @@ TEST(Timeouts, UnacknowledgedFirstBlockFailsTheUpload)
     RecordingMessageSink messages;
     auto record = std::make_unique<TuploadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
     record->settings().method = std::uint8_t(TcommMethod::Ethernet);
-    record->settings().ip[0] = 127;
-    record->settings().ip[2] = 4;
-    record->settings().ip[3] = 2;
+    const LoopbackAddress address(32);
+    record->settings().ip[0] = address.a;
+    record->settings().ip[1] = address.b;
+    record->settings().ip[2] = address.c;
+    record->settings().ip[3] = address.d;
     record->data.selection = SelectAll;
     int context = 0;
     TuploadThread worker(&context, &progress, &messages, record.get());

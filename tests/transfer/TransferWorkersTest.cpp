@@ -1,4 +1,5 @@
 #include "../comm/FakeUsbDevice.h"
+#include "../comm/LoopbackAddress.h"
 #include "FakeAnalyzerPeer.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
@@ -11,7 +12,8 @@
 namespace {
 const Message CommunicationsFailed {"Error", "Could not establish communications with analyzer.\nOperation Canceled.",
                                     MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
-const Message InvalidState {"Error", "Invalid State!\nOperation Cancelled."};
+const Message InvalidState {"Error", "Invalid State!\nOperation Cancelled.", MsgIcon::Stop, MsgButtons::Ok,
+                            MsgModality::System};
 
 AnalyzerImages analyzerImages()
 {
@@ -41,13 +43,18 @@ AnalyzerImages analyzerImages()
     return images;
 }
 
+void aimAt(TcommSettings &settings, const LoopbackAddress &address)
+{
+    settings.ip[0] = address.a;
+    settings.ip[1] = address.b;
+    settings.ip[2] = address.c;
+    settings.ip[3] = address.d;
+}
+
 template <typename Record> void useEthernet(Record &record, int test, std::uint8_t selection)
 {
     record.settings().method = std::uint8_t(TcommMethod::Ethernet);
-    record.settings().ip[0] = 127;
-    record.settings().ip[1] = 0;
-    record.settings().ip[2] = 3;
-    record.settings().ip[3] = test;
+    aimAt(record.settings(), LoopbackAddress(test));
     record.data.selection = selection;
 }
 
@@ -113,11 +120,11 @@ TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
 TEST(DownloadWorker, AllSetsArriveInOrderAndReplaceTheContainers)
 {
     AnalyzerImages images = analyzerImages();
-    FakeAnalyzerPeer peer("127.0.3.1", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(21).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     WorkerRun run;
     auto record = std::make_unique<TdownloadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
                                                         &run.set.inspections);
-    useEthernet(*record, 1, SelectAll);
+    useEthernet(*record, 21, SelectAll);
     TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
     worker.start();
     worker.wait();
@@ -163,13 +170,13 @@ TEST(DownloadWorker, AllSetsArriveInOrderAndReplaceTheContainers)
 TEST(DownloadWorker, OnlyChecklistsLeavesOtherSetsAlone)
 {
     AnalyzerImages images = analyzerImages();
-    FakeAnalyzerPeer peer("127.0.3.2", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(22).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     WorkerRun run;
     run.set.inspections.resize(3);
     run.set.checkitems[5].assign('B', 'P', "keep me");
     auto record = std::make_unique<TdownloadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
                                                         &run.set.inspections);
-    useEthernet(*record, 2, SelectChecklists);
+    useEthernet(*record, 22, SelectChecklists);
     std::memset(record->data.checkitems, 0x77, sizeof record->data.checkitems);
     TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
     worker.start();
@@ -188,12 +195,12 @@ TEST(DownloadWorker, OnlyChecklistsLeavesOtherSetsAlone)
 TEST(DownloadWorker, CancelDuringCheckitemsReportsCancelled)
 {
     AnalyzerImages images = analyzerImages();
-    FakeAnalyzerPeer peer("127.0.3.3", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(23).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     WorkerRun run;
     run.progress.cancelAtPosition = 51; // within the 174 checkitem blocks
     auto record = std::make_unique<TdownloadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
                                                         &run.set.inspections);
-    useEthernet(*record, 3, SelectAll);
+    useEthernet(*record, 23, SelectAll);
     TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
     worker.start();
     worker.wait();
@@ -207,7 +214,7 @@ TEST(DownloadWorker, CancelDuringCheckitemsReportsCancelled)
 TEST(UploadWorker, SendsEveryAreaAsPacked)
 {
     AnalyzerImages images;
-    FakeAnalyzerPeer peer("127.0.3.4", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(24).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     WorkerRun run;
     run.set.checkitems[0].assign('C', 'T', "Visual check");
     run.set.checklists.makeUnused();
@@ -217,7 +224,7 @@ TEST(UploadWorker, SendsEveryAreaAsPacked)
         tester.sequences.resize(12);
     auto record = std::make_unique<TuploadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
                                                       &run.set.inspections);
-    useEthernet(*record, 4, SelectAll);
+    useEthernet(*record, 24, SelectAll);
     TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
     worker.start();
     worker.wait();
@@ -239,11 +246,11 @@ TEST(UploadWorker, WrongAckAtBlock10StopsTheUpload)
 {
     AnalyzerImages images;
     images.wrongAckAtBlock = 10;
-    FakeAnalyzerPeer peer("127.0.3.5", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(25).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     WorkerRun run;
     auto record = std::make_unique<TuploadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
                                                       &run.set.inspections);
-    useEthernet(*record, 5, SelectAll);
+    useEthernet(*record, 25, SelectAll);
     TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
     worker.start();
     worker.wait();
@@ -258,14 +265,12 @@ TEST(UploadWorker, WrongAckAtBlock10StopsTheUpload)
 TEST(SyncWorker, EthernetReadsTheCheckitemImageInChunks)
 {
     AnalyzerImages images = analyzerImages();
-    FakeAnalyzerPeer peer("127.0.3.6", [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
+    FakeAnalyzerPeer peer(LoopbackAddress(26).text(), [&](FakeAnalyzerPeer &p) { runAnalyzer(p, images); });
     RecordingProgressSink progress;
     RecordingMessageSink messages;
     auto record = std::make_unique<TsyncCommStruct>();
     record->settings.method = std::uint8_t(TcommMethod::Ethernet);
-    record->settings.ip[0] = 127;
-    record->settings.ip[2] = 3;
-    record->settings.ip[3] = 6;
+    aimAt(record->settings, LoopbackAddress(26));
     TinstSyncThread worker(&progress, &messages, record.get());
     worker.start();
     worker.wait();
@@ -331,4 +336,19 @@ TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
                                       MsgIcon::Stop, MsgButtons::Ok, MsgModality::System},
                                      {"Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.",
                                       MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
+}
+
+TEST(SyncWorker, InvalidMethodCancelsWithoutConnecting)
+{
+    RecordingProgressSink progress;
+    RecordingMessageSink messages;
+    auto record = std::make_unique<TsyncCommStruct>();
+    record->settings.method = 3;
+    TinstSyncThread worker(&progress, &messages, record.get());
+    worker.start();
+    worker.wait();
+    EXPECT_EQ(messages.messages, std::vector<Message> {InvalidState});
+    EXPECT_TRUE(progress.cancelled);
+    EXPECT_TRUE(progress.stages.empty());
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
 }

@@ -1,0 +1,143 @@
+// The checkitem sync over a serial port, with the test playing the analyzer on a
+// pseudo-terminal reached as COM210.
+#include "../comm/PtyPair.h"
+#include "RecordingMessageSink.h"
+#include "RecordingProgressSink.h"
+#include "TCommPort.h"
+#include "TransferWorkers.h"
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <thread>
+
+namespace {
+constexpr int SyncPort = 210;
+const char CommError[] = "A communications error occurred.\r\rOperation Canceled.";
+
+// Runs a callback when the worker reaches a stage or a bar position.
+class HookedProgressSink : public RecordingProgressSink {
+public:
+    void setStage(const std::string &text) override
+    {
+        RecordingProgressSink::setStage(text);
+        if (text == atStage && hook)
+            hook();
+    }
+    void setPosition(int percent) override
+    {
+        RecordingProgressSink::setPosition(percent);
+        if (percent == atPosition && hook)
+            hook();
+    }
+    std::string atStage;
+    int atPosition = -1;
+    std::function<void()> hook;
+};
+
+std::string checkitemImage()
+{
+    std::string image(45936, '\0');
+    for (std::size_t i = 0; i < image.size(); ++i)
+        image[i] = char((i * 13 + i / 44) & 0xFF);
+    return image;
+}
+
+struct SerialSync : ::testing::Test {
+    void SetUp() override
+    {
+        TCommPort::setPortOverrides({{SyncPort, pty.slavePath}});
+        record->settings.method = std::uint8_t(TcommMethod::Serial);
+        record->settings.serialPort = SyncPort;
+    }
+    void TearDown() override
+    {
+        if (analyzer.joinable())
+            analyzer.join();
+        TCommPort::setPortOverrides({});
+    }
+    // The analyzer answers the handshake, then "GUIN\r" with `image`.
+    void answer(std::string image)
+    {
+        analyzer = std::thread([this, image] {
+            if (pty.receive(5) != "GESI\r")
+                return;
+            pty.send(std::string(264, 'H'));
+            if (image.empty() || pty.receive(5) != "GUIN\r")
+                return;
+            pty.send(image);
+        });
+    }
+    void run()
+    {
+        TinstSyncThread worker(&progress, &messages, record.get());
+        worker.start();
+        worker.wait();
+    }
+    Message box(const std::string &caption, const std::string &text)
+    {
+        return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
+    }
+
+    PtyPair pty;
+    std::thread analyzer;
+    HookedProgressSink progress;
+    RecordingMessageSink messages;
+    std::unique_ptr<TsyncCommStruct> record = std::make_unique<TsyncCommStruct>();
+};
+}
+
+TEST_F(SerialSync, ReadsTheCheckitemImageInChunks)
+{
+    const std::string image = checkitemImage();
+    answer(image);
+    run();
+    EXPECT_TRUE(messages.messages.empty());
+    EXPECT_EQ(progress.stages, (std::vector<std::string> {"Requesting Serial Connection",
+                                                          "Initializing Serial Connection", "Sending Handshake",
+                                                          "Handshake Valid - Beginning Download",
+                                                          "Sending Request for Data", "Transfer Complete"}));
+    EXPECT_EQ(progress.positions, (std::vector<int> {50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
+    EXPECT_TRUE(std::string(reinterpret_cast<char *>(record->area), 45936) == image);
+    EXPECT_TRUE(std::string(reinterpret_cast<char *>(record->area) + 45936, 67584 - 45936)
+                == std::string(21648, '\0'));
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Ok});
+}
+
+// A port failure in a step shows that step's box, not the port's error table.
+TEST_F(SerialSync, LineLostBeforeTheRequestIsDownloadFailed)
+{
+    answer({});
+    progress.atStage = "Handshake Valid - Beginning Download";
+    progress.hook = [this] {
+        analyzer.join();
+        pty.hangUp();
+    };
+    run();
+    EXPECT_EQ(messages.messages, std::vector<Message> {box("Download Failed", CommError)});
+    EXPECT_EQ(progress.stages.back(), "Sending Request for Data");
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
+}
+
+TEST_F(SerialSync, LineLostDuringTheDataIsInvalidDataReceived)
+{
+    answer(checkitemImage().substr(0, 100));
+    progress.atPosition = 50;
+    progress.hook = [this] {
+        analyzer.join();
+        pty.hangUp();
+    };
+    run();
+    EXPECT_EQ(messages.messages, std::vector<Message> {box("Invalid Data Received.", CommError)});
+    EXPECT_EQ(progress.positions, std::vector<int> {50});
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
+}
+
+TEST_F(SerialSync, MissingPortShowsTheSerialTableAfterTheRequest)
+{
+    TCommPort::setPortOverrides({{SyncPort, "/nonexistent/tty"}});
+    run();
+    EXPECT_EQ(messages.messages, (std::vector<Message> {{"Serial Port Error", "Open Error!"}}));
+    EXPECT_EQ(progress.stages,
+              (std::vector<std::string> {"Requesting Serial Connection", "Initializing Serial Connection"}));
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
+}
