@@ -19,7 +19,7 @@ BenchSimulator::BenchSimulator(bool pty, int baud) : m_pty(pty)
         TCommPort::setPortOverrides({{PtyComPort, m_link}});
     } else {
         // Away from the addresses the tests use.
-        m_address = "127.192." + std::to_string(::getpid() & 255) + ".1";
+        m_address = "127.16." + std::to_string(::getpid() & 255) + ".1"; // apart from the tests' ranges
         arguments << "--listen" << QString::fromStdString(m_address + ":60601");
     }
     if (baud > 0)

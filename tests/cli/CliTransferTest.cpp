@@ -25,10 +25,12 @@ protected:
     static fs::path demoData() { return fs::path(KT930_TEST_APPDIR) / "Data"; }
     fs::path pcData(const std::string &name) const { return temp / "pc/Data" / name; }
 
-    // Its own loopback address, apart from the other test programs' ranges.
+    // Its own loopback address: 127.32-63.x.y is no other test program's range.
     static std::string address(int test)
     {
-        return "127.200." + std::to_string(::getpid() & 255) + "." + std::to_string(test);
+        const int pid = ::getpid();
+        return "127." + std::to_string(32 + (pid >> 8) % 32) + "." + std::to_string(pid & 255) + "."
+            + std::to_string(test);
     }
 
     std::unique_ptr<TsimProcess> startSimulator(const std::string &at)
