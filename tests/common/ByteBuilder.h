@@ -1,6 +1,6 @@
 #pragma once
-// Builds file bytes from the documented layouts, independently of the writers
-// under test: .asq headers and records, 44-byte checkitem records.
+// Builds file and analyzer image bytes from the documented layouts, independently
+// of the writers under test: .asq headers and records, 44-byte checkitem records.
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -10,6 +10,17 @@ namespace ByteBuilder {
 inline std::string le16(std::uint16_t v)
 {
     return std::string{static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)};
+}
+
+// Writes bytes over an image at an offset (the image is already sized).
+inline void putText(std::string &image, std::size_t offset, const std::string &text)
+{
+    image.replace(offset, text.size(), text);
+}
+
+inline void putWord(std::string &image, std::size_t offset, std::uint16_t value)
+{
+    putText(image, offset, le16(value));
 }
 
 // A text field of `width` bytes: the text, then zeros.

@@ -119,6 +119,18 @@ TEST_F(FailedTransfer, WrongBlockAckStopsTheUploadAndTheAnalyzerKeepsItsMemory)
     EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == memory.memoryFile());
 }
 
+TEST_F(FailedTransfer, UnacknowledgedFirstBlockTimesOutTheUpload)
+{
+    SimulatorUnderTest sim(Link::Tcp, memory, {"no-ack-block=0@PUIN"});
+    ASSERT_TRUE(sim.ready());
+    auto record = run.uploadRecord(SelectAll);
+    sim.aim(record->settings());
+    TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
+    ASSERT_TRUE(runToEnd(worker));
+    EXPECT_EQ(run.messages.messages, std::vector<Message>{TimeoutError});
+    EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+}
+
 TEST_F(FailedTransfer, ConnectionClosedInTheMiddleOfAnUpload)
 {
     SimulatorUnderTest sim(Link::Tcp, memory, {"close-at-block=3@PASQ"});

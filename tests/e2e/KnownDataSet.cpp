@@ -1,5 +1,8 @@
 #include "KnownDataSet.h"
 
+using ByteBuilder::putText;
+using ByteBuilder::putWord;
+
 namespace {
 constexpr std::size_t Checkitems = 1044, Checklists = 500, Inspections = 18, Testers = 5, PerTester = 12;
 

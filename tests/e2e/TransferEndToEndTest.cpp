@@ -61,6 +61,12 @@ void checkDownload(Link link, std::uint8_t selection)
     EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Ok});
     EXPECT_EQ(run.progress.stages, stagesFor(false, selection));
     EXPECT_EQ(run.progress.positions.back(), 100);
+    if (selection == SelectAll) { // each get moves the bar through 25, 50 and 90
+        const auto &p = run.progress.positions;
+        ASSERT_GE(p.size(), 6u);
+        EXPECT_EQ(std::vector<int>(p.begin(), p.begin() + 5), (std::vector<int>{25, 50, 90, 25, 50}));
+        EXPECT_EQ(std::vector<int>(p.end() - 2, p.end()), (std::vector<int>{90, 100}));
+    }
     auto area = [&](std::uint8_t bit, const std::uint8_t *bytes, const std::string &analyzer) {
         return bytesOf(bytes, analyzer.size()) == (selection & bit ? analyzer : std::string(analyzer.size(), '\x5A'));
     };

@@ -1,6 +1,7 @@
 // The real kt930sim on its own loopback address and pseudo-terminal, driven by a
 // raw client. Expected bytes are built here from the documented layouts of the
 // demo Data files, not through the simulator's or the PC side's packing.
+#include "ByteBuilder.h"
 #include "TempDir.h"
 #include "TsimProcess.h"
 #include <chrono>
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
+using ByteBuilder::putWord;
 
 namespace {
 constexpr std::size_t Block = 264;
@@ -19,12 +21,6 @@ const std::string DataDir = std::string(KT930_TEST_APPDIR) + "/Data/";
 std::uint16_t word(const std::string &bytes, std::size_t at)
 {
     return static_cast<std::uint16_t>(static_cast<std::uint8_t>(bytes[at]) | static_cast<std::uint8_t>(bytes[at + 1]) << 8);
-}
-
-void putWord(std::string &bytes, std::size_t at, std::uint16_t value)
-{
-    bytes[at] = static_cast<char>(value & 0xFF);
-    bytes[at + 1] = static_cast<char>(value >> 8);
 }
 
 struct TasqRecord {

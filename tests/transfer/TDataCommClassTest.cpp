@@ -169,3 +169,16 @@ TEST(TDataCommClassPut, CancelBetweenBlocksStopsSending)
     peer.join();
     EXPECT_EQ(peer.received, "PTSP\r" + data.substr(0, 264));
 }
+
+TEST(TDataCommClassGet, MissingBlockAfter40PollsClosesAndThrows)
+{
+    FakeAnalyzerPeer peer(LoopbackAddress(31).text(), [](FakeAnalyzerPeer &p) {
+        p.read(5);
+        p.send(std::string(100, 'x')); // part of a block only
+    });
+    EngineLink link(31);
+    ASSERT_EQ(link.engine.open(), 0);
+    std::uint8_t buffer[264];
+    EXPECT_THROW(link.engine.getData(bytes("GESI\r"), 5, buffer, 1), TcommTimeoutException);
+    EXPECT_EQ(link.module.isOpen(), TgenericCommmunicationsModule::Idle);
+}

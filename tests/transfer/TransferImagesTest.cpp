@@ -1,8 +1,10 @@
 #include "TransferFixtures.h"
 #include "TransferImages.h"
+#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace TransferImages;
+using namespace ByteBuilder;
 
 namespace {
 std::string image(const std::uint8_t *area, std::size_t offset, std::size_t size)
@@ -13,10 +15,8 @@ std::string image(const std::uint8_t *area, std::size_t offset, std::size_t size
 std::string le(std::initializer_list<std::uint16_t> words)
 {
     std::string out;
-    for (std::uint16_t w : words) {
-        out += char(w & 0xFF);
-        out += char(w >> 8);
-    }
+    for (std::uint16_t w : words)
+        out += le16(w);
     return out;
 }
 }
