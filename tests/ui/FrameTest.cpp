@@ -16,8 +16,6 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.",
@@ -96,17 +94,6 @@ TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesInLoadOrderAndUsesDefaults)
     EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
 }
 
-TEST_F(FrameFixture, OneMissingTesterFileGivesOneBoxAndReplacesOnlyThatTester)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    std::filesystem::remove(appDir.data("usertester3.asq"));
-    auto frame = makeFrame();
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0].caption, "User Tester Sequences Error");
-    EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. WARD A", "ii. USER TESTER 2", "iii. USER TESTER 4",
-                                                   "iv. WARD D", "v. WARD E"}));
-}
-
 TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
@@ -135,26 +122,6 @@ TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
     EXPECT_EQ(TtreeNodeDelegate::fontColour(true, true), silver);
     EXPECT_EQ(TtreeNodeDelegate::fontColour(false, true), white);
     EXPECT_EQ(TtreeNodeDelegate::fontColour(false, false), black);
-}
-
-TEST_F(FrameFixture, ControlsCarryTheirCaptionsAndEditorCommandsAreDisabled)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
-    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnUpload")->text(), "Upload\nTo KT930");
-    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnDownload")->text(), "Download\nFrom KT930");
-    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnExit")->text(), "Return To\nMain Window");
-    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnHelp")->text(), "Help");
-    EXPECT_EQ(find<QPushButton>(frame.get(), "BtnInstEd2")->text(), "Edit\nCheckitem\nDatabase");
-    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnRestore")->isHidden());
-    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnBackup")->isHidden());
-    EXPECT_FALSE(find<QPushButton>(frame.get(), "BtnIPEdit")->isEnabled());
-    EXPECT_FALSE(find<QPushButton>(frame.get(), "BtnInstEd")->isEnabled());
-    EXPECT_TRUE(find<QPushButton>(frame.get(), "BtnUTSEdit")->isEnabled());
-    auto *timer = frame->findChild<QTimer *>("LstUTSTimer");
-    ASSERT_NE(timer, nullptr);
-    EXPECT_EQ(timer->interval(), QApplication::doubleClickInterval());
-    EXPECT_FALSE(timer->isActive());
 }
 
 TEST_F(FrameFixture, ClearingAnInspectionAsksAndMakesItUnusedWithoutWriting)
@@ -388,19 +355,6 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", data.inspections));
     EXPECT_EQ(read("usertester5.asq"), asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
     EXPECT_FALSE(std::filesystem::exists(appDir.data("testProc.asq"))); // checklists are never written
-}
-
-TEST_F(FrameFixture, ReadOnlyTesterFileCostsOneFileErrorAndTheReturnStillHappens)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    const std::string before = read("usertester3.asq");
-    chmod(appDir.data("usertester3.asq").c_str(), 0444);
-    auto frame = makeFrame();
-    find<QPushButton>(frame.get(), "BtnExit")->click();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{
-                                 {"File Error", "An error occured while backing up the data for User Tester Sequence 3"}}));
-    EXPECT_EQ(read("usertester3.asq"), before);
-    EXPECT_FALSE(mainView.isHidden());
 }
 
 TEST_F(FrameFixture, ReloadDataDiscardsUnsavedEditsAndOwnerOnlyFrameLoadsNothing)

@@ -37,6 +37,9 @@ public:
     }
 };
 
+const char *const InternalError =
+    "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
+    "If this error persists, please contact the system vendor.";
 const char DefinedOpCodes[] = "ACDEIKLMPRT"; // the op codes of the demo Data/*.in files
 const Message OperationCancelled{"Error", "Operation Cancelled.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
 
@@ -124,8 +127,46 @@ struct FrameTransfer : ::testing::Test {
         return files;
     }
     void click(QWidget *frame, const char *name) { frame->findChild<QPushButton *>(name)->click(); }
+    // Answers the settings form with a method and a button, no analyzer involved.
+    static void answerSelector(const char *radio, const char *button)
+    {
+        whenModal([=](QWidget *selector) {
+            selector->findChild<QRadioButton *>(radio)->click();
+            selector->findChild<QPushButton *>(button)->click();
+        });
+    }
 };
 } // namespace
+
+TEST_F(FrameTransfer, CancelledSettingsSaveBeforeAnUploadButNothingBeforeADownload)
+{
+    auto frame = makeFrame();
+    std::filesystem::remove(appDir.data("mit.dat"));
+    answerSelector("radUSB", "btnCancel");
+    click(frame.get(), "BtnDownload");
+    EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
+    answerSelector("radUSB", "btnCancel");
+    click(frame.get(), "BtnUpload");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(read("mit.dat"), mitBytes(frame->dataSet().checkitems.slots()));
+    EXPECT_EQ(read("mit.dat").substr(0, 14), "APVisual check");
+}
+
+TEST_F(FrameTransfer, WithoutHostRecordTheInternalErrorFollowsAndDownloadStillSaves)
+{
+    TAutoSeqEditFrame frame(nullptr, nullptr, nullptr, &sink);
+    sink.messages.clear();
+    answerSelector("radUSB", "btnConnect");
+    click(&frame, "BtnUpload");
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"kt930pc", "Invalid Arguments For TuploadThread"},
+                                                   {"Error", InternalError}}));
+    sink.messages.clear();
+    std::filesystem::remove(appDir.data("mit.dat"));
+    answerSelector("radUSB", "btnConnect");
+    click(&frame, "BtnDownload");
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Error", InternalError}}));
+    EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")));
+}
 
 TEST_F(FrameTransfer, DownloadFillsTheListsAndRewritesTheFilesWithWhatTheAnalyzerHolds)
 {

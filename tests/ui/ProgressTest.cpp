@@ -71,31 +71,6 @@ TEST(Progress, WorkerReportsFromItsThreadAndOkClosesWithOne)
     EXPECT_EQ(form.findChild<QProgressBar *>("transferProgress")->value(), 57);
 }
 
-TEST(Progress, CancelButtonClosesWithTwoAndTheWorkerSeesTheFlag)
-{
-    ensureApplication();
-    TcommSettings settings;
-    settings.kind = 0;
-    TfrmProgress form(nullptr, nullptr, &settings);
-    std::atomic<bool> sawCancel{false};
-    ScriptedWorker worker([&] {
-        form.setStage("Uploading");
-        while (!form.isCancelled())
-            QThread::yieldCurrentThread();
-        sawCancel = true;
-    });
-    settings.worker = &worker;
-    std::function<void(QWidget *)> cancelOnceRunning = [&](QWidget *dialog) {
-        if (!worker.ran)
-            return whenModal(cancelOnceRunning);
-        dialog->findChild<QPushButton *>("btnCancel")->click();
-    };
-    whenModal(cancelOnceRunning);
-    EXPECT_EQ(form.exec(), 2);
-    worker.wait();
-    EXPECT_TRUE(sawCancel);
-}
-
 TEST(Progress, WorkerEndingWithoutResultStillClosesTheDialog)
 {
     ensureApplication();

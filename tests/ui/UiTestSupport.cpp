@@ -1,9 +1,9 @@
 #include "UiTestSupport.h"
+#include "ByteBuilder.h"
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
 #include <cstdlib>
-#include <cstring>
 
 void ensureApplication()
 {
@@ -30,35 +30,12 @@ AppDirScope::~AppDirScope()
     unsetenv("KT930PC_APPDIR");
 }
 
-namespace {
-void putWord(std::string &out, std::uint16_t word)
-{
-    out.push_back(char(word & 0xFF));
-    out.push_back(char(word >> 8));
-}
-
-void putText(std::string &out, const char *text, std::size_t length, std::size_t width)
-{
-    std::string field(width, '\0');
-    std::memcpy(field.data(), text, std::min(length, width));
-    out += field;
-}
-} // namespace
-
 std::string asqBytes(const std::string &title, const std::string &subtitle, const std::vector<Tautosequence> &records)
 {
-    std::string out;
-    putText(out, title.c_str(), title.size(), 64);
-    putText(out, subtitle.c_str(), subtitle.size(), 64);
-    putWord(out, std::uint16_t(records.size()));
-    for (const Tautosequence &r : records) {
-        putText(out, r.title1, 19, 64);
-        putText(out, r.title2, 19, 64);
-        putWord(out, r.setting);
-        putWord(out, Tautosequence::ItemCount);
-        for (std::uint16_t item : r.items)
-            putWord(out, item);
-    }
+    std::string out = ByteBuilder::asqHeader(title, subtitle, std::uint16_t(records.size()));
+    for (const Tautosequence &r : records)
+        out += ByteBuilder::asqRecord(std::string(r.title1, 19), std::string(r.title2, 19), r.setting,
+                                      std::vector<std::uint16_t>(r.items, r.items + Tautosequence::ItemCount));
     return out;
 }
 
