@@ -1,10 +1,10 @@
 // kt930ctl download / upload / sync against the real simulator.
-#include "../sim/TsimProcess.h"
+#include "TsimProcess.h"
+#include "LoopbackAddress.h"
 #include "ProgramRun.h"
 #include "TempDir.h"
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 namespace fs = std::filesystem;
 
 namespace {
@@ -25,13 +25,7 @@ protected:
     static fs::path demoData() { return fs::path(KT930_TEST_APPDIR) / "Data"; }
     fs::path pcData(const std::string &name) const { return temp / "pc/Data" / name; }
 
-    // Its own loopback address: 127.32-63.x.y is no other test program's range.
-    static std::string address(int test)
-    {
-        const int pid = ::getpid();
-        return "127." + std::to_string(32 + (pid >> 8) % 32) + "." + std::to_string(pid & 255) + "."
-            + std::to_string(test);
-    }
+    static std::string address(int test) { return LoopbackAddress(test, 32).text(); }
 
     std::unique_ptr<TsimProcess> startSimulator(const std::string &at)
     {

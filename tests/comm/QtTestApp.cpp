@@ -8,7 +8,7 @@ public:
     void SetUp() override
     {
         static int argc = 1;
-        static char name[] = "test_comm";
+        static char name[] = "kt930test";
         static char *argv[] = {name, nullptr};
         app = new QCoreApplication(argc, argv);
     }

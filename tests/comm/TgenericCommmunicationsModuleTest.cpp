@@ -187,7 +187,7 @@ TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
     QTcpServer server;
     const LoopbackAddress address(2);
     ASSERT_TRUE(server.listen(QHostAddress(QString::fromStdString(address.text())), AnalyzerTcpPort));
-    TtransportParams ethernet = address.ethernet();
+    TtransportParams ethernet = TtransportParams::makeEthernet(address.a, address.b, address.c, address.d);
     TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
     EXPECT_EQ(module.open(), 0);
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
@@ -238,7 +238,8 @@ TEST(EthernetEvents, SocketErrorsMapToTheirEvents)
 // event, leaves the state at 0, and the connect then runs out of its 201 polls.
 TEST_F(ModuleFixture, EthernetRefusedConnectReportsThenTimesOut)
 {
-    TtransportParams ethernet = LoopbackAddress(1).ethernet();
+    const LoopbackAddress address(1);
+    TtransportParams ethernet = TtransportParams::makeEthernet(address.a, address.b, address.c, address.d);
     TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
     EXPECT_THROW(module.open(), TcommTimeoutException);
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Idle);

@@ -1,8 +1,8 @@
 #include "SimulatorUnderTest.h"
+#include "LoopbackAddress.h"
 #include "TCommPort.h"
 #include <chrono>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 constexpr int ConnectAttempts = 1000; // 5 s of 5 ms probes at most
@@ -68,11 +68,6 @@ KnownImages SimulatorUnderTest::stopAndReadMemory()
 
 std::string SimulatorUnderTest::freshAddress()
 {
-    // 127.128.0.0 to 127.191.255.255: the process id picks the middle octets, a
-    // counter the last, so test programs running side by side never meet.
     static int counter = 0;
-    const int pid = ::getpid();
-    ++counter;
-    return "127." + std::to_string(128 + (pid >> 8) % 64) + "." + std::to_string(pid & 255) + "."
-        + std::to_string(1 + counter % 254);
+    return LoopbackAddress(++counter, 128).text();
 }

@@ -2,7 +2,8 @@
 // The real kt930sim for one test: its own memory file (written from known images)
 // in a temporary folder, and its own link — a fresh loopback address on port 60601
 // or a pseudo-terminal reached as a COM port through the port overrides.
-#include "../sim/TsimProcess.h"
+#include "TrawClient.h"
+#include "TsimProcess.h"
 #include "KnownDataSet.h"
 #include "TempDir.h"
 #include "TcommSettings.h"

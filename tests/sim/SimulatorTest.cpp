@@ -2,14 +2,15 @@
 // raw client. Expected bytes are built here from the documented layouts of the
 // demo Data files, not through the simulator's or the PC side's packing.
 #include "ByteBuilder.h"
+#include "LoopbackAddress.h"
 #include "TempDir.h"
+#include "TrawClient.h"
 #include "TsimProcess.h"
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using ByteBuilder::putWord;
@@ -141,13 +142,7 @@ std::string acks(std::size_t blocks)
 
 class SimulatorTest : public ::testing::Test {
 protected:
-    // An address of this test process alone, so tests may run side by side.
-    std::string address()
-    {
-        const int pid = ::getpid();
-        return "127." + std::to_string(64 + (pid >> 16) % 64) + "." + std::to_string((pid >> 8) & 255) + "."
-            + std::to_string(1 + (pid & 255) % 254);
-    }
+    std::string address() { return LoopbackAddress(1, 64).text(); }
     std::vector<std::string> tcpArguments(std::vector<std::string> extra = {})
     {
         std::vector<std::string> arguments{"--listen", address() + ":60601", "--memory", memoryFile.string(),

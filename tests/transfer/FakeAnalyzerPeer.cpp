@@ -39,41 +39,26 @@ void FakeAnalyzerPeer::serve(Script script)
     pollfd p {m_listener, POLLIN, 0};
     if (::poll(&p, 1, 10000) <= 0)
         return;
-    m_connection = ::accept(m_listener, nullptr, nullptr);
-    if (m_connection < 0)
+    int connection = ::accept(m_listener, nullptr, nullptr);
+    if (connection < 0)
         return;
+    m_connection = std::make_unique<TrawClient>(connection);
     script(*this);
     while (!read(4096).empty()) {
     }
-    ::close(m_connection);
+    m_connection.reset();
 }
 
 std::string FakeAnalyzerPeer::read(std::size_t n)
 {
-    std::string out;
-    while (out.size() < n) {
-        pollfd p {m_connection, POLLIN, 0};
-        if (::poll(&p, 1, 10000) <= 0)
-            break;
-        char buffer[4096];
-        ssize_t r = ::recv(m_connection, buffer, std::min(sizeof buffer, n - out.size()), 0);
-        if (r <= 0)
-            break;
-        out.append(buffer, std::size_t(r));
-    }
+    std::string out = m_connection->receive(n);
     received += out;
     return out;
 }
 
 void FakeAnalyzerPeer::send(const std::string &bytes)
 {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        ssize_t r = ::send(m_connection, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
-        if (r <= 0)
-            return;
-        done += std::size_t(r);
-    }
+    m_connection->send(bytes);
 }
 
 namespace {

@@ -2,8 +2,9 @@
 // The analyzer's side of a TCP link, played by a test script on its own thread.
 // Listens on ip:60601 at construction; the script runs once a client connects.
 // After the script the peer waits for the client to close before it closes.
-#include <atomic>
+#include "TrawClient.h"
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -23,7 +24,7 @@ public:
 private:
     void serve(Script script);
     int m_listener = -1;
-    int m_connection = -1;
+    std::unique_ptr<TrawClient> m_connection;
     std::thread m_thread;
 };
 

@@ -1,4 +1,4 @@
-#include "../comm/LoopbackAddress.h"
+#include "LoopbackAddress.h"
 #include "FakeAnalyzerPeer.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
@@ -18,10 +18,15 @@ std::string pattern(std::size_t blocks)
     return data;
 }
 
+TtransportParams ethernetTo(const LoopbackAddress &at)
+{
+    return TtransportParams::makeEthernet(at.a, at.b, at.c, at.d);
+}
+
 // An engine over an Ethernet module aimed at the peer of LoopbackAddress(test).
 struct EngineLink {
     explicit EngineLink(int test)
-        : parameters(LoopbackAddress(test).ethernet()),
+        : parameters(ethernetTo(LoopbackAddress(test))),
           module(&holder, ModeEthernet, 2000, 264, &parameters, progress, messages),
           engine(&holder, ModeEthernet, 2000, 264, &parameters, &module, false, messages)
     {
