@@ -17,14 +17,13 @@ void syncReplacesTheDatabase(SimulatorUnderTest::Link link)
     ASSERT_TRUE(runToEnd(worker));
 
     EXPECT_TRUE(messages.messages.empty()) << messages.messages.front().text;
-    EXPECT_EQ(progress.stages.back(), "Transfer Complete");
-    if (link == SimulatorUnderTest::Link::Tcp) {
-        EXPECT_EQ(progress.stages, (std::vector<std::string>{"Requesting Ethernet Connection",
-                                                             "Initializing Ethernet Connection", "Sending Handshake",
-                                                             "Handshake Valid - Beginning Download",
-                                                             "Sending Request for Data", "Transfer Complete"}));
-        EXPECT_EQ(progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
-    }
+    const std::string method = link == SimulatorUnderTest::Link::Tcp ? "Ethernet" : "Serial";
+    EXPECT_EQ(progress.stages, (std::vector<std::string>{"Requesting " + method + " Connection",
+                                                         "Initializing " + method + " Connection", "Sending Handshake",
+                                                         "Handshake Valid - Beginning Download",
+                                                         "Sending Request for Data", "Transfer Complete"}));
+    // Eleven chunks of 4224 bytes, two points each.
+    EXPECT_EQ(progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
     EXPECT_EQ(progress.results, std::vector<TransferResult>{TransferResult::Ok});
     EXPECT_TRUE(bytesOf(record->area, 45936) == memory.checkitems);
     EXPECT_TRUE(bytesOf(record->area + 45936, sizeof record->area - 45936) == std::string(67584 - 45936, '\0'));

@@ -131,21 +131,3 @@ TEST(TransferImagesUnpack, ChecklistsAndCheckitemsReplaceTheTables)
     EXPECT_EQ(db[10].opCode, 'Q');
     EXPECT_EQ(db[10].commandText(), "abc");
 }
-
-TEST(TransferRecordTest, DownloadCopiesBackOnlySelectedAreas)
-{
-    DataSet set;
-    set.inspections.resize(2);
-    set.checklists.items.resize(4);
-    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    record->data.selection = SelectCheckitems;
-    record->completeTransfer();
-    EXPECT_EQ(set.checkitems.size(), 1044u);
-    EXPECT_EQ(set.inspections.size(), 2u);
-    EXPECT_EQ(set.checklists.size(), 4u);
-    record->data.selection = SelectAutosequences | SelectChecklists;
-    record->completeTransfer();
-    EXPECT_EQ(set.inspections.size(), 18u);
-    EXPECT_EQ(set.testers.size(), 5u);
-    EXPECT_EQ(set.checklists.size(), 500u);
-}

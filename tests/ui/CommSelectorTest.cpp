@@ -1,5 +1,6 @@
 // Communication settings: defaults, the ini round trip, the port list with a
 // pseudo-terminal mapped through SERIALPORTS, and address checks.
+#include "PtyPair.h"
 #include "RecordingMessageSink.h"
 #include "TserialPortMap.h"
 #include "UiTestSupport.h"
@@ -10,19 +11,9 @@
 #include <QRadioButton>
 #include <QSettings>
 #include <QTest>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <unistd.h>
 
 namespace {
-struct Pty {
-    int master = posix_openpt(O_RDWR | O_NOCTTY);
-    Pty() { grantpt(master), unlockpt(master); }
-    ~Pty() { ::close(master); }
-    std::string slave() const { return ptsname(master); }
-};
-
 struct SelectorFixture : ::testing::Test {
     AppDirScope appDir;
     RecordingMessageSink sink;
@@ -56,16 +47,16 @@ TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
 
 TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
 {
-    Pty pty;
+    PtyPair pty;
     {
         QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("SERIALPORTS/COM200", QString::fromStdString(pty.slave()));
+        settings.setValue("SERIALPORTS/COM200", QString::fromStdString(pty.slavePath));
         settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
         settings.setValue("COMM/DEFAULTSERIAL", 200);
     }
     TcomSelectFrm form(nullptr, false, &sink);
     auto *ports = find<QComboBox>(&form, "serialPortSelector");
-    const QString entry = QStringLiteral("COM200 (%1)").arg(QString::fromStdString(pty.slave()));
+    const QString entry = QStringLiteral("COM200 (%1)").arg(QString::fromStdString(pty.slavePath));
     EXPECT_EQ(ports->currentText(), entry);
     EXPECT_TRUE(find<QRadioButton>(&form, "radSerial")->isChecked());
     EXPECT_TRUE(ports->isEnabled());
@@ -80,20 +71,20 @@ TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
 
 TEST_F(SelectorFixture, StoredSerialPortIsSelectedOnlyWhileItIsStillFree)
 {
-    Pty first, second;
+    PtyPair first, second;
     auto open = [&](const QVariant &defaultSerial) {
         {
             QSettings settings(ini(), QSettings::IniFormat);
             settings.clear();
-            settings.setValue("SERIALPORTS/COM250", QString::fromStdString(first.slave()));
-            settings.setValue("SERIALPORTS/COM251", QString::fromStdString(second.slave()));
+            settings.setValue("SERIALPORTS/COM250", QString::fromStdString(first.slavePath));
+            settings.setValue("SERIALPORTS/COM251", QString::fromStdString(second.slavePath));
             if (defaultSerial.isValid())
                 settings.setValue("COMM/DEFAULTSERIAL", defaultSerial);
         }
         return std::make_unique<TcomSelectFrm>(nullptr, false, &sink);
     };
-    const QString entry250 = QStringLiteral("COM250 (%1)").arg(QString::fromStdString(first.slave()));
-    const QString entry251 = QStringLiteral("COM251 (%1)").arg(QString::fromStdString(second.slave()));
+    const QString entry250 = QStringLiteral("COM250 (%1)").arg(QString::fromStdString(first.slavePath));
+    const QString entry251 = QStringLiteral("COM251 (%1)").arg(QString::fromStdString(second.slavePath));
 
     auto stored = open(251);
     auto *ports = find<QComboBox>(stored.get(), "serialPortSelector");
