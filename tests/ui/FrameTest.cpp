@@ -356,20 +356,3 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
     EXPECT_EQ(read("usertester5.asq"), asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
     EXPECT_FALSE(std::filesystem::exists(appDir.data("testProc.asq"))); // checklists are never written
 }
-
-TEST_F(FrameFixture, ReloadDataDiscardsUnsavedEditsAndOwnerOnlyFrameLoadsNothing)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
-    frame->dataSet().inspections[0].blank();
-    frame->refreshLists(0);
-    frame->ReloadData();
-    EXPECT_EQ(listTexts(frame.get()).value(0), "EARTH BOND - CLASS I");
-    EXPECT_TRUE(sink.messages.empty());
-
-    TAutoSeqEditFrame bare(nullptr);
-    EXPECT_EQ(bare.hostData(), nullptr);
-    EXPECT_EQ(bare.hostData2(), nullptr);
-    EXPECT_EQ(listTexts(&bare).size(), 0);
-    EXPECT_TRUE(bare.dataSet().inspections.empty());
-}
