@@ -4,19 +4,26 @@
 #include "RecordingProgressSink.h"
 #include "TransferFixtures.h"
 #include "TransferWorkers.h"
-#include "TtransferSession.h"
 #include <gtest/gtest.h>
+#include <functional>
 #include <memory>
 
 namespace {
-const Message InvalidState {"Error", "Invalid State!\nOperation Cancelled.", MsgIcon::Stop, MsgButtons::Ok,
-                            MsgModality::System};
+Message stop(const std::string &caption, const std::string &text)
+{
+    return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
+}
 
-struct WorkerRun {
-    DataSet set;
+struct SyncRun {
     RecordingProgressSink progress;
     RecordingMessageSink messages;
-    int context = 0;
+    std::unique_ptr<TsyncCommStruct> record = std::make_unique<TsyncCommStruct>();
+    void run()
+    {
+        TinstSyncThread worker(&progress, &messages, record.get());
+        worker.start();
+        worker.wait();
+    }
 };
 }
 
@@ -25,50 +32,48 @@ TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
     DataSet set;
     RecordingProgressSink progress;
     TdownloadCommStruct download(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    int context = 0;
-    try {
-        TdownloadThread(nullptr, &progress, nullptr, &download);
-        FAIL();
-    } catch (const std::invalid_argument &e) {
-        EXPECT_STREQ(e.what(), "Invalid Arguments For TdownloadThread");
-    }
     auto upload = std::make_unique<TuploadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    try {
-        TuploadThread(&context, nullptr, nullptr, upload.get());
-        FAIL();
-    } catch (const std::invalid_argument &e) {
-        EXPECT_STREQ(e.what(), "Invalid Arguments For TuploadThread");
-    }
     TsyncCommStruct sync;
-    try {
-        TinstSyncThread(nullptr, nullptr, &sync);
-        FAIL();
-    } catch (const std::invalid_argument &e) {
-        EXPECT_STREQ(e.what(), "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)");
+    int context = 0;
+    const std::pair<std::function<void()>, const char *> cases[] = {
+        {[&] { TdownloadThread(nullptr, &progress, nullptr, &download); }, "Invalid Arguments For TdownloadThread"},
+        {[&] { TuploadThread(&context, nullptr, nullptr, upload.get()); }, "Invalid Arguments For TuploadThread"},
+        {[&] { TinstSyncThread(nullptr, nullptr, &sync); }, "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)"},
+    };
+    for (const auto &[construct, text] : cases) {
+        try {
+            construct();
+            ADD_FAILURE() << text;
+        } catch (const std::invalid_argument &e) {
+            EXPECT_STREQ(e.what(), text);
+        }
     }
-}
-
-TEST(TransferWorkerMethods, MethodByteMapsToTransportMode)
-{
-    EXPECT_EQ(TtransferSession::modeOf(0), ModeUSB);
-    EXPECT_EQ(TtransferSession::modeOf(1), ModeEthernet);
-    EXPECT_EQ(TtransferSession::modeOf(2), ModeSerial);
-    EXPECT_EQ(TtransferSession::modeOf(3), ModeNone);
 }
 
 TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
 {
-    WorkerRun run;
-    auto record = std::make_unique<TdownloadCommStruct>(&run.set.checkitems, &run.set.checklists, &run.set.testers,
-                                                        &run.set.inspections);
+    const Message invalidState = stop("Error", "Invalid State!\nOperation Cancelled.");
+    DataSet set;
+    RecordingProgressSink progress;
+    RecordingMessageSink messages;
+    int context = 0;
+    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
     record->settings().method = 3;
-    TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
+    TdownloadThread worker(&context, &progress, &messages, record.get());
     worker.start();
     worker.wait();
-    EXPECT_EQ(run.messages.messages, std::vector<Message> {InvalidState});
-    EXPECT_TRUE(run.progress.cancelled);
-    EXPECT_EQ(run.progress.results, std::vector<TransferResult> {TransferResult::Cancel});
-    EXPECT_EQ(run.progress.stages, std::vector<std::string> {"Initializing"});
+    EXPECT_EQ(messages.messages, std::vector<Message>{invalidState});
+    EXPECT_TRUE(progress.cancelled);
+    EXPECT_EQ(progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+    EXPECT_EQ(progress.stages, std::vector<std::string>{"Initializing"});
+
+    SyncRun sync;
+    sync.record->settings.method = 3;
+    sync.run();
+    EXPECT_EQ(sync.messages.messages, std::vector<Message>{invalidState});
+    EXPECT_TRUE(sync.progress.cancelled);
+    EXPECT_TRUE(sync.progress.stages.empty());
+    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
 }
 
 TEST(SyncWorker, UsbSkipsDevicesOfOtherVendors)
@@ -78,56 +83,26 @@ TEST(SyncWorker, UsbSkipsDevicesOfOtherVendors)
     std::string checkitems(45936, '\0');
     checkitems.replace(1043 * 44, 44, ByteBuilder::checkitem('Z', 'L', "Leakage\t500"));
     fake.script->incoming = std::string(264, 'H') + checkitems;
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    auto record = std::make_unique<TsyncCommStruct>();
-    TinstSyncThread worker(&progress, &messages, record.get());
-    worker.start();
-    worker.wait();
-    EXPECT_TRUE(messages.messages.empty());
-    EXPECT_EQ(fake.script->calls, (std::vector<std::string> {"open #0", "close", "open #1", "close"}));
+    SyncRun sync;
+    sync.run();
+    EXPECT_TRUE(sync.messages.messages.empty());
+    EXPECT_EQ(fake.script->calls, (std::vector<std::string>{"open #0", "close", "open #1", "close"}));
     EXPECT_EQ(fake.script->written, "GESI\rGUIN\r");
-    EXPECT_EQ(progress.stages.front(), "Requesting USB Handle");
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(record->area), 45936), checkitems);
-    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Ok});
+    EXPECT_EQ(sync.progress.stages.front(), "Requesting USB Handle");
+    EXPECT_EQ(std::string(reinterpret_cast<char *>(sync.record->area), 45936), checkitems);
+    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
 }
 
 TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
 {
     FakeUsbInstalled fake;
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    auto record = std::make_unique<TsyncCommStruct>();
-    {
-        TinstSyncThread worker(&progress, &messages, record.get());
-        worker.start();
-        worker.wait();
-    }
+    SyncRun sync;
+    sync.run();
     fake.script->vendors = {0x1234};
-    {
-        TinstSyncThread worker(&progress, &messages, record.get());
-        worker.start();
-        worker.wait();
-    }
-    EXPECT_EQ(messages.messages,
-              (std::vector<Message> {{"Device Not Detected",
-                                      "A Safety Analyzer could not be found\rPlease check the connection.\r\rOperation Canceled.",
-                                      MsgIcon::Stop, MsgButtons::Ok, MsgModality::System},
-                                     {"Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.",
-                                      MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
-}
-
-TEST(SyncWorker, InvalidMethodCancelsWithoutConnecting)
-{
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    auto record = std::make_unique<TsyncCommStruct>();
-    record->settings.method = 3;
-    TinstSyncThread worker(&progress, &messages, record.get());
-    worker.start();
-    worker.wait();
-    EXPECT_EQ(messages.messages, std::vector<Message> {InvalidState});
-    EXPECT_TRUE(progress.cancelled);
-    EXPECT_TRUE(progress.stages.empty());
-    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
+    sync.run();
+    EXPECT_EQ(sync.messages.messages,
+              (std::vector<Message>{
+                  stop("Device Not Detected",
+                       "A Safety Analyzer could not be found\rPlease check the connection.\r\rOperation Canceled."),
+                  stop("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")}));
 }

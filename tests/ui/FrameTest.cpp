@@ -67,6 +67,15 @@ struct FrameFixture : ::testing::Test {
             texts << tree->topLevelItem(i)->text(0);
         return texts;
     }
+    // Shows the frame at its design size on the tester tab, for real mouse clicks.
+    static QTreeWidget *showTesterTab(QWidget *frame)
+    {
+        frame->resize(792, 546);
+        frame->show();
+        frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
+        QApplication::processEvents();
+        return find<QTreeWidget>(frame, "LstUTS");
+    }
     std::string read(const std::string &name) const { return TempDir::read(appDir.data(name)); }
 };
 } // namespace
@@ -283,11 +292,7 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
     const std::string before = read("usertester1.asq");
     auto frame = makeFrame();
-    frame->resize(792, 546);
-    frame->show();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
-    QApplication::processEvents();
+    QTreeWidget *tree = showTesterTab(frame.get());
     QTreeWidgetItem *root = tree->topLevelItem(0);
     const QRect row = tree->visualItemRect(root);
     const QPoint at(row.left() + 4, row.center().y()); // on the label's text
@@ -313,11 +318,7 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
     auto frame = makeFrame();
-    frame->resize(792, 546);
-    frame->show();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
-    QApplication::processEvents();
+    QTreeWidget *tree = showTesterTab(frame.get());
     tree->setCurrentItem(tree->topLevelItem(1));
     QTreeWidgetItem *first = tree->topLevelItem(0);
     const QRect row = tree->visualItemRect(first);

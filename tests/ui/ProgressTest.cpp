@@ -39,45 +39,36 @@ TEST(Progress, NullSettingsThrowTheDocumentedText)
     }
 }
 
-TEST(Progress, UnknownKindCancelsWithoutStartingTheWorker)
+TEST(Progress, ExitCodeFollowsTheKindAndTheWorkersResult)
 {
     ensureApplication();
+    struct Case {
+        std::uint8_t kind;
+        bool reportsOk;
+        int exitCode;
+        bool workerRuns;
+    };
+    // Kinds 0 and 1 start the worker; a worker that ends without a result closes with 2.
+    for (const Case c : {Case{2, true, 2, false}, Case{1, true, 1, true}, Case{0, false, 2, true}}) {
+        TcommSettings settings;
+        settings.kind = c.kind;
+        TfrmProgress form(nullptr, nullptr, &settings);
+        ScriptedWorker worker([&] {
+            form.setStage("Downloading Checkitems");
+            form.setPosition(57);
+            if (c.reportsOk)
+                form.setResult(TransferResult::Ok);
+        });
+        settings.worker = &worker;
+        EXPECT_EQ(form.exec(), c.exitCode) << int(c.kind);
+        worker.wait();
+        EXPECT_EQ(worker.ran, c.workerRuns) << int(c.kind);
+        EXPECT_EQ(form.isCancelled(), !c.workerRuns) << int(c.kind);
+        if (c.workerRuns) { // reported from the worker's thread
+            EXPECT_EQ(form.findChild<QLabel *>("lblOperation")->text(), "Downloading Checkitems");
+            EXPECT_EQ(form.findChild<QProgressBar *>("transferProgress")->value(), 57);
+        }
+    }
     TcommSettings settings;
-    settings.kind = 2;
-    TfrmProgress form(nullptr, nullptr, &settings);
-    ScriptedWorker worker([] {});
-    settings.worker = &worker;
-    EXPECT_EQ(form.exec(), 2);
-    EXPECT_TRUE(form.isCancelled());
-    EXPECT_FALSE(worker.ran);
-}
-
-TEST(Progress, WorkerReportsFromItsThreadAndOkClosesWithOne)
-{
-    ensureApplication();
-    TcommSettings settings;
-    settings.kind = 1;
-    TfrmProgress form(nullptr, nullptr, &settings);
-    EXPECT_EQ(form.windowTitle(), "Transfer Progress");
-    ScriptedWorker worker([&] {
-        form.setStage("Downloading Checkitems");
-        form.setPosition(57);
-        form.setResult(TransferResult::Ok);
-    });
-    settings.worker = &worker;
-    EXPECT_EQ(form.exec(), 1);
-    worker.wait();
-    EXPECT_EQ(form.findChild<QLabel *>("lblOperation")->text(), "Downloading Checkitems");
-    EXPECT_EQ(form.findChild<QProgressBar *>("transferProgress")->value(), 57);
-}
-
-TEST(Progress, WorkerEndingWithoutResultStillClosesTheDialog)
-{
-    ensureApplication();
-    TcommSettings settings;
-    settings.kind = 1;
-    TfrmProgress form(nullptr, nullptr, &settings);
-    ScriptedWorker worker([] {});
-    settings.worker = &worker;
-    EXPECT_EQ(form.exec(), 2);
+    EXPECT_EQ(TfrmProgress(nullptr, nullptr, &settings).windowTitle(), "Transfer Progress");
 }
