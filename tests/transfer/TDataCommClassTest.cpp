@@ -103,70 +103,48 @@ TEST(TDataCommClassGet, CancelBetweenBlocksThrows)
     EXPECT_EQ(link.progress.positions, (std::vector<int> {50, 63}));
 }
 
-TEST(TDataCommClassPut, SendsCommandThenBlocksWithAcks)
+TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
 {
-    const std::string data = pattern(3);
-    FakeAnalyzerPeer peer(LoopbackAddress(3).text(),
-                          [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
-    EngineLink link(3);
-    ASSERT_EQ(link.engine.open(), 0);
-    EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), 3), 0);
-    EXPECT_EQ(link.progress.positions, (std::vector<int> {30, 63, 76, 90}));
-    link.engine.close();
-    peer.join();
-    EXPECT_EQ(peer.received, "PTSP\r" + data);
-}
-
-TEST(TDataCommClassPut, CommandAckIsLenient)
-{
-    const std::string data = pattern(1);
-    // "C\r": the second byte is CR; "*Z": the first byte is '*'. Both accept.
-    FakeAnalyzerPeer first(LoopbackAddress(4).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "C\r", {"*\r"}); });
-    EngineLink a(4);
-    ASSERT_EQ(a.engine.open(), 0);
-    EXPECT_EQ(a.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), 0);
-
-    FakeAnalyzerPeer second(LoopbackAddress(5).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*Z", {"*\r"}); });
-    EngineLink b(5);
-    ASSERT_EQ(b.engine.open(), 0);
-    EXPECT_EQ(b.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), 0);
-
-    FakeAnalyzerPeer third(LoopbackAddress(6).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "ZZ", {}); });
-    EngineLink c(6);
-    ASSERT_EQ(c.engine.open(), 0);
-    EXPECT_EQ(c.engine.putData(bytes("PASQ\r"), 5, bytes(data.data()), 1), -2);
-    EXPECT_EQ(c.module.isOpen(), TgenericCommmunicationsModule::Idle);
-    third.join();
-    EXPECT_EQ(third.received, "PASQ\r"); // no block after a refused command
-}
-
-TEST(TDataCommClassPut, BlockAcksAreStrict)
-{
-    const std::string data = pattern(2);
-    FakeAnalyzerPeer early(LoopbackAddress(7).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"*\r"}); });
-    EngineLink a(7);
-    ASSERT_EQ(a.engine.open(), 0);
-    EXPECT_EQ(a.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
-    early.join();
-    EXPECT_EQ(early.received, "PUIN\r" + data.substr(0, 264));
-
-    FakeAnalyzerPeer late(LoopbackAddress(8).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r"}); });
-    EngineLink b(8);
-    ASSERT_EQ(b.engine.open(), 0);
-    EXPECT_EQ(b.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
-
-    FakeAnalyzerPeer noCr(LoopbackAddress(9).text(), [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\n"}); });
-    EngineLink c(9);
-    ASSERT_EQ(c.engine.open(), 0);
-    EXPECT_EQ(c.engine.putData(bytes("PUIN\r"), 5, bytes(data.data()), 2), -2);
+    struct Case {
+        std::string commandAck;
+        std::vector<std::string> blockAcks;
+        std::size_t blocks;
+        int result;
+        std::size_t blocksSent;
+    };
+    const Case cases[] = {
+        {"*\r", {"C\r", "C\r", "*\r"}, 3, 0, 3},
+        {"C\r", {"*\r"}, 1, 0, 1}, // the command's ack needs a CR second
+        {"*Z", {"*\r"}, 1, 0, 1},  // or a '*' first
+        {"ZZ", {}, 1, -2, 0},      // no block after a refused command
+        {"*\r", {"*\r"}, 2, -2, 1}, // the last-block ack too early
+        {"*\r", {"C\r", "C\r"}, 2, -2, 2}, // an intermediate ack on the last block
+        {"*\r", {"C\n"}, 2, -2, 1},
+    };
+    int test = 3;
+    for (const Case &c : cases) {
+        const std::string data = pattern(c.blocks);
+        FakeAnalyzerPeer peer(LoopbackAddress(test).text(),
+                              [&](FakeAnalyzerPeer &p) { answerPut(p, c.commandAck, c.blockAcks); });
+        EngineLink link(test++);
+        ASSERT_EQ(link.engine.open(), 0);
+        EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), c.blocks), c.result) << test;
+        if (c.result != 0)
+            EXPECT_EQ(link.module.isOpen(), TgenericCommmunicationsModule::Idle) << test;
+        else if (c.blocks == 3)
+            EXPECT_EQ(link.progress.positions, (std::vector<int>{30, 63, 76, 90}));
+        link.engine.close();
+        peer.join();
+        EXPECT_EQ(peer.received, "PTSP\r" + data.substr(0, c.blocksSent * 264)) << test;
+    }
 }
 
 TEST(TDataCommClassPut, CancelBetweenBlocksStopsSending)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer(LoopbackAddress(10).text(),
+    FakeAnalyzerPeer peer(LoopbackAddress(20).text(),
                           [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
-    EngineLink link(10);
+    EngineLink link(20);
     link.progress.cancelAtPosition = 63;
     ASSERT_EQ(link.engine.open(), 0);
     EXPECT_THROW(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), 3), ToperationCancelledException);
