@@ -3,6 +3,7 @@
 #include "MessageSink.h"
 #include <deque>
 #include <mutex>
+#include <ostream>
 #include <vector>
 
 class RecordingMessageSink : public MessageSink {
@@ -24,6 +25,13 @@ public:
 private:
     std::mutex m_mutex;
 };
+
+// Readable messages in failure output.
+inline void PrintTo(const Message &message, std::ostream *out)
+{
+    *out << "{\"" << message.caption << "\", \"" << message.text << "\", icon " << int(message.icon) << ", modality "
+         << int(message.modality) << "}";
+}
 
 inline bool operator==(const Message &a, const Message &b)
 {

@@ -98,8 +98,7 @@ TEST_F(FailedTransfer, MissingSerialDevice)
     });
     EXPECT_EQ(run.messages.messages,
               (std::vector<Message>{{"Serial Port Error", "Open Error!"},
-                                    {"Exception", "Could not initialize connection.\nOperation Canceled.",
-                                     MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
+                                    transferBox("Exception", "Could not initialize connection.\nOperation Canceled.")}));
     EXPECT_EQ(run.progress.stages.back(), "Initiating Handshake");
 }
 

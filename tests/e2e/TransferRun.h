@@ -4,18 +4,11 @@
 #include "../transfer/RecordingProgressSink.h"
 #include "KnownDataSet.h"
 #include "RecordingMessageSink.h"
+#include "TransferMessages.h"
 #include "SimulatorUnderTest.h"
 #include "TransferWorkers.h"
 #include <QDeadlineTimer>
 #include <memory>
-#include <ostream>
-
-// Readable messages in failure output.
-inline void PrintTo(const Message &message, std::ostream *out)
-{
-    *out << "{\"" << message.caption << "\", \"" << message.text << "\", icon " << int(message.icon) << ", modality "
-         << int(message.modality) << "}";
-}
 
 struct TransferRun {
     DataSet set;
@@ -51,11 +44,3 @@ inline std::string bytesOf(const std::uint8_t *area, std::size_t size)
 {
     return std::string(reinterpret_cast<const char *>(area), size);
 }
-
-inline const Message TimeoutError {"Error", "Timeout Error.\nOperation Canceled.", MsgIcon::Stop, MsgButtons::Ok,
-                                   MsgModality::System};
-inline const Message CommunicationsFailed {"Error",
-                                           "Could not establish communications with analyzer.\nOperation Canceled.",
-                                           MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
-inline const Message OperationCancelled {"Error", "Operation Cancelled.", MsgIcon::Stop, MsgButtons::Ok,
-                                         MsgModality::System};

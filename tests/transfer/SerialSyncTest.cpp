@@ -4,6 +4,7 @@
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
 #include "TCommPort.h"
+#include "TransferMessages.h"
 #include "TransferWorkers.h"
 #include <functional>
 #include <gtest/gtest.h>
@@ -65,11 +66,6 @@ struct SerialSync : ::testing::Test {
         worker.start();
         worker.wait();
     }
-    Message box(const std::string &caption, const std::string &text)
-    {
-        return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
-    }
-
     PtyPair pty;
     std::thread analyzer;
     HookedProgressSink progress;
@@ -88,7 +84,7 @@ TEST_F(SerialSync, LineLostBeforeTheRequestIsDownloadFailed)
         pty.hangUp();
     };
     run();
-    EXPECT_EQ(messages.messages, std::vector<Message> {box("Download Failed", CommError)});
+    EXPECT_EQ(messages.messages, std::vector<Message> {transferBox("Download Failed", CommError)});
     EXPECT_EQ(progress.stages.back(), "Sending Request for Data");
     EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
 }
@@ -102,7 +98,7 @@ TEST_F(SerialSync, LineLostDuringTheDataIsInvalidDataReceived)
         pty.hangUp();
     };
     run();
-    EXPECT_EQ(messages.messages, std::vector<Message> {box("Invalid Data Received.", CommError)});
+    EXPECT_EQ(messages.messages, std::vector<Message> {transferBox("Invalid Data Received.", CommError)});
     EXPECT_EQ(progress.positions, std::vector<int> {50});
     EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
 }

@@ -1,4 +1,5 @@
 #include "RecordingMessageSink.h"
+#include "TransferMessages.h"
 #include "TtransferSession.h"
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -16,11 +17,6 @@ template <typename E> Message reported(E exception, const std::string &unknownTe
     return sink.messages.at(0);
 }
 
-Message box(const std::string &caption, const std::string &text)
-{
-    return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
-}
-
 const char Get[] = "Unknown Exception on Get Data Command";
 const char InitText[] = "Could not initialize connection.\nOperation Canceled.";
 const char ConfigText[] = "Invalid communications configuration.\nOperation Canceled.";
@@ -28,22 +24,22 @@ const char ConfigText[] = "Invalid communications configuration.\nOperation Canc
 
 TEST(TransferFailureTable, EveryRowHasItsCaptionAndText)
 {
-    EXPECT_EQ(reported(TcommTimeoutException(), Get), box("Error", "Timeout Error.\nOperation Canceled."));
-    EXPECT_EQ(reported(TnoDeviceAttachedException(), Get), box("Error", "No Deviced Attached.\nOperation Canceled."));
-    EXPECT_EQ(reported(TinitializationException(), Get), box("Error", InitText));
-    EXPECT_EQ(reported(TbadInitializationException(), Get), box("Bad Initialization", InitText));
-    EXPECT_EQ(reported(TuninitializedCommModeException(), Get), box("Uninitialized", InitText));
-    EXPECT_EQ(reported(TinvalidCommModuleException(), Get), box("Error", ConfigText));
-    EXPECT_EQ(reported(TinvalidDataLengthException(), Get), box("Bad Data Length", ConfigText));
-    EXPECT_EQ(reported(ToperationCancelledException(), Get), box("Error", "Operation Cancelled."));
+    EXPECT_EQ(reported(TcommTimeoutException(), Get), TimeoutError);
+    EXPECT_EQ(reported(TnoDeviceAttachedException(), Get), transferBox("Error", "No Deviced Attached.\nOperation Canceled."));
+    EXPECT_EQ(reported(TinitializationException(), Get), transferBox("Error", InitText));
+    EXPECT_EQ(reported(TbadInitializationException(), Get), transferBox("Bad Initialization", InitText));
+    EXPECT_EQ(reported(TuninitializedCommModeException(), Get), transferBox("Uninitialized", InitText));
+    EXPECT_EQ(reported(TinvalidCommModuleException(), Get), transferBox("Error", ConfigText));
+    EXPECT_EQ(reported(TinvalidDataLengthException(), Get), transferBox("Bad Data Length", ConfigText));
+    EXPECT_EQ(reported(ToperationCancelledException(), Get), OperationCancelled);
 }
 
 TEST(TransferFailureTable, OtherExceptionsGetTheCommandsUnknownText)
 {
     EXPECT_EQ(reported(std::runtime_error("boom"), "Unknown Exception on Put Data Command"),
-              box("VCL Exception", "Unknown Exception on Put Data Command"));
+              transferBox("VCL Exception", "Unknown Exception on Put Data Command"));
     // A serial port failure carries a message, so it is a general exception here.
-    EXPECT_EQ(reported(ECommError(ECommError::ReadError, 5), Get), box("VCL Exception", Get));
+    EXPECT_EQ(reported(ECommError(ECommError::ReadError, 5), Get), transferBox("VCL Exception", Get));
     EXPECT_EQ(reported(42, "Unknown Exception on Handshake Command"),
-              box("Error", "Unknown Exception on Handshake Command"));
+              transferBox("Error", "Unknown Exception on Handshake Command"));
 }

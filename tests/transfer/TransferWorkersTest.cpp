@@ -3,17 +3,13 @@
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
 #include "TransferFixtures.h"
+#include "TransferMessages.h"
 #include "TransferWorkers.h"
 #include <gtest/gtest.h>
 #include <functional>
 #include <memory>
 
 namespace {
-Message stop(const std::string &caption, const std::string &text)
-{
-    return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
-}
-
 struct SyncRun {
     RecordingProgressSink progress;
     RecordingMessageSink messages;
@@ -52,7 +48,7 @@ TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
 
 TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
 {
-    const Message invalidState = stop("Error", "Invalid State!\nOperation Cancelled.");
+    const Message invalidState = transferBox("Error", "Invalid State!\nOperation Cancelled.");
     DataSet set;
     RecordingProgressSink progress;
     RecordingMessageSink messages;
@@ -102,7 +98,7 @@ TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
     sync.run();
     EXPECT_EQ(sync.messages.messages,
               (std::vector<Message>{
-                  stop("Device Not Detected",
+                  transferBox("Device Not Detected",
                        "A Safety Analyzer could not be found\rPlease check the connection.\r\rOperation Canceled."),
-                  stop("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")}));
+                  transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")}));
 }

@@ -7,6 +7,7 @@
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
+#include "TransferMessages.h"
 #include "UiTestSupport.h"
 #include "progress.h"
 #include <QApplication>
@@ -41,7 +42,6 @@ const char *const InternalError =
     "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
     "If this error persists, please contact the system vendor.";
 const char DefinedOpCodes[] = "ACDEIKLMPRT"; // the op codes of the demo Data/*.in files
-const Message OperationCancelled{"Error", "Operation Cancelled.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::System};
 
 // A known data set whose used checkitems carry defined op codes, as analyzer
 // memory and as the containers a download must produce from it.
