@@ -28,19 +28,9 @@ std::vector<Tautosequence> sampleInspections()
 
 std::vector<std::string> testerNames() { return {"WARD A", "   ", "WARD C", "WARD D", "WARD E"}; }
 
-struct FrameFixture : ::testing::Test {
-    AppDirScope appDir;
+struct FrameFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
-    QWidget mainView;
-    QWidget container;
-    TPluginHostInfo host;
-    int hostData2 = 0;
 
-    FrameFixture()
-    {
-        host.mainView = &mainView;
-        host.container = &container;
-    }
     std::unique_ptr<TAutoSeqEditFrame> makeFrame()
     {
         return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
@@ -50,14 +40,6 @@ struct FrameFixture : ::testing::Test {
         T *w = frame->findChild<T *>(QString::fromLatin1(name));
         EXPECT_NE(w, nullptr) << name;
         return w;
-    }
-    static QStringList listTexts(QWidget *frame)
-    {
-        QStringList texts;
-        auto *list = find<QListWidget>(frame, "lstIP");
-        for (int i = 0; i < list->count(); ++i)
-            texts << list->item(i)->text();
-        return texts;
     }
     static QStringList rootTexts(QWidget *frame)
     {

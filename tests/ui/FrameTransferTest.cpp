@@ -74,17 +74,11 @@ void whenTrue(std::function<bool()> condition, std::function<void()> action)
     timer->start();
 }
 
-struct FrameTransfer : ::testing::Test {
-    AppDirScope appDir;
+struct FrameTransfer : ::testing::Test, FrameHost {
     GuiThreadMessageSink sink;
-    QWidget mainView, container;
-    TPluginHostInfo host;
-    int hostData2 = 0;
 
     FrameTransfer()
     {
-        host.mainView = &mainView;
-        host.container = &container;
         appDir.writeCompleteDataSet({sequence("EARTH", "BOND", {1})}, {"A", "B", "C", "D", "E"});
         for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
             if (entry.path().extension() == ".in")
@@ -265,10 +259,7 @@ TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothi
     auto frame = makeFrame();
     const std::string before = snapshotOf(frame->dataSet());
     const std::vector<std::string> filesBefore = dataFiles();
-    QStringList listBefore;
-    auto *list = frame->findChild<QListWidget *>("lstIP");
-    for (int i = 0; i < list->count(); ++i)
-        listBefore << list->item(i)->text();
+    const QStringList listBefore = listTexts(frame.get());
 
     bool pressed = false;
     connectTo(sim, [&pressed](TfrmProgress *progress) {
@@ -285,8 +276,5 @@ TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothi
     EXPECT_EQ(sink.messages, std::vector<Message>{OperationCancelled});
     EXPECT_TRUE(snapshotOf(frame->dataSet()) == before) << "containers changed";
     EXPECT_TRUE(dataFiles() == filesBefore) << "files changed";
-    QStringList listAfter;
-    for (int i = 0; i < list->count(); ++i)
-        listAfter << list->item(i)->text();
-    EXPECT_EQ(listAfter, listBefore);
+    EXPECT_EQ(listTexts(frame.get()), listBefore);
 }

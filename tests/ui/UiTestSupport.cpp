@@ -1,6 +1,7 @@
 #include "UiTestSupport.h"
 #include "ByteBuilder.h"
 #include <QApplication>
+#include <QListWidget>
 #include <QTimer>
 #include <QWidget>
 #include <cstdlib>
@@ -80,6 +81,15 @@ void AppDirScope::writeCompleteDataSet(const std::vector<Tautosequence> &inspect
                   asqBytes("User Tester Autosequences", testerNames[i], sequences));
     }
     writeData("testProc.asq", asqBytes("Checklists", "", {sequence("CHECKLIST", "ONE", {1})}));
+}
+
+QStringList listTexts(QWidget *frame)
+{
+    QStringList texts;
+    auto *list = frame->findChild<QListWidget *>("lstIP");
+    for (int i = 0; list && i < list->count(); ++i)
+        texts << list->item(i)->text();
+    return texts;
 }
 
 void whenModal(std::function<void(QWidget *)> action)

@@ -5,12 +5,12 @@
 #include "TInstr.h"
 #include "TempDir.h"
 #include "Tautosequence.h"
-#include <QString>
+#include "VAROAutoSeqEditor.h"
+#include <QStringList>
+#include <QWidget>
 #include <functional>
 #include <string>
 #include <vector>
-
-class QWidget;
 
 void ensureApplication();
 
@@ -37,6 +37,23 @@ std::string asqBytes(const std::string &title, const std::string &subtitle, cons
 std::string mitBytes(const std::vector<TInstr> &slots);
 Tautosequence sequence(const std::string &title1, const std::string &title2, std::vector<std::uint16_t> items = {});
 Tautosequence unusedSequence();
+
+// What a frame is made with: an application folder, and the host record with
+// its main view and the container the frame sits in.
+struct FrameHost {
+    FrameHost()
+    {
+        host.mainView = &mainView;
+        host.container = &container;
+    }
+    AppDirScope appDir; // first: it makes the application the widgets need
+    QWidget mainView, container;
+    TPluginHostInfo host;
+    int hostData2 = 0;
+};
+
+// The rows of the frame's inspection list.
+QStringList listTexts(QWidget *frame);
 
 // Runs action on the next modal widget that becomes active (from the event loop).
 void whenModal(std::function<void(QWidget *)> action);
