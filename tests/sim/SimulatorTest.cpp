@@ -1,7 +1,8 @@
 // The real kt930sim on its own loopback address and pseudo-terminal, driven by a
-// raw client. Expected bytes are built here from the documented layouts of the
-// demo Data files, not through the simulator's or the PC side's packing.
-#include "ByteBuilder.h"
+// raw client. Its memory starts as a known data set laid out by hand from the
+// documented block layouts. (Starting from the demo Data files is checked end to
+// end by the command-line transfer tests.)
+#include "../e2e/KnownDataSet.h"
 #include "LoopbackAddress.h"
 #include "TempDir.h"
 #include "TrawClient.h"
@@ -13,108 +14,9 @@
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
-using ByteBuilder::putWord;
 
 namespace {
 constexpr std::size_t Block = 264;
-const std::string DataDir = std::string(KT930_TEST_APPDIR) + "/Data/";
-
-std::uint16_t word(const std::string &bytes, std::size_t at)
-{
-    return static_cast<std::uint16_t>(static_cast<std::uint8_t>(bytes[at]) | static_cast<std::uint8_t>(bytes[at + 1]) << 8);
-}
-
-struct TasqRecord {
-    std::string title1, title2; // the 64-byte fields
-    std::uint16_t setting;
-    std::vector<std::uint16_t> items;
-};
-
-// .asq: 64 title, 64 subtitle, count; records of 64 + 64 + setting + N + N words.
-std::vector<TasqRecord> readAsq(const std::string &name, std::string *subtitle = nullptr)
-{
-    std::string bytes = TempDir::read(DataDir + name);
-    if (subtitle)
-        *subtitle = bytes.substr(64, 64);
-    std::vector<TasqRecord> records(word(bytes, 128));
-    std::size_t at = 130;
-    for (TasqRecord &record : records) {
-        record.title1 = bytes.substr(at, 64);
-        record.title2 = bytes.substr(at + 64, 64);
-        record.setting = word(bytes, at + 128);
-        std::uint16_t count = word(bytes, at + 130);
-        for (std::size_t i = 0; i < count; ++i)
-            record.items.push_back(word(bytes, at + 132 + 2 * i));
-        at += 132 + 2 * count;
-    }
-    return records;
-}
-
-// Item positions as the loaders fill them: all when there are enough, else up to
-// and including the first 0 or 0xFFFF (written as 0), 0xFFFF after.
-std::vector<std::uint16_t> positions(const std::vector<std::uint16_t> &items, std::size_t count)
-{
-    if (items.size() >= count)
-        return {items.begin(), items.begin() + static_cast<std::ptrdiff_t>(count)};
-    std::vector<std::uint16_t> result(count, 0xFFFF);
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (items[i] == 0 || items[i] == 0xFFFF) {
-            result[i] = 0;
-            break;
-        }
-        result[i] = items[i];
-    }
-    return result;
-}
-
-// 88 bytes: title 1 (19), title 2 (19), 24 items, setting.
-std::string sequenceBytes(const TasqRecord &record)
-{
-    std::string bytes(88, '\0');
-    bytes.replace(0, 19, record.title1.substr(0, 19));
-    bytes.replace(19, 19, record.title2.substr(0, 19));
-    bytes[18] = bytes[37] = 0;
-    std::vector<std::uint16_t> items = positions(record.items, 24);
-    for (std::size_t i = 0; i < 24; ++i)
-        putWord(bytes, 38 + 2 * i, items[i]);
-    putWord(bytes, 86, record.setting);
-    return bytes;
-}
-
-std::string expectedAutosequences()
-{
-    std::string image(27 * Block, '\0');
-    std::vector<TasqRecord> inspections = readAsq("inspection.asq");
-    for (std::size_t n = 0; n < 18; ++n)
-        image.replace(n * 88, 88, sequenceBytes(inspections.at(n)));
-    for (std::size_t t = 0; t < 5; ++t) {
-        std::string subtitle;
-        std::vector<TasqRecord> sequences = readAsq("usertester" + std::to_string(t + 1) + ".asq", &subtitle);
-        for (std::size_t s = 0; s < 12; ++s)
-            image.replace(1584 + (t * 12 + s) * 88, 88, sequenceBytes(sequences.at(s)));
-        std::string name = subtitle.substr(0, subtitle.find('\0'));
-        image.replace(6864 + t * 21, 21, (name + std::string(20, ' ')).substr(0, 20) + std::string(1, '\0'));
-    }
-    return image;
-}
-
-std::string expectedChecklists()
-{
-    std::string image(500 * Block, '\0');
-    std::vector<TasqRecord> records = readAsq("testProc.asq");
-    for (std::size_t n = 0; n < 500; ++n) {
-        const TasqRecord &record = records.at(n);
-        std::string slot(236, '\0');
-        slot.replace(0, 42, record.title1.substr(0, 42));
-        std::vector<std::uint16_t> items = positions(record.items, 96);
-        for (std::size_t i = 0; i < 96; ++i)
-            putWord(slot, 42 + 2 * i, items[i]);
-        putWord(slot, 234, record.setting);
-        image.replace(n * Block, 236, slot);
-    }
-    return image;
-}
-
 std::string identification()
 {
     std::string block(Block, '\0');
@@ -153,11 +55,12 @@ protected:
     TrawClient connect() { return TrawClient::connectTcp(address(), 60601); }
 
     TempDir temp;
-    fs::path memoryFile = temp / "memory.bin";
+    const KnownImages memory = KnownDataSet::images(3);
+    const fs::path memoryFile = temp.write("memory.bin", memory.memoryFile());
 };
 }
 
-TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithTheDemoDataSet)
+TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithItsMemory)
 {
     TsimProcess sim(tcpArguments());
     ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
@@ -167,15 +70,14 @@ TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithTheDemoDataSet)
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
     client.send("GUIN\r");
-    EXPECT_EQ(client.receive(174 * Block), TempDir::read(DataDir + "mit.dat"));
+    EXPECT_EQ(client.receive(174 * Block), memory.checkitems);
     client.send("GASQ\r");
-    EXPECT_EQ(client.receive(27 * Block), expectedAutosequences());
+    EXPECT_EQ(client.receive(27 * Block), memory.autosequences);
     client.send("GTSP\r");
-    EXPECT_EQ(client.receive(500 * Block), expectedChecklists());
+    EXPECT_EQ(client.receive(500 * Block), memory.checklists);
     EXPECT_EQ(client.pending(), "");
 
-    // The new memory file holds the three images back to back.
-    EXPECT_EQ(TempDir::read(memoryFile), TempDir::read(DataDir + "mit.dat") + expectedAutosequences() + expectedChecklists());
+    EXPECT_EQ(TempDir::read(memoryFile), memory.memoryFile()); // gets change nothing
     EXPECT_EQ(sim.stop(), 0);
     EXPECT_NE(sim.log().find("GASQ sent 27 blocks"), std::string::npos);
 }
@@ -212,7 +114,7 @@ TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
         client.send("GUIN\r");
         EXPECT_EQ(client.receive(174 * Block), upload);
         ASSERT_TRUE(sim.waitForLog("PUIN stored 174 blocks"));
-        EXPECT_EQ(TempDir::read(memoryFile), upload + expectedAutosequences() + expectedChecklists());
+        EXPECT_EQ(TempDir::read(memoryFile), upload + memory.autosequences + memory.checklists);
         EXPECT_EQ(sim.stop(), 0);
     }
     TsimProcess restarted(tcpArguments());
@@ -241,12 +143,11 @@ TEST_F(SimulatorTest, InterruptedPutLeavesTheMemoryIntactAndANewClientIsServed)
 
     TrawClient again = connect();
     again.send("GTSP\r");
-    EXPECT_EQ(again.receive(500 * Block), expectedChecklists());
+    EXPECT_EQ(again.receive(500 * Block), memory.checklists);
 }
 
 TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
 {
-    const std::string checkitems = TempDir::read(DataDir + "mit.dat");
     TsimProcess sim(tcpArguments({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ",
                                   "--fault", "close-at-block=5@GTSP"}));
     ASSERT_TRUE(sim.waitForLog("ready"));
@@ -254,17 +155,17 @@ TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
 
     // After a stop or a short block the next command is answered at once.
     client.send("GUIN\r");
-    EXPECT_EQ(client.receive(3 * Block), checkitems.substr(0, 3 * Block));
+    EXPECT_EQ(client.receive(3 * Block), memory.checkitems.substr(0, 3 * Block));
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
 
     client.send("GASQ\r");
-    EXPECT_EQ(client.receive(Block + Block / 2), expectedAutosequences().substr(0, Block + Block / 2));
+    EXPECT_EQ(client.receive(Block + Block / 2), memory.autosequences.substr(0, Block + Block / 2));
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
 
     client.send("GTSP\r");
-    EXPECT_EQ(client.receive(5 * Block), expectedChecklists().substr(0, 5 * Block));
+    EXPECT_EQ(client.receive(5 * Block), memory.checklists.substr(0, 5 * Block));
     EXPECT_TRUE(client.waitClosed());
     EXPECT_EQ(client.pending(), "");
 }
