@@ -1,4 +1,5 @@
 #include "KnownDataSet.h"
+#include "ByteBuilder.h"
 
 using ByteBuilder::putText;
 using ByteBuilder::putWord;

@@ -1,7 +1,7 @@
 #pragma once
 // One worker run: the frame's containers, recording sinks, and the records the
 // workers take, pointed at a simulator.
-#include "../transfer/RecordingProgressSink.h"
+#include "RecordingProgressSink.h"
 #include "KnownDataSet.h"
 #include "RecordingMessageSink.h"
 #include "TransferMessages.h"

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <utility>
 
 FakeAnalyzerPeer::FakeAnalyzerPeer(const std::string &ip, Script script)
 {
@@ -59,47 +58,4 @@ std::string FakeAnalyzerPeer::read(std::size_t n)
 void FakeAnalyzerPeer::send(const std::string &bytes)
 {
     m_connection->send(bytes);
-}
-
-namespace {
-void receivePut(FakeAnalyzerPeer &peer, std::string &target, std::size_t blocks, int wrongAckAtBlock)
-{
-    peer.send("*\r");
-    for (std::size_t i = 0; i < blocks; ++i) {
-        std::string block = peer.read(264);
-        if (block.size() < 264)
-            return;
-        target += block;
-        bool last = i + 1 == blocks;
-        if (int(i) == wrongAckAtBlock) {
-            peer.send(last ? "C\r" : "*\r");
-            return;
-        }
-        peer.send(last ? "*\r" : "C\r");
-    }
-}
-}
-
-void runAnalyzer(FakeAnalyzerPeer &peer, AnalyzerImages &images)
-{
-    for (;;) {
-        std::string command = peer.read(5);
-        if (command.size() < 5)
-            return;
-        images.commands += command;
-        if (command == "GESI\r")
-            peer.send(std::string(264, 'H'));
-        else if (command == "GUIN\r")
-            peer.send(images.checkitems);
-        else if (command == "GASQ\r")
-            peer.send(images.autosequences);
-        else if (command == "GTSP\r")
-            peer.send(images.checklists);
-        else if (command == "PUIN\r")
-            receivePut(peer, images.putCheckitems, 174, std::exchange(images.wrongAckAtBlock, -1));
-        else if (command == "PASQ\r")
-            receivePut(peer, images.putAutosequences, 27, std::exchange(images.wrongAckAtBlock, -1));
-        else if (command == "PTSP\r")
-            receivePut(peer, images.putChecklists, 500, std::exchange(images.wrongAckAtBlock, -1));
-    }
 }

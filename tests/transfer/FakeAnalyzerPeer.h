@@ -27,14 +27,3 @@ private:
     std::unique_ptr<TrawClient> m_connection;
     std::thread m_thread;
 };
-
-// The images an in-test analyzer answers "GUIN\r", "GASQ\r", "GTSP\r" with, and
-// what it was sent by "PUIN\r", "PASQ\r", "PTSP\r". Optional faults for the put side.
-struct AnalyzerImages {
-    std::string checkitems, autosequences, checklists;
-    std::string putCheckitems, putAutosequences, putChecklists;
-    std::string commands; // the 5-byte commands in arrival order
-    int wrongAckAtBlock = -1; // answer this block of the first put with "*\r"
-};
-// Serves commands until the client closes.
-void runAnalyzer(FakeAnalyzerPeer &peer, AnalyzerImages &images);

@@ -1,3 +1,4 @@
+#include "ByteBuilder.h"
 #include "TransferFixtures.h"
 #include "TransferImages.h"
 #include <cstring>
@@ -10,6 +11,18 @@ namespace {
 std::string image(const std::uint8_t *area, std::size_t offset, std::size_t size)
 {
     return std::string(reinterpret_cast<const char *>(area) + offset, size);
+}
+
+// An autosequence record of 88 bytes at offset: two 19-byte titles, 24 items, setting.
+inline void putSequence(std::string &image, std::size_t offset, const std::string &title1, const std::string &title2,
+                        std::vector<std::uint16_t> items, std::uint16_t setting)
+{
+    // Titles are written as 19 bytes, zero-padded.
+    putText(image, offset, (title1 + std::string(19, '\0')).substr(0, 19));
+    putText(image, offset + 19, (title2 + std::string(19, '\0')).substr(0, 19));
+    for (std::size_t i = 0; i < 24; ++i)
+        putWord(image, offset + 38 + 2 * i, i < items.size() ? items[i] : 0x4242);
+    putWord(image, offset + 86, setting);
 }
 
 std::string le(std::initializer_list<std::uint16_t> words)
