@@ -28,6 +28,13 @@ protected:
         return 0xFF;
     }
 
+    // Waits (up to 5 s) until count bytes are pending: the pty hands them over in pieces.
+    void waitPending(std::size_t count)
+    {
+        for (int i = 0; i < 500 && port.BytesAvailable() < count; ++i)
+            port.WaitReadable(10);
+    }
+
     PtyPair pty;
     TCommPort port;
 };
@@ -47,15 +54,6 @@ TEST(TCommPortNames, NumbersMapToDevicesAndOverridesWin)
     EXPECT_EQ(TCommPort::resolve("COM4"), "/dev/ttyS3");
     EXPECT_EQ(TCommPort::resolve("/dev/pts/7"), "/dev/pts/7");
     TCommPort::setPortOverrides({});
-}
-
-TEST(TCommPortDefaults, FreshPortIsCom1At9600Closed)
-{
-    TCommPort port;
-    EXPECT_EQ(port.GetCommPort(), "COM1");
-    EXPECT_EQ(port.GetBaudRate(), 9600u);
-    EXPECT_EQ(port.GetByteSize(), 8);
-    EXPECT_FALSE(port.GetConnected());
 }
 
 TEST_F(TCommPortTest, ClosedPortRefusesIoWithCode7)
@@ -99,18 +97,6 @@ TEST_F(TCommPortTest, WritesAndReadsBytesUnchanged)
     EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 6), incoming);
 }
 
-TEST_F(TCommPortTest, PendingCountIsInputQueue)
-{
-    port.OpenCommPort();
-    EXPECT_EQ(port.BytesAvailable(), 0u);
-    pty.send("12345");
-    port.WaitReadable(1000);
-    // The pty may hand the bytes over in pieces; wait until all five are queued.
-    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
-        port.WaitReadable(10);
-    EXPECT_EQ(port.BytesAvailable(), 5u);
-}
-
 // A sync chunk is 4224 bytes, more than a terminal queues (about 4 KB): the port's
 // own input queue must hold it all and report it as pending.
 TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
@@ -120,8 +106,7 @@ TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
     for (std::size_t i = 0; i < chunk.size(); ++i)
         chunk[i] = char(i * 31 + i / 256);
     std::thread peer([&] { pty.send(chunk); });
-    for (int i = 0; i < 500 && port.BytesAvailable() < chunk.size(); ++i)
-        port.WaitReadable(10);
+    waitPending(chunk.size());
     peer.join();
     EXPECT_EQ(port.BytesAvailable(), 4224u);
     std::vector<std::uint8_t> buffer(4224);
@@ -134,16 +119,14 @@ TEST_F(TCommPortTest, QueuedBytesComeBeforeLaterOnesAndCloseDropsThem)
 {
     port.OpenCommPort();
     pty.send("first");
-    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
-        port.WaitReadable(10);
+    waitPending(5);
     pty.send("second");
     std::uint8_t buffer[11] = {};
     EXPECT_EQ(port.ReadBytes(buffer, 11), 11u);
     EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 11), "firstsecond");
 
     pty.send("stale");
-    for (int i = 0; i < 100 && port.BytesAvailable() < 5; ++i)
-        port.WaitReadable(10);
+    waitPending(5);
     port.CloseCommPort();
     port.OpenCommPort();
     EXPECT_EQ(port.BytesAvailable(), 0u);
