@@ -1,7 +1,9 @@
 #pragma once
-// Records what a worker reports; can cancel itself when the bar reaches a position.
+// Records what a worker reports; can cancel itself, or run a hook, when the worker
+// reaches a stage or a bar position.
 #include "ProgressSink.h"
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -10,15 +12,23 @@ class RecordingProgressSink : public ProgressSink {
 public:
     void setStage(const std::string &text) override
     {
-        std::lock_guard lock(m_mutex);
-        stages.push_back(text);
+        {
+            std::lock_guard lock(m_mutex);
+            stages.push_back(text);
+        }
+        if (text == hookAtStage && hook) // outside the lock: a hook may wait for others
+            hook();
     }
     void setPosition(int percent) override
     {
-        std::lock_guard lock(m_mutex);
-        positions.push_back(percent);
+        {
+            std::lock_guard lock(m_mutex);
+            positions.push_back(percent);
+        }
         if (percent == cancelAtPosition)
             cancelled = true;
+        if (percent == hookAtPosition && hook)
+            hook();
     }
     bool isCancelled() const override { return cancelled; }
     void setCancelled() override { cancelled = true; }
@@ -32,6 +42,9 @@ public:
     std::vector<TransferResult> results;
     std::atomic<bool> cancelled {false};
     int cancelAtPosition = -1;
+    std::function<void()> hook;
+    std::string hookAtStage;
+    int hookAtPosition = -1;
 
 private:
     std::mutex m_mutex;

@@ -6,7 +6,6 @@
 #include "TCommPort.h"
 #include "TransferMessages.h"
 #include "TransferWorkers.h"
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>
@@ -14,26 +13,6 @@
 namespace {
 constexpr int SyncPort = 210;
 const char CommError[] = "A communications error occurred.\r\rOperation Canceled.";
-
-// Runs a callback when the worker reaches a stage or a bar position.
-class HookedProgressSink : public RecordingProgressSink {
-public:
-    void setStage(const std::string &text) override
-    {
-        RecordingProgressSink::setStage(text);
-        if (text == atStage && hook)
-            hook();
-    }
-    void setPosition(int percent) override
-    {
-        RecordingProgressSink::setPosition(percent);
-        if (percent == atPosition && hook)
-            hook();
-    }
-    std::string atStage;
-    int atPosition = -1;
-    std::function<void()> hook;
-};
 
 struct SerialSync : ::testing::Test {
     void SetUp() override
@@ -68,7 +47,7 @@ struct SerialSync : ::testing::Test {
     }
     PtyPair pty;
     std::thread analyzer;
-    HookedProgressSink progress;
+    RecordingProgressSink progress;
     RecordingMessageSink messages;
     std::unique_ptr<TsyncCommStruct> record = std::make_unique<TsyncCommStruct>();
 };
@@ -78,7 +57,7 @@ struct SerialSync : ::testing::Test {
 TEST_F(SerialSync, LineLostBeforeTheRequestIsDownloadFailed)
 {
     answer({});
-    progress.atStage = "Handshake Valid - Beginning Download";
+    progress.hookAtStage = "Handshake Valid - Beginning Download";
     progress.hook = [this] {
         analyzer.join();
         pty.hangUp();
@@ -92,7 +71,7 @@ TEST_F(SerialSync, LineLostBeforeTheRequestIsDownloadFailed)
 TEST_F(SerialSync, LineLostDuringTheDataIsInvalidDataReceived)
 {
     answer(std::string(100, 'x')); // part of the first chunk
-    progress.atPosition = 50;
+    progress.hookAtPosition = 50;
     progress.hook = [this] {
         analyzer.join();
         pty.hangUp();
