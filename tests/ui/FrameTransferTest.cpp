@@ -59,21 +59,6 @@ KnownImages knownSet(int seed, DataSet &containers)
     return images;
 }
 
-// Runs action once condition holds, checked from the event loop.
-void whenTrue(std::function<bool()> condition, std::function<void()> action)
-{
-    auto *timer = new QTimer;
-    timer->setInterval(2);
-    QObject::connect(timer, &QTimer::timeout, [timer, condition, action] {
-        if (!condition())
-            return;
-        timer->stop();
-        timer->deleteLater();
-        action();
-    });
-    timer->start();
-}
-
 struct FrameTransfer : ::testing::Test, FrameHost {
     GuiThreadMessageSink sink;
 

@@ -92,17 +92,25 @@ QStringList listTexts(QWidget *frame)
     return texts;
 }
 
-void whenModal(std::function<void(QWidget *)> action)
+void whenTrue(std::function<bool()> condition, std::function<void()> action)
 {
     auto *timer = new QTimer;
     timer->setInterval(2);
-    QObject::connect(timer, &QTimer::timeout, [timer, action] {
-        QWidget *modal = QApplication::activeModalWidget();
-        if (!modal || !modal->isVisible())
+    QObject::connect(timer, &QTimer::timeout, [timer, condition, action] {
+        if (!condition())
             return;
         timer->stop();
         timer->deleteLater();
-        action(modal);
+        action();
     });
     timer->start();
+}
+
+void whenModal(std::function<void(QWidget *)> action)
+{
+    auto modal = [] {
+        QWidget *widget = QApplication::activeModalWidget();
+        return widget && widget->isVisible() ? widget : nullptr;
+    };
+    whenTrue([modal] { return modal() != nullptr; }, [modal, action] { action(modal()); });
 }

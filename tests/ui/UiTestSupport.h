@@ -55,5 +55,7 @@ struct FrameHost {
 // The rows of the frame's inspection list.
 QStringList listTexts(QWidget *frame);
 
+// Runs action once condition holds, checked from the event loop.
+void whenTrue(std::function<bool()> condition, std::function<void()> action);
 // Runs action on the next modal widget that becomes active (from the event loop).
 void whenModal(std::function<void(QWidget *)> action);
