@@ -129,10 +129,11 @@ TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
         EngineLink link(test++);
         ASSERT_EQ(link.engine.open(), 0);
         EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), c.blocks), c.result) << test;
-        if (c.result != 0)
+        if (c.result != 0) {
             EXPECT_EQ(link.module.isOpen(), TgenericCommmunicationsModule::Idle) << test;
-        else if (c.blocks == 3)
+        } else if (c.blocks == 3) {
             EXPECT_EQ(link.progress.positions, (std::vector<int>{30, 63, 76, 90}));
+        }
         link.engine.close();
         peer.join();
         EXPECT_EQ(peer.received, "PTSP\r" + data.substr(0, c.blocksSent * 264)) << test;
