@@ -16,15 +16,8 @@ std::string TexportCsvCommand::usage() const
 int TexportCsvCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    std::string why;
-    if (!args.parse(arguments, {"--all"}, 1, why)) {
-        std::cerr << "kt930ctl export-csv: " << why << "\n" << usage();
-        return 2;
-    }
-    if (args.help) {
-        std::cout << usage();
-        return 0;
-    }
+    if (auto exitCode = parseArguments(arguments, args, {"--all"}, 1))
+        return *exitCode;
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
     data.loadCheckitems();

@@ -38,15 +38,8 @@ const char *TimportCsvCommand::overflowText()
 int TimportCsvCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    std::string why;
-    if (!args.parse(arguments, {}, 1, why)) {
-        std::cerr << "kt930ctl import-csv: " << why << "\n" << usage();
-        return 2;
-    }
-    if (args.help) {
-        std::cout << usage();
-        return 0;
-    }
+    if (auto exitCode = parseArguments(arguments, args, {}, 1))
+        return *exitCode;
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
     data.loadCheckitems();

@@ -191,15 +191,8 @@ std::string TshowCommand::usage() const
 int TshowCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    std::string why;
-    if (!args.parse(arguments, {"--json"}, 0, why)) {
-        std::cerr << "kt930ctl show: " << why << "\n" << usage();
-        return 2;
-    }
-    if (args.help) {
-        std::cout << usage();
-        return 0;
-    }
+    if (auto exitCode = parseArguments(arguments, args, {"--json"}, 0))
+        return *exitCode;
     Treport report = gather(args.appDir);
     if (args.has("--json"))
         printJson(report, std::cout);

@@ -153,16 +153,10 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &
 int TtransferCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    std::string why;
-    if (!args.parse(arguments, {"--usb"}, 0, why, {"--ethernet", "--serial"})) {
-        std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
-        return 2;
-    }
-    if (args.help) {
-        std::cout << usage();
-        return 0;
-    }
+    if (auto exitCode = parseArguments(arguments, args, {"--usb"}, 0, {"--ethernet", "--serial"}))
+        return *exitCode;
     TcommSettings settings;
+    std::string why;
     if (!connectionFrom(args, settings, why)) {
         std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
         return 2;
