@@ -42,6 +42,10 @@ int CategoryDescriptors::save(const TcategoryMap &map, const fs::path &path)
 {
     std::string bytes;
     for (const auto &[letter, text] : map) {
+        // The category editor's look-ups leave empty entries, some under keys that
+        // are no letter at all; neither names a category.
+        if (letter < 'A' || letter > 'Z' || text.empty())
+            continue;
         bytes.push_back(letter);
         bytes += ", " + text + "\n";
     }
