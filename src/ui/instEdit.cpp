@@ -79,6 +79,13 @@ void writeOpListTrace(const std::map<int, char> &revOpComboMap)
 }
 }
 
+// The sort pictures live in this library's resources, which a static link drops
+// unless they are asked for by name.
+static void initSortPictures()
+{
+    Q_INIT_RESOURCE(instEdit);
+}
+
 template <class Handler> void TinstructionEditorForm::guarded(Handler handler)
 {
     try {
@@ -95,6 +102,7 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
 {
     setUpControls();
     ui->btnSync->setText(QStringLiteral("Sync\nWith\nKT930"));
+    initSortPictures();
     m_sortUp = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_UP"));
     m_sortDown = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
     buildPanels();
@@ -154,6 +162,12 @@ void TinstructionEditorForm::setUpControls()
 
     ui->btnUpdate->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
     ui->btnCancel->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
+    // Hidden between edits without moving the fields below them.
+    for (QToolButton *button : {ui->btnUpdate, ui->btnCancel}) {
+        QSizePolicy policy = button->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        button->setSizePolicy(policy);
+    }
 
     instTableOpenDlg = new QFileDialog(this);
     instTableOpenDlg->setObjectName(QStringLiteral("instTableOpenDlg"));
@@ -553,7 +567,14 @@ void TinstructionEditorForm::btnEditInstClick()
     m_savedOpIndex = ui->lstOp->currentIndex();
     m_savedCatIndex = ui->lstCat->currentIndex();
     setEditing();
-    selectedOpPanel(FatalText, __LINE__).Enable();
+    TInstrPanel &panel = selectedOpPanel(FatalText, __LINE__);
+    panel.Enable();
+    // Typing goes to the first parameter at once.
+    for (QWidget *field : panel.findChildren<QWidget *>())
+        if (field->focusPolicy() & Qt::TabFocus) {
+            field->setFocus();
+            break;
+        }
 }
 
 void TinstructionEditorForm::lstOpChange()
