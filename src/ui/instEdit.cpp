@@ -145,7 +145,6 @@ void TinstructionEditorForm::setUpControls()
     ui->setupUi(this);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
                    | Qt::WindowCloseButtonHint);
-    setModal(true);
 
     m_header = new TinstGridHeader(ui->instList);
     ui->instList->setHorizontalHeader(m_header);
