@@ -65,15 +65,6 @@ TEST_F(CliListingTest, PrintsTheEditorsFirstViewOfTheDatabase)
                                         "    5    Earth bond  M - Measure    EB\u00BB0\u00BB5"}));
 }
 
-TEST_F(CliListingTest, EmptyDatabaseGivesTheHeadingAlone)
-{
-    writeCheckitems({});
-    ProgramRun result = listing((temp / "list.pdf").string());
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(textLines(temp / "list.pdf"),
-              (std::vector<std::string>{"    KT930pc Instruction Listing", "    No.  Category  Op Code  Command"}));
-}
-
 TEST_F(CliListingTest, BadInputIsNamedAndFails)
 {
     fs::create_directories(temp / "folder.pdf");

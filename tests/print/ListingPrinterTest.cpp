@@ -137,11 +137,3 @@ TEST_F(ListingPrinterTest, EmptyListIsOnePageWithHeadingAndHeader)
     EXPECT_EQ(lines, (std::vector<std::string>{Indent + "KT930pc Instruction Listing", "",
                                                Indent + "No.  Category  Op Code  Command"}));
 }
-
-TEST_F(ListingPrinterTest, PrinterThatCannotStartPrintsNothing)
-{
-    QPrinter printer(QPrinter::HighResolution);
-    TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "missing/list.pdf").string()));
-    EXPECT_FALSE(TinstListingPrinter::print(printer, {Header, row(1, "x")}));
-    EXPECT_FALSE(std::filesystem::exists(temp / "missing"));
-}

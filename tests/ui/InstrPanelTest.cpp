@@ -99,19 +99,6 @@ TEST_F(InstrPanelTest, OneRowOfLabelsAndBoxPerFieldLine)
     EXPECT_EQ(p.range(3).hasRange, 0);
 }
 
-TEST_F(InstrPanelTest, MinMaxReadsTheRangeOrNone)
-{
-    TInstrPanel::dataInfo info;
-    TInstrPanel::MinMax("\"N\"", &info);
-    EXPECT_EQ(info.hasRange, 0);
-    EXPECT_EQ(info.minimum, 0);
-    EXPECT_EQ(info.maximum, 0);
-    TInstrPanel::MinMax("\"F0.1,999\"", &info);
-    EXPECT_EQ(info.hasRange, 1);
-    EXPECT_DOUBLE_EQ(info.minimum, 0.1);
-    EXPECT_DOUBLE_EQ(info.maximum, 999);
-}
-
 TEST_F(InstrPanelTest, FieldLinesBreakingTheGrammarThrowCode6)
 {
     for (const char *line : {"\"a\"\t\"b\"", "\"a\"\t\"b\"\t\"N10,5\"", "\"a\"\t\"b\"\t\"X\"", "a\t\"b\"\t\"N\"", ""}) {
