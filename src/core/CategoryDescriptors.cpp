@@ -58,8 +58,9 @@ std::string CategoryDescriptors::displayText(const TcategoryMap &map, char lette
         return "<empty>";
     if (letter < 'A' || letter > 'Z')
         return "";
+    // An empty entry is an unused letter (the category editor leaves such entries behind).
     auto it = map.find(letter);
-    return it != map.end() ? it->second : std::string(1, letter);
+    return it != map.end() && !it->second.empty() ? it->second : std::string(1, letter);
 }
 
 const char *CategoryDescriptors::loadErrorText()

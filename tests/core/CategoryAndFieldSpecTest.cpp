@@ -51,9 +51,10 @@ TEST(CategoryDescriptors, SavesOnlyNamedLettersAToZ)
 
 TEST(CategoryDescriptors, DisplayTextAndErrorText)
 {
-    TcategoryMap map{{'B', "Electrical tests"}};
+    TcategoryMap map{{'B', "Electrical tests"}, {'D', ""}};
     EXPECT_EQ(CategoryDescriptors::displayText(map, 'B'), "Electrical tests");
     EXPECT_EQ(CategoryDescriptors::displayText(map, 'C'), "C");
+    EXPECT_EQ(CategoryDescriptors::displayText(map, 'D'), "D"); // cleared by the category editor
     EXPECT_EQ(CategoryDescriptors::displayText(map, 0), "<empty>");
     EXPECT_EQ(CategoryDescriptors::displayText(map, ' '), "");
     EXPECT_STREQ(CategoryDescriptors::loadErrorText(),
