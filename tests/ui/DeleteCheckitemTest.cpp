@@ -8,51 +8,48 @@
 #include <gtest/gtest.h>
 
 namespace {
-std::string padded(const std::string &title)
-{
-    return title + std::string(18 - title.size(), ' ');
-}
-
 struct Answered {
-    bool result;
+    bool result = false;
     QStringList lines;
-    bool focusOnNo;
+    bool focusOnNo = false;
 };
 
-// Confirms checkitem `number` and answers with `button` (or closes the window when null).
+// Confirms checkitem `number` and answers with `button`, or closes the window when it is null.
 Answered confirm(const AppDirScope &app, std::uint16_t number, const char *button)
 {
-    Answered answered{};
-    whenModal([&answered, button](QWidget *dialog) {
-        whenTrue([dialog] { return dialog->isActiveWindow(); }, [&answered, button, dialog] {
-            answered.lines = dialog->findChild<QPlainTextEdit *>("affectedSequences")->toPlainText().split('\n');
-            answered.focusOnNo = QApplication::focusWidget() == dialog->findChild<QPushButton *>("btnNo");
-            if (button)
-                QTest::mouseClick(dialog->findChild<QPushButton *>(button), Qt::LeftButton);
-            else
-                dialog->close();
+    Answered answered;
+    whenModal([&answered, button](QWidget *d) {
+        whenTrue([d] { return d->isActiveWindow(); }, [&answered, button, d] {
+            answered.lines = d->findChild<QPlainTextEdit *>("affectedSequences")->toPlainText().split('\n');
+            answered.focusOnNo = QApplication::focusWidget() == d->findChild<QPushButton *>("btnNo");
+            button ? QTest::mouseClick(d->findChild<QPushButton *>(button), Qt::LeftButton) : void(d->close());
         });
     });
     answered.result = TdeleteInstructionFrm::confirmDeletion(number, app.dir().path());
     return answered;
 }
+
+QString line(const std::string &title1, const std::string &title2)
+{
+    return QString::fromStdString("  " + title1 + std::string(18 - title1.size(), ' ') + " - " + title2 +
+                                  std::string(18 - title2.size(), ' '));
+}
 } // namespace
 
-TEST(DeleteCheckitem, WithoutAutosequenceFilesItSaysSoAndAlwaysAllows)
+TEST(DeleteCheckitem, WithoutAutosequenceFilesItSaysSoAndAllowsEvenAfterNo)
 {
     AppDirScope app;
-    app.writeData("mit.dat", std::string(44, ' '));
     Answered answered = confirm(app, 7, "btnNo");
     EXPECT_TRUE(answered.result);
     EXPECT_EQ(answered.lines, QStringList{"No Autosequences Found!"});
     EXPECT_TRUE(answered.focusOnNo);
 }
 
-TEST(DeleteCheckitem, ListsEachFileWithItsAffectedSequencesInNameOrder)
+TEST(DeleteCheckitem, ListsEachFileWithItsAffectedSequencesAndFollowsTheAnswer)
 {
     AppDirScope app;
     app.writeData("usertester2.asq", asqBytes("User Tester Autosequences", "Bench 2",
-                                              {sequence("LEAKAGE", "CLASS 1", {3, 7, 0}), sequence("EARTH", "BOND", {1})}));
+                                              {sequence("LEAKAGE", "CLASS 1", {3, 7}), sequence("EARTH", "", {1})}));
     app.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward A",
                                              {sequence("CABLE", "", {7}), unusedSequence(), sequence("PLUG", "FUSE", {2, 7})}));
     app.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "Bench 1", {sequence("OTHER", "", {8})}));
@@ -60,18 +57,10 @@ TEST(DeleteCheckitem, ListsEachFileWithItsAffectedSequencesInNameOrder)
 
     Answered answered = confirm(app, 7, "btnYes");
     EXPECT_TRUE(answered.result);
-    EXPECT_EQ(answered.lines, (QStringList{
-                                  "Physical Inspections - Ward A",
-                                  QString::fromStdString("  " + padded("CABLE") + " - " + padded("")),
-                                  QString::fromStdString("  " + padded("PLUG") + " - " + padded("FUSE")),
-                                  "User Tester Autosequences - Bench 2",
-                                  QString::fromStdString("  " + padded("LEAKAGE") + " - " + padded("CLASS 1")),
-                              }));
+    EXPECT_EQ(answered.lines, (QStringList{"Physical Inspections - Ward A", line("CABLE", ""), line("PLUG", "FUSE"),
+                                           "User Tester Autosequences - Bench 2", line("LEAKAGE", "CLASS 1")}));
     EXPECT_TRUE(answered.focusOnNo);
-
     EXPECT_FALSE(confirm(app, 7, "btnNo").result);
     EXPECT_FALSE(confirm(app, 7, nullptr).result);
-    Answered unused = confirm(app, 99, "btnYes"); // files exist, none refers to 99
-    EXPECT_TRUE(unused.result);
-    EXPECT_EQ(unused.lines, QStringList{""});
+    EXPECT_EQ(confirm(app, 99, "btnYes").lines, QStringList{""}); // no file refers to 99
 }
