@@ -58,7 +58,7 @@ std::string CategoryDescriptors::displayText(const TcategoryMap &map, char lette
         return "<empty>";
     if (letter < 'A' || letter > 'Z')
         return "";
-    // An empty name leaves the letter unused, as the category editor makes it.
+    // An empty entry is an unused letter (the category editor leaves such entries behind).
     auto it = map.find(letter);
     return it != map.end() && !it->second.empty() ? it->second : std::string(1, letter);
 }

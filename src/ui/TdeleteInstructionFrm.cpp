@@ -43,6 +43,8 @@ TdeleteInstructionFrm::TdeleteInstructionFrm(QWidget *owner)
     : QDialog(owner, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       ui(new Ui::TdeleteInstructionFrm)
 {
+    // The picture lives in a static library: its resource must be pulled in by hand.
+    Q_INIT_RESOURCE(deleteWarning);
     ui->setupUi(this);
     ui->affectedSequences->clear();
     connect(ui->btnYes, &QPushButton::clicked, this, &TdeleteInstructionFrm::btnYesClick);

@@ -372,9 +372,10 @@ bool TInstrPanel::eventFilter(QObject *watched, QEvent *event)
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto *keyEvent = static_cast<QKeyEvent *>(event);
-    // Keys that type nothing (arrows, Home, shortcuts) keep their editing meaning.
+    // Keys that type nothing (arrows, Home, Ctrl shortcuts) keep their editing meaning.
     if (keyEvent->key() == Qt::Key_Backspace || keyEvent->key() == Qt::Key_Delete || keyEvent->text().isEmpty()
-        || keyEvent->text().at(0).unicode() < 32)
+        || keyEvent->text().at(0).unicode() < 32
+        || (keyEvent->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
         return false;
     std::string typed = TguiText::toBytes(keyEvent->text().left(1));
     char key = typed.empty() ? 0 : typed[0];
