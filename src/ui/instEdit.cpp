@@ -30,7 +30,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <ios>
 #include <new>
 
 namespace {
@@ -206,12 +205,9 @@ void TinstructionEditorForm::setUpControls()
 // Without a database the form can only be closed.
 void TinstructionEditorForm::makeDegenerate()
 {
-    for (QWidget *control : {static_cast<QWidget *>(ui->btnSync), static_cast<QWidget *>(ui->btnHelp),
-                             static_cast<QWidget *>(ui->btnImport), static_cast<QWidget *>(ui->btnDelete),
-                             static_cast<QWidget *>(ui->btnNewInst), static_cast<QWidget *>(ui->btnEditInst),
-                             static_cast<QWidget *>(ui->btnFilter), static_cast<QWidget *>(ui->instList),
-                             static_cast<QWidget *>(ui->btnPrint), static_cast<QWidget *>(ui->btnExport)})
-        control->setEnabled(false);
+    for (QWidget *control : listControls())
+        control->setEnabled(control == ui->btnOk);
+    ui->btnExport->setEnabled(false);
 }
 
 // ---- construction
@@ -248,10 +244,10 @@ void TinstructionEditorForm::buildPanels()
             m_opInfoMap.emplace(info.opCode, info);
             m_opOrderMap.emplace(info.opCode, info.listOrder);
         }
-    } catch (const TInstrPanelError &) {
-        // A field line the panel cannot read: the files are corrupt like an unreadable one.
-        m_sink.error("ERROR!", FilesCorruptText);
-    } catch (const std::ios_base::failure &) {
+    } catch (const TinstructionEditorFormException &) {
+        throw;
+    } catch (const std::runtime_error &) {
+        // A file the stream cannot read, or a field line the panel cannot: the files are corrupt.
         m_sink.error("ERROR!", FilesCorruptText);
     } catch (const std::bad_alloc &) {
         m_sink.error("SYSTEM ERROR!", NoMemoryText);

@@ -6,6 +6,7 @@
 #include "RecordingMessageSink.h"
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
+#include "TguiMessageSink.h"
 #include "TinstGridHeader.h"
 #include "TinstListingPrinter.h"
 #include "UiTestSupport.h"
@@ -513,4 +514,17 @@ TEST_F(Editor, PrintsTheGridAsItStandsAndHelpOpensInAWindowOfTheEditor)
     ASSERT_NE(help, nullptr);
     EXPECT_TRUE(help->isWindow() && help->isVisible() && help->topicLoaded());
     EXPECT_EQ(help->windowTitle(), "TestProcedureEditor Help");
+}
+
+TEST(EditorGuard, TheParameterlessFormOnlySaysSoAndCanOnlyBeClosed)
+{
+    ensureApplication();
+    RecordingMessageSink sink;
+    TguiMessageSink::setDefaultSink(&sink);
+    TinstructionEditorForm guard;
+    TguiMessageSink::setDefaultSink(nullptr);
+    EXPECT_EQ(sink.messages, (Messages{{"Error 0001 - TinstructionEditorForm::TinstructionEditorForm()",
+                                        "Fatal Error - Please contact your software vendor immediately!",
+                                        MsgIcon::Exclamation}}));
+    EXPECT_EQ(enabledControls(&guard), QStringList{"btnOk"});
 }
