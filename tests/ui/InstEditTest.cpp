@@ -15,6 +15,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -153,7 +154,8 @@ struct Editor : ::testing::Test {
         editor->show();
         return editor;
     }
-    // Imports through the file dialog, going to the application folder first.
+    // Imports through the file dialog: to the application folder, and once its
+    // listing is in (it arrives from a thread of its own), the file's name.
     void importFile(QWidget *editor, const QString &name)
     {
         whenModal([folder = QString::fromStdString(appDir.dir().path().string()), name](QWidget *dialog) {
@@ -163,10 +165,13 @@ struct Editor : ::testing::Test {
             EXPECT_EQ(files->windowTitle(), "Import Checkitems");
             EXPECT_EQ(files->nameFilters(), QStringList{"Comma Separated Files (*.csv)"});
             files->setDirectory(folder);
-            auto *fileName = get<QLineEdit>(dialog, "fileNameEdit");
-            fileName->clear();
-            QTest::keyClicks(fileName, name);
-            get<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open)->click();
+            auto *listing = files->findChild<QFileSystemModel *>();
+            whenTrue([listing, folder] { return listing->rowCount(listing->index(folder)) > 0; }, [dialog, name] {
+                auto *fileName = get<QLineEdit>(dialog, "fileNameEdit");
+                fileName->clear();
+                QTest::keyClicks(fileName, name);
+                get<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open)->click();
+            });
         });
         click(editor, "btnImport");
     }
