@@ -42,6 +42,10 @@ int CategoryDescriptors::save(const TcategoryMap &map, const fs::path &path)
 {
     std::string bytes;
     for (const auto &[letter, text] : map) {
+        // The category editor's look-ups leave empty entries, some under keys that
+        // are no letter at all; neither names a category.
+        if (letter < 'A' || letter > 'Z' || text.empty())
+            continue;
         bytes.push_back(letter);
         bytes += ", " + text + "\n";
     }
@@ -54,8 +58,9 @@ std::string CategoryDescriptors::displayText(const TcategoryMap &map, char lette
         return "<empty>";
     if (letter < 'A' || letter > 'Z')
         return "";
+    // An empty entry is an unused letter (the category editor leaves such entries behind).
     auto it = map.find(letter);
-    return it != map.end() ? it->second : std::string(1, letter);
+    return it != map.end() && !it->second.empty() ? it->second : std::string(1, letter);
 }
 
 const char *CategoryDescriptors::loadErrorText()

@@ -40,11 +40,21 @@ TEST(CategoryDescriptors, SavesInKeyOrderAndReadsBack)
     EXPECT_EQ(TempDir::read(readOnly), "A, x\n");
 }
 
+TEST(CategoryDescriptors, SavesOnlyNamedLettersAToZ)
+{
+    TempDir dir;
+    TcategoryMap map{{'\x01', "shifted key"}, {' ', "blank"}, {'@', "before A"}, {'[', "after Z"},
+                     {'a', "lower case"}, {'C', ""}, {'A', "First"}, {'Z', "Last"}};
+    ASSERT_EQ(CategoryDescriptors::save(map, dir / "catdes.dat"), 0);
+    EXPECT_EQ(TempDir::read(dir / "catdes.dat"), "A, First\nZ, Last\n");
+}
+
 TEST(CategoryDescriptors, DisplayTextAndErrorText)
 {
-    TcategoryMap map{{'B', "Electrical tests"}};
+    TcategoryMap map{{'B', "Electrical tests"}, {'D', ""}};
     EXPECT_EQ(CategoryDescriptors::displayText(map, 'B'), "Electrical tests");
     EXPECT_EQ(CategoryDescriptors::displayText(map, 'C'), "C");
+    EXPECT_EQ(CategoryDescriptors::displayText(map, 'D'), "D"); // cleared by the category editor
     EXPECT_EQ(CategoryDescriptors::displayText(map, 0), "<empty>");
     EXPECT_EQ(CategoryDescriptors::displayText(map, ' '), "");
     EXPECT_STREQ(CategoryDescriptors::loadErrorText(),

@@ -1,0 +1,130 @@
+// The checkitem filter dialog: its lists, and how every choice on either page
+// rewrites the filter's sets at once, OK and Cancel alike.
+#include "TInstrDatabase.h"
+#include "UiTestSupport.h"
+#include "asEdFilterPopup.h"
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace {
+using Chars = std::vector<char>;
+const Chars letters{'A', 'B', 'C', 'D', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'L', 'M',
+                    'N', 'O', 'P', 'Q', 'R', 'S', 'T', 'U', 'V', 'W', 'X', 'Y', 'Z'};
+
+struct FilterDialog {
+    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}},
+                        {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
+    TcategoryMap descriptors{{'B', "Electrical"}, {'K', ""}};
+    Tfilter filter;
+    TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
+
+    template <typename T = QWidget> T *get(const char *name) { return form.findChild<T *>(name); }
+    QStringList items(const char *name)
+    {
+        const QAbstractItemModel *model = get<QComboBox>(name) ? get<QComboBox>(name)->model()
+                                                               : get<QListWidget>(name)->model();
+        QStringList texts;
+        for (int i = 0; i < model->rowCount(); ++i)
+            texts << model->index(i, 0).data().toString();
+        return texts;
+    }
+    void clickBox(const char *name, int row) // where a user clicks: on the check box
+    {
+        auto *list = get<QListWidget>(name);
+        QStyleOptionViewItem option;
+        option.initFrom(list->viewport());
+        option.rect = list->visualItemRect(list->item(row));
+        option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
+        QRect box = list->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, list);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, box.center());
+    }
+    void showPage(int page)
+    {
+        QTabBar *bar = get<QTabWidget>("filterSelect")->tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(page).center());
+    }
+    void click(const char *button) { QTest::mouseClick(get(button), Qt::LeftButton); }
+    void key(const char *list, Qt::Key key) { QTest::keyClick(get(list), key); }
+};
+} // namespace
+
+TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
+{
+    ensureApplication();
+    TInstrDatabase::clearNames();
+    FilterDialog d;
+    EXPECT_EQ(d.form.windowTitle(), "Checkitem Filter");
+    auto *tabs = d.get<QTabWidget>("filterSelect");
+    EXPECT_EQ(tabs->tabText(0) + "|" + tabs->tabText(1), "Basic Filter|Advanced Filter");
+    EXPECT_EQ(tabs->currentIndex(), 0);
+    QStringList categories;
+    for (char c : letters)
+        categories << (c == 'B' ? QString("Electrical") : QString(QChar(c)));
+    EXPECT_EQ(d.items("lstBasicCat"), QStringList{"<All Categories>"} + categories);
+    EXPECT_EQ(d.items("lstAdvCat"), categories);
+    const QStringList names{"A - Autosequence", "D - Dielectric", "M - Measure", "P - Prompt"};
+    EXPECT_EQ(d.items("lstBasicOp"), QStringList{"<All Op Codes>"} + names);
+    EXPECT_EQ(d.items("lstAdvOp"), names);
+    // Opening sets only the mode, and hands the op names to the database.
+    EXPECT_TRUE(d.filter.checklistMode && d.filter.categorySet.empty() && d.filter.opSet.empty());
+    EXPECT_EQ(TInstrDatabase::nameOf('D'), "D - Dielectric");
+    try {
+        TinstructionFilterForm form(nullptr, false, nullptr, &d.descriptors, &d.filter);
+        FAIL();
+    } catch (const TinstructionFilterException &e) {
+        EXPECT_EQ(e.what() + std::string("|") + e.file, "Invalid Checkitem Name List|asEdFilterPopup");
+        EXPECT_GT(e.line, 0);
+    }
+}
+
+TEST(FilterDialog, EveryChoiceOnEitherPageRewritesBothSets)
+{
+    ensureApplication();
+    FilterDialog d;
+    d.form.show();
+    d.key("lstBasicCat", Qt::Key_End);
+    d.key("lstBasicOp", Qt::Key_End);
+    EXPECT_EQ(d.filter.categorySet, Chars{'Z'});
+    EXPECT_EQ(d.filter.opSet, Chars{'P'});
+    d.key("lstBasicCat", Qt::Key_Home);
+    EXPECT_EQ(d.filter.categorySet, letters);
+
+    d.showPage(1); // nothing checked yet
+    EXPECT_TRUE(d.filter.categorySet.empty() && d.filter.opSet.empty());
+    for (int row : {10, 2, 10})
+        d.clickBox("lstAdvCat", row);
+    d.clickBox("lstAdvOp", 1);
+    EXPECT_EQ(d.filter.categorySet, Chars{'C'});
+    EXPECT_EQ(d.filter.opSet, Chars{'D'});
+    d.showPage(0);
+    EXPECT_EQ(d.filter.categorySet, letters);
+    EXPECT_EQ(d.filter.opSet, Chars{'P'});
+    d.showPage(1);
+    EXPECT_EQ(d.filter.categorySet, Chars{'C'});
+
+    d.click("btnSelectAllCat");
+    d.click("btnSelectAllOp");
+    d.showPage(0);
+    d.showPage(1); // recomputed from the boxes, so every box is checked
+    EXPECT_EQ(d.filter.categorySet, letters);
+    EXPECT_EQ(d.filter.opSet, (Chars{'A', 'D', 'M', 'P'}));
+}
+
+TEST(FilterDialog, OkAndCancelBothLeaveWhatWasWritten)
+{
+    ensureApplication();
+    for (const char *button : {"btnOk", "btnCancel"}) {
+        FilterDialog d;
+        whenModal([&d, button](QWidget *) {
+            d.key("lstBasicOp", Qt::Key_Down);
+            d.click(button);
+        });
+        EXPECT_EQ(d.form.exec(), button == std::string("btnOk") ? QDialog::Accepted : QDialog::Rejected);
+        EXPECT_EQ(d.filter.opSet, Chars{'A'}) << button;
+    }
+}
