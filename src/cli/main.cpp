@@ -1,5 +1,8 @@
 // kt930ctl: the data set and the analyzer from a terminal or a script.
 #include "TexportCsvCommand.h"
+#ifdef KT930_HAS_PRINT
+#include "TlistingCommand.h"
+#endif
 #include "TimportCsvCommand.h"
 #include "TshowCommand.h"
 #include "TtransferCommand.h"
@@ -13,6 +16,9 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TshowCommand>());
     commands.push_back(std::make_unique<TexportCsvCommand>());
     commands.push_back(std::make_unique<TimportCsvCommand>());
+#ifdef KT930_HAS_PRINT
+    commands.push_back(std::make_unique<TlistingCommand>());
+#endif
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Sync));

@@ -3,6 +3,12 @@
 #include <cstring>
 #include <vector>
 
+TInstrPanelError::TInstrPanelError(int code, const char *file, int line)
+    : std::runtime_error("TInstrPanelError " + std::to_string(code) + " at " + file + ":" + std::to_string(line)),
+      code(code), file(file), line(line)
+{
+}
+
 namespace {
 [[noreturn]] void fail(int line)
 {

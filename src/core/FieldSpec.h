@@ -4,9 +4,8 @@
 #include <string>
 
 struct TInstrPanelError : std::runtime_error {
-    TInstrPanelError(int code, const char *file, int line)
-        : std::runtime_error("TInstrPanelError " + std::to_string(code) + " at " + file + ":" + std::to_string(line)),
-          code(code), file(file), line(line) {}
+    // Out of line: the plug-in exports the panel that throws it, and nothing else.
+    TInstrPanelError(int code, const char *file, int line);
     int code;
     std::string file;
     int line;

@@ -1,0 +1,25 @@
+#include "TinstGridText.h"
+
+namespace {
+// Tabs further on are left as they are: the grid never showed more of the text.
+constexpr std::size_t TabScanLength = 43;
+constexpr char TabMark = char(0xBB);
+}
+
+const std::array<std::string, 4> &TinstGridText::header()
+{
+    static const std::array<std::string, 4> texts{"No.", "Category", "Op Code", "Command"};
+    return texts;
+}
+
+std::array<std::string, 4> TinstGridText::row(const TInstrDatabase &db, std::uint32_t index,
+                                              const TcategoryMap &descriptors)
+{
+    const TInstr &record = db[index];
+    std::string command = record.commandText();
+    for (std::size_t i = 0; i < command.size() && i < TabScanLength; ++i)
+        if (command[i] == '\t')
+            command[i] = TabMark;
+    return {std::to_string(index + 1), CategoryDescriptors::displayText(descriptors, record.category),
+            TInstrDatabase::nameOf(record.opCode), command};
+}

@@ -1,0 +1,17 @@
+#pragma once
+// The texts of one row of the checkitem editor's grid (8-bit Windows-1252), shared
+// by the editor and the printed listing.
+#include "CategoryDescriptors.h"
+#include "TInstrDatabase.h"
+#include <array>
+#include <cstdint>
+#include <string>
+
+class TinstGridText {
+public:
+    static const std::array<std::string, 4> &header(); // "No.", "Category", "Op Code", "Command"
+    // Number index + 1, the category display text, the op-code name (nameOf), the
+    // command text with each tab among its first 43 characters shown as 0xBB.
+    static std::array<std::string, 4> row(const TInstrDatabase &db, std::uint32_t index,
+                                          const TcategoryMap &descriptors);
+};

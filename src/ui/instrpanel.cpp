@@ -1,0 +1,391 @@
+#include "instrpanel.h"
+#include "FieldSpec.h"
+#include "OpCodeDefinitions.h"
+#include "TInstr.h"
+#include "TguiText.h"
+#include <QComboBox>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <algorithm>
+#include <charconv>
+
+namespace {
+constexpr std::size_t CommandLength = 41;
+
+[[noreturn]] void fail(int code, int line)
+{
+    throw TInstrPanelError(code, __FILE__, line);
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+std::vector<std::string> splitAtTabs(const std::string &text)
+{
+    std::vector<std::string> tokens;
+    std::size_t start = 0;
+    for (;;) {
+        std::size_t tab = text.find('\t', start);
+        tokens.push_back(text.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
+        if (tab == std::string::npos)
+            return tokens;
+        start = tab + 1;
+    }
+}
+
+// Locale-free, so a host that sets LC_NUMERIC reads "0.5" the same.
+bool toDouble(const std::string &text, double &value)
+{
+    if (text.empty())
+        return false;
+    auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+std::string shortest(double value)
+{
+    char buffer[32];
+    auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return std::string(buffer, result.ptr);
+}
+
+// Digits with at most one '.', and one '-' only in front.
+bool isDecimalText(const std::string &text)
+{
+    bool point = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == '-' && i == 0)
+            continue;
+        if (c == '.' && !point) {
+            point = true;
+            continue;
+        }
+        if (!isDigit(c))
+            return false;
+    }
+    return true;
+}
+}
+
+TInstrPanel::TInstrPanel(QWidget *owner, const std::filesystem::path &fileName,
+                         int width, int top, int left, int rowGap, int labelWidth)
+    : QWidget(owner), m_rowGap(rowGap), m_labelWidth(labelWidth)
+{
+    std::vector<std::string> lines = OpCodeDefinitions::readLines(fileName);
+    if (lines.size() < 2 || lines[0].size() < 2)
+        throw TopCodeFileCorrupt(fileName.string());
+    m_opCode = lines[0][0];
+    lines.erase(lines.begin(), lines.begin() + 2);
+
+    m_layout = new QGridLayout(this);
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setVerticalSpacing(rowGap);
+    if (m_opCode == 'A') {
+        ParseAutoField(lines);
+        initAuto();
+    } else {
+        ParseCommands(lines);
+    }
+    m_layout->setColumnStretch(1, 1);
+    m_layout->setRowStretch(m_layout->rowCount(), 1);
+
+    setMinimumWidth(width);
+    if (owner && owner->layout())
+        owner->layout()->addWidget(this);
+    else
+        setGeometry(left, top, width, PanelHeight);
+}
+
+TInstrPanel::~TInstrPanel()
+{
+    CleanUp();
+}
+
+void TInstrPanel::CleanUp()
+{
+    // The controls are children of the panel; dropping the pointers is what is left.
+    m_boxes.clear();
+    m_tags.clear();
+    m_ranges.clear();
+    m_autoCodes.clear();
+    m_autoTexts.clear();
+    m_autoCounts.clear();
+}
+
+void TInstrPanel::MinMax(const std::string &spec, dataInfo *info)
+{
+    *info = dataInfo();
+    if (spec.size() == 3)
+        return;
+    std::size_t comma = spec.find(',');
+    if (comma == std::string::npos || spec.size() < 4)
+        return;
+    info->hasRange = 1;
+    toDouble(spec.substr(2, comma - 2), info->minimum);
+    toDouble(spec.substr(comma + 1, spec.size() - 2 - comma), info->maximum);
+}
+
+void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
+{
+    if (lines.empty())
+        return;
+    if (PanelHeight / int(lines.size()) < 1)
+        fail(2, __LINE__);
+    for (const std::string &line : lines) {
+        TfieldSpec field = TfieldSpec::parse(line);
+        std::size_t lastTab = line.rfind('\t');
+        dataInfo range;
+        MinMax(line.substr(lastTab + 1), &range);
+        int row = int(m_boxes.size());
+        addFieldRow(row, field.leftLabel, field.rightLabel);
+        m_tags.push_back(field.typeTag);
+        m_ranges.push_back(range);
+    }
+}
+
+void TInstrPanel::addFieldRow(int row, const std::string &left, const std::string &right)
+{
+    auto *leftLabel = new QLabel(TguiText::fromBytes(left), this);
+    leftLabel->setObjectName(QStringLiteral("leftLabel%1").arg(row));
+    leftLabel->setMinimumWidth(m_labelWidth);
+    auto *box = new QLineEdit(this);
+    box->setObjectName(QStringLiteral("field%1").arg(row));
+    box->installEventFilter(this);
+    auto *rightLabel = new QLabel(TguiText::fromBytes(right), this);
+    rightLabel->setObjectName(QStringLiteral("rightLabel%1").arg(row));
+    m_layout->addWidget(leftLabel, row, 0);
+    m_layout->addWidget(box, row, 1);
+    m_layout->addWidget(rightLabel, row, 2);
+    m_boxes.push_back(box);
+}
+
+void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
+{
+    for (const std::string &line : lines) {
+        std::vector<std::string> tokens = splitAtTabs(line);
+        if (tokens.size() != 3)
+            fail(6, __LINE__);
+        int count = 0;
+        const std::string &number = tokens[2];
+        auto result = std::from_chars(number.data(), number.data() + number.size(), count);
+        if (result.ec != std::errc() || result.ptr != number.data() + number.size() || count < 0)
+            fail(6, __LINE__);
+        m_autoCodes.append(TguiText::fromBytes(tokens[0]));
+        m_autoTexts.append(TguiText::fromBytes(tokens[1]));
+        m_autoCounts.push_back(count);
+    }
+
+    auto *typeLabel = new QLabel(QStringLiteral("Autosequence Type:"), this);
+    typeLabel->setObjectName(QStringLiteral("labelAutoType"));
+    m_comboAutoType = new QComboBox(this);
+    m_comboAutoType->setObjectName(QStringLiteral("comboAutoType"));
+    auto *numLabel = new QLabel(QStringLiteral("Number:"), this);
+    numLabel->setObjectName(QStringLiteral("labelAutoNum"));
+    m_comboAutoNum = new QComboBox(this);
+    m_comboAutoNum->setObjectName(QStringLiteral("comboAutoNum"));
+    m_layout->addWidget(typeLabel, 0, 0);
+    m_layout->addWidget(m_comboAutoType, 0, 1);
+    m_layout->addWidget(numLabel, 1, 0);
+    m_layout->addWidget(m_comboAutoNum, 1, 1);
+    connect(m_comboAutoType, &QComboBox::currentIndexChanged, this, &TInstrPanel::comboAutoChange);
+}
+
+void TInstrPanel::initAuto()
+{
+    if (!m_comboAutoType)
+        return;
+    QSignalBlocker blocker(m_comboAutoType);
+    m_comboAutoType->clear();
+    m_comboAutoType->addItems(m_autoTexts);
+    m_comboAutoType->setCurrentIndex(m_autoTexts.isEmpty() ? -1 : 0);
+    createAutoNumList();
+}
+
+void TInstrPanel::createAutoNumList()
+{
+    if (!m_comboAutoNum)
+        return;
+    int type = m_comboAutoType->currentIndex();
+    int count = type >= 0 && std::size_t(type) < m_autoCounts.size() ? m_autoCounts[std::size_t(type)] : 0;
+    m_comboAutoNum->clear();
+    for (int n = 1; n <= count; ++n)
+        m_comboAutoNum->addItem(QString::number(n));
+    m_comboAutoNum->setCurrentIndex(count > 0 ? 0 : -1);
+}
+
+void TInstrPanel::comboAutoChange()
+{
+    createAutoNumList();
+}
+
+void TInstrPanel::SetInstr(const _instructionStruct &record)
+{
+    if (record.opCode != m_opCode)
+        fail(1, __LINE__);
+    std::string text = record.commandText();
+
+    if (m_opCode == 'A') {
+        int type = 0, number = 0;
+        if (text.size() >= 5) {
+            type = std::max(0, int(m_autoCodes.indexOf(TguiText::fromBytes(text.substr(0, 3)))));
+            number = std::atoi(text.substr(3, 2).c_str());
+        }
+        QSignalBlocker blocker(m_comboAutoType);
+        m_comboAutoType->setCurrentIndex(m_autoCodes.isEmpty() ? -1 : type);
+        createAutoNumList();
+        if (number >= 1 && number <= m_comboAutoNum->count())
+            m_comboAutoNum->setCurrentIndex(number - 1);
+        return;
+    }
+
+    std::vector<std::string> tokens = splitAtTabs(text);
+    for (std::size_t k = 0; k < tokens.size(); ++k) {
+        if (k >= m_boxes.size())
+            fail(2, __LINE__);
+        std::string value = tokens[k];
+        value.erase(value.find_last_not_of(' ') + 1);
+        switch (m_tags[k]) {
+        case UpperCaseText:
+            std::transform(value.begin(), value.end(), value.begin(),
+                           [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+            break;
+        case WholeNumber:
+            if (!std::all_of(value.begin(), value.end(), isDigit))
+                fail(4, __LINE__);
+            break;
+        case DecimalNumber:
+            if (!isDecimalText(value))
+                fail(4, __LINE__);
+            break;
+        }
+        m_boxes[k]->setText(TguiText::fromBytes(value));
+    }
+    if (tokens.size() < m_boxes.size())
+        fail(3, __LINE__);
+}
+
+void TInstrPanel::GetInstr(_instructionStruct &record)
+{
+    std::string text;
+    if (m_opCode == 'A') {
+        int type = m_comboAutoType->currentIndex();
+        if (type >= 0)
+            text = TguiText::toBytes(m_autoCodes[type]);
+        text += QString::number(m_comboAutoNum->currentIndex() + 1).rightJustified(2, QLatin1Char('0')).toStdString();
+    } else {
+        for (std::size_t k = 0; k < m_boxes.size(); ++k) {
+            std::string value = TguiText::toBytes(m_boxes[k]->text());
+            const dataInfo &range = m_ranges[k];
+            double number = 0;
+            if ((m_tags[k] == WholeNumber || m_tags[k] == DecimalNumber) && range.hasRange && toDouble(value, number)
+                && (number < range.minimum || number > range.maximum)) {
+                value = shortest(number < range.minimum ? range.minimum : range.maximum);
+                m_boxes[k]->setText(TguiText::fromBytes(value));
+            }
+            if (k > 0)
+                text += '\t';
+            text += value;
+        }
+    }
+    if (text.size() < CommandLength)
+        text.append(CommandLength - text.size(), ' ');
+    record.assign(record.category, m_opCode, text);
+}
+
+void TInstrPanel::Show()
+{
+    setVisible(true);
+}
+
+void TInstrPanel::Hide()
+{
+    setVisible(false);
+}
+
+void TInstrPanel::Enable()
+{
+    for (QLineEdit *box : m_boxes)
+        box->setEnabled(true);
+    if (m_comboAutoType) {
+        m_comboAutoType->setEnabled(true);
+        m_comboAutoNum->setEnabled(true);
+    }
+}
+
+void TInstrPanel::Disable()
+{
+    for (QLineEdit *box : m_boxes)
+        box->setEnabled(false);
+    if (m_comboAutoType) {
+        m_comboAutoType->setEnabled(false);
+        m_comboAutoNum->setEnabled(false);
+    }
+}
+
+void TInstrPanel::Clear()
+{
+    for (QLineEdit *box : m_boxes)
+        box->clear();
+}
+
+void TInstrPanel::calcChar(QObject *sender, char &key)
+{
+    if (key == 8 || key == 127)
+        return;
+    auto it = std::find(m_boxes.begin(), m_boxes.end(), sender);
+    if (it == m_boxes.end())
+        return;
+    switch (m_tags[std::size_t(it - m_boxes.begin())]) {
+    case WholeNumber:
+        if (!isDigit(key))
+            key = 0;
+        break;
+    case DecimalNumber:
+        ValidFloat(key, *it);
+        break;
+    case UpperCaseText:
+        if (key >= 'a' && key <= 'z')
+            key = char(key - 'a' + 'A');
+        break;
+    }
+}
+
+void TInstrPanel::ValidFloat(char &key, QLineEdit *box)
+{
+    if (isDigit(key))
+        return;
+    if (key == '-' && !box->text().startsWith(QLatin1Char('-')) && box->cursorPosition() == 0)
+        return;
+    if (key == '.' && !box->text().contains(QLatin1Char('.')))
+        return;
+    key = 0;
+}
+
+bool TInstrPanel::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    auto *keyEvent = static_cast<QKeyEvent *>(event);
+    // Keys that type nothing (arrows, Home, Ctrl shortcuts) keep their editing meaning.
+    if (keyEvent->key() == Qt::Key_Backspace || keyEvent->key() == Qt::Key_Delete || keyEvent->text().isEmpty()
+        || keyEvent->text().at(0).unicode() < 32
+        || (keyEvent->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)))
+        return false;
+    std::string typed = TguiText::toBytes(keyEvent->text().left(1));
+    char key = typed.empty() ? 0 : typed[0];
+    char original = key;
+    calcChar(watched, key);
+    if (key == 0)
+        return true;
+    if (key != original) {
+        static_cast<QLineEdit *>(watched)->insert(TguiText::fromBytes(std::string(1, key)));
+        return true;
+    }
+    return false;
+}

@@ -1,0 +1,360 @@
+// The parameter panel on its own: built from definition files written here (and
+// the demo folder's autoseq.in), driven through its boxes and lists.
+#include "FieldSpec.h"
+#include "OpCodeDefinitions.h"
+#include "ProgramRun.h"
+#include "TInstr.h"
+#include "TempDir.h"
+#include "UiTestSupport.h"
+#include "instrpanel.h"
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+
+namespace {
+const char *const NumberAndDecimal = "M - Measure\nN 9\n"
+                                     "\"Voltage\"\t\"V\"\t\"N0,10\"\n"
+                                     "\"Limit\"\t\"\xB5" "A\"\t\"F-1.5,2.5\"\n";
+
+struct ApplicationFirst {
+    ApplicationFirst() { ensureApplication(); }
+};
+
+class InstrPanelTest : public ::testing::Test {
+protected:
+
+    TInstrPanel &build(const std::string &definition)
+    {
+        panel = std::make_unique<TInstrPanel>(&owner, temp.write("op.in", definition), 517, 25, 10, 4, 56);
+        return *panel;
+    }
+    QLineEdit *box(int field) const { return panel->findChild<QLineEdit *>(QStringLiteral("field%1").arg(field)); }
+    QComboBox *combo(const char *name) const { return panel->findChild<QComboBox *>(QString::fromLatin1(name)); }
+    static QStringList items(const QComboBox *list)
+    {
+        QStringList texts;
+        for (int i = 0; i < list->count(); ++i)
+            texts.append(list->itemText(i));
+        return texts;
+    }
+    // The 44 bytes a record must hold after GetInstr: text padded to 41, then 0.
+    static std::string recordBytes(char category, char opCode, const std::string &text)
+    {
+        std::string bytes{category, opCode};
+        bytes += text + std::string(41 - text.size(), ' ') + '\0';
+        return bytes;
+    }
+    static std::string bytesOf(const TInstr &record) { return std::string(reinterpret_cast<const char *>(&record), 44); }
+
+    ApplicationFirst application; // before the widgets
+    TempDir temp;
+    QWidget owner;
+    std::unique_ptr<TInstrPanel> panel;
+};
+
+int errorCode(const std::function<void()> &action, std::string *file = nullptr)
+{
+    try {
+        action();
+    } catch (const TInstrPanelError &e) {
+        EXPECT_GT(e.line, 0);
+        if (file)
+            *file = e.file;
+        return e.code;
+    }
+    return 0;
+}
+
+bool endsWith(const std::string &text, const std::string &end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+} // namespace
+
+// --- Building from the definition file -------------------------------------------
+
+TEST_F(InstrPanelTest, OneRowOfLabelsAndBoxPerFieldLine)
+{
+    TInstrPanel &p = build(std::string(NumberAndDecimal) + "\"Unit\"\t\"\"\t\"U\"\n\"Note\"\t\"\"\t\"A\"\n");
+    EXPECT_EQ(p.opCode(), 'M');
+    ASSERT_EQ(p.fieldCount(), 4);
+    EXPECT_EQ(p.findChild<QLabel *>("leftLabel0")->text(), "Voltage");
+    EXPECT_EQ(p.findChild<QLabel *>("rightLabel1")->text(), QString::fromUtf8("\xC2\xB5" "A")); // Windows-1252 0xB5
+    EXPECT_EQ(p.findChild<QLabel *>("leftLabel3")->text(), "Note");
+    EXPECT_NE(box(3), nullptr);
+    EXPECT_EQ(box(4), nullptr);
+
+    EXPECT_EQ(p.typeTag(0), TInstrPanel::WholeNumber);
+    EXPECT_EQ(p.typeTag(1), TInstrPanel::DecimalNumber);
+    EXPECT_EQ(p.typeTag(2), TInstrPanel::UpperCaseText);
+    EXPECT_EQ(p.typeTag(3), TInstrPanel::FreeText);
+    EXPECT_EQ(p.range(1).hasRange, 1);
+    EXPECT_DOUBLE_EQ(p.range(1).minimum, -1.5);
+    EXPECT_DOUBLE_EQ(p.range(1).maximum, 2.5);
+    EXPECT_EQ(p.range(3).hasRange, 0);
+}
+
+TEST_F(InstrPanelTest, FieldLinesBreakingTheGrammarThrowCode6)
+{
+    for (const char *line : {"\"a\"\t\"b\"", "\"a\"\t\"b\"\t\"N10,5\"", "\"a\"\t\"b\"\t\"X\"", "a\t\"b\"\t\"N\"", ""}) {
+        std::string file;
+        EXPECT_EQ(errorCode([&] { build(std::string("M - Measure\nN\n") + line + "\n"); }, &file), 6) << line;
+        EXPECT_TRUE(endsWith(file, "FieldSpec.cpp")) << file;
+    }
+}
+
+TEST_F(InstrPanelTest, MoreFieldLinesThanThePanelHasPixelsThrowCode2)
+{
+    std::string definition = "M - Measure\nN\n";
+    for (int i = 0; i <= TInstrPanel::PanelHeight; ++i)
+        definition += "\"a\"\t\"b\"\t\"A\"\n";
+    std::string file;
+    EXPECT_EQ(errorCode([&] { build(definition); }, &file), 2);
+    EXPECT_TRUE(endsWith(file, "instrpanel.cpp")) << file;
+}
+
+TEST_F(InstrPanelTest, MissingFileIsReportedAsUnreadable)
+{
+    EXPECT_THROW(TInstrPanel(&owner, temp / "absent.in", 517, 25, 10, 4, 56), TopCodeFileCorrupt);
+    EXPECT_THROW(build("M\n"), TopCodeFileCorrupt); // no second line
+}
+
+// --- Record to boxes ----------------------------------------------------------------
+
+TEST_F(InstrPanelTest, SetInstrPutsEachValueIntoItsBox)
+{
+    build(std::string(NumberAndDecimal) + "\"Unit\"\t\"\"\t\"U\"\n");
+    panel->SetInstr(TInstr('B', 'M', "12\t-3.5\tmohm   "));
+    EXPECT_EQ(box(0)->text(), "12");
+    EXPECT_EQ(box(1)->text(), "-3.5");
+    EXPECT_EQ(box(2)->text(), "MOHM"); // upper case, trailing blanks gone
+}
+
+TEST_F(InstrPanelTest, SetInstrRejectsRecordsThatDoNotFitWithTheirCodes)
+{
+    build(NumberAndDecimal);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'L', "1\t2")); }), 1);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1\t2\t3")); }), 2);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1")); }), 3);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "")); }), 3);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1a\t2")); }), 4);
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "-1\t2")); }), 4);
+    for (const char *decimal : {"1-2", "1.2.3", "--1", "2e3"})
+        EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', std::string("1\t") + decimal)); }), 4) << decimal;
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "10\t-.5")); }), 0);
+}
+
+// --- Boxes to record ---------------------------------------------------------------
+
+TEST_F(InstrPanelTest, GetInstrJoinsTheBoxesWithTabsPaddedTo41)
+{
+    build(std::string(NumberAndDecimal) + "\"Note\"\t\"\"\t\"A\"\n");
+    panel->SetInstr(TInstr('C', 'M', "7\t2\tcaf\xE9"));
+    TInstr record('C', 'L', "old text");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes('C', 'M', "7\t2\tcaf\xE9"));
+}
+
+TEST_F(InstrPanelTest, GetInstrClampsNumbersToTheNearerBoundAndShowsIt)
+{
+    build(std::string(NumberAndDecimal) + "\"Count\"\t\"\"\t\"N\"\n");
+    panel->SetInstr(TInstr('A', 'M', "15\t-7.25\t99999"));
+    TInstr record('A', 'M', "");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "10\t-1.5\t99999"));
+    EXPECT_EQ(box(0)->text(), "10");
+    EXPECT_EQ(box(1)->text(), "-1.5");
+
+    box(1)->setText("3");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "10\t2.5\t99999"));
+    box(1)->setText("-"); // not a number yet: left for the user to finish
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "10\t-\t99999"));
+}
+
+// --- The key filter, with real key presses -----------------------------------------
+
+TEST_F(InstrPanelTest, WholeNumberBoxTakesDigitsOnly)
+{
+    build(NumberAndDecimal);
+    QTest::keyClicks(box(0), "1a2.-3 x");
+    EXPECT_EQ(box(0)->text(), "123");
+}
+
+TEST_F(InstrPanelTest, DecimalBoxTakesOneLeadingMinusAndOnePoint)
+{
+    build(NumberAndDecimal);
+    QLineEdit *decimal = box(1);
+    QTest::keyClicks(decimal, "1.5.-2x");
+    EXPECT_EQ(decimal->text(), "1.52");
+    QTest::keyClick(decimal, Qt::Key_Home);
+    QTest::keyClicks(decimal, "--");
+    EXPECT_EQ(decimal->text(), "-1.52");
+}
+
+TEST_F(InstrPanelTest, EditingKeysKeepWorkingInFilteredBoxes)
+{
+    build(NumberAndDecimal);
+    QLineEdit *number = box(0);
+    QTest::keyClicks(number, "1234");
+    QTest::keyClick(number, Qt::Key_Home);
+    QTest::keyClick(number, Qt::Key_Delete);
+    EXPECT_EQ(number->text(), "234");
+    QTest::keyClick(number, Qt::Key_End);
+    QTest::keyClick(number, Qt::Key_Backspace);
+    QTest::keyClick(number, Qt::Key_Left);
+    QTest::keyClicks(number, "9");
+    EXPECT_EQ(number->text(), "293");
+    QTest::keyClick(number, Qt::Key_A, Qt::ControlModifier); // select all, then type over it
+    QTest::keyClicks(number, "5");
+    EXPECT_EQ(number->text(), "5");
+}
+
+TEST_F(InstrPanelTest, TextBoxesTakeAnyKeyAndUpperCaseBoxesRaiseIt)
+{
+    build("R - Remote\nN\n\"Cmd\"\t\"\"\t\"U\"\n\"Prompt\"\t\"\"\t\"A\"\n");
+    QTest::keyClicks(box(0), "ab-1.");
+    EXPECT_EQ(box(0)->text(), "AB-1.");
+    QTest::keyClicks(box(1), "ab-1.");
+    EXPECT_EQ(box(1)->text(), "ab-1.");
+}
+
+// --- The "A" panel -------------------------------------------------------------------
+
+class AutoPanelTest : public InstrPanelTest {
+protected:
+    AutoPanelTest()
+    {
+        panel = std::make_unique<TInstrPanel>(&owner, std::string(KT930_TEST_APPDIR) + "/Data/autoseq.in", 517, 25,
+                                              10, 4, 56);
+    }
+    static QStringList numbers(int count)
+    {
+        QStringList texts;
+        for (int n = 1; n <= count; ++n)
+            texts.append(QString::number(n));
+        return texts;
+    }
+};
+
+TEST_F(AutoPanelTest, ListsTheTypesAndTheFirstTypesNumbers)
+{
+    EXPECT_EQ(panel->opCode(), 'A');
+    EXPECT_EQ(panel->fieldCount(), 0);
+    EXPECT_EQ(panel->findChild<QLabel *>("labelAutoType")->text(), "Autosequence Type:");
+    EXPECT_EQ(panel->findChild<QLabel *>("labelAutoNum")->text(), "Number:");
+    EXPECT_EQ(items(combo("comboAutoType")), QStringList({"Physical Inspection", "User Tester 1", "User Tester 2",
+                                                          "User Tester 3", "User Tester 4", "User Tester 5"}));
+    EXPECT_EQ(combo("comboAutoType")->currentIndex(), 0);
+    EXPECT_EQ(items(combo("comboAutoNum")), numbers(18));
+    EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
+}
+
+TEST_F(AutoPanelTest, ChoosingATypeRebuildsTheNumbers)
+{
+    combo("comboAutoNum")->setCurrentIndex(15);
+    combo("comboAutoType")->setCurrentIndex(2);
+    EXPECT_EQ(items(combo("comboAutoNum")), numbers(12));
+    EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
+}
+
+TEST_F(AutoPanelTest, RecordsConvertToTypeCodeAndTwoDigitNumber)
+{
+    panel->SetInstr(TInstr(' ', 'A', "UT307"));
+    EXPECT_EQ(combo("comboAutoType")->currentText(), "User Tester 3");
+    EXPECT_EQ(combo("comboAutoNum")->currentText(), "7");
+    TInstr record(' ', 'A', "");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes(' ', 'A', "UT307"));
+
+    combo("comboAutoType")->setCurrentIndex(0);
+    combo("comboAutoNum")->setCurrentIndex(17);
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes(' ', 'A', "PHY18"));
+}
+
+TEST_F(AutoPanelTest, ShortUnknownOrOutOfRangeTextsFallBackToTheFirstEntries)
+{
+    struct Case {
+        const char *text;
+        int type, number;
+    };
+    for (Case c : {Case{"UT3", 0, 0}, Case{"XYZ05", 0, 4}, Case{"UT113", 1, 0}, Case{"UT100", 1, 0}}) {
+        panel->SetInstr(TInstr(' ', 'A', "UT205"));
+        panel->SetInstr(TInstr(' ', 'A', c.text));
+        EXPECT_EQ(combo("comboAutoType")->currentIndex(), c.type) << c.text;
+        EXPECT_EQ(combo("comboAutoNum")->currentIndex(), c.number) << c.text;
+    }
+    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr(' ', 'M', "PHY01")); }), 1);
+}
+
+TEST_F(InstrPanelTest, AutoLinesNeedThreeTokensAndACount)
+{
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\n"); }), 6);
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\tmany\n"); }), 6);
+}
+
+// --- Showing and enabling ----------------------------------------------------------
+
+TEST_F(InstrPanelTest, ShowHideEnableDisableAndClear)
+{
+    owner.show();
+    build(NumberAndDecimal);
+    panel->SetInstr(TInstr('B', 'M', "1\t2"));
+    panel->Hide();
+    EXPECT_FALSE(panel->isVisible());
+    panel->Show();
+    EXPECT_TRUE(panel->isVisible());
+    panel->Disable();
+    EXPECT_FALSE(box(0)->isEnabled());
+    EXPECT_FALSE(box(1)->isEnabled());
+    QTest::keyClicks(box(0), "5");
+    EXPECT_EQ(box(0)->text(), "1");
+    panel->Enable();
+    EXPECT_TRUE(box(1)->isEnabled());
+    panel->Clear();
+    EXPECT_EQ(box(0)->text(), "");
+    EXPECT_EQ(box(1)->text(), "");
+}
+
+TEST_F(AutoPanelTest, DisableCoversBothLists)
+{
+    panel->Disable();
+    EXPECT_FALSE(combo("comboAutoType")->isEnabled());
+    EXPECT_FALSE(combo("comboAutoNum")->isEnabled());
+    panel->Enable();
+    EXPECT_TRUE(combo("comboAutoNum")->isEnabled());
+}
+
+// --- The plug-in's export ------------------------------------------------------------
+
+TEST(InstrPanelExport, PluginExportsThePanelAndNothingElseNew)
+{
+    TempDir scratch;
+    ProgramRun nm = ProgramRun::runTool(
+        "nm", {"-DC", "--defined-only", KT930_TEST_APPDIR "/Plugins/libVAROAutoSeqEditor.so"}, scratch.path());
+    ASSERT_EQ(nm.exitCode, 0) << nm.err;
+    std::set<std::string> panelSymbols, others;
+    std::istringstream lines(nm.out);
+    for (std::string line; std::getline(lines, line);) {
+        std::string symbol = line.substr(line.find(' ', line.find(' ') + 1) + 1);
+        (symbol.find("TInstrPanel") != std::string::npos ? panelSymbols : others).insert(symbol);
+    }
+    EXPECT_EQ(others, (std::set<std::string>{"Finalize", "Initialize", "_AutoSeqEditFrame", "__bss_start", "_edata",
+                                             "_end", "getConfigButton", "getConfigForm", "getMainButton",
+                                             "getMainForm", "initialize", "pshutdown", "setup"}));
+    for (const char *member :
+         {"TInstrPanel::TInstrPanel(QWidget*, std::filesystem::__cxx11::path const&, int, int, int, int, int)",
+          "TInstrPanel::~TInstrPanel()", "TInstrPanel::SetInstr(TInstr const&)", "TInstrPanel::GetInstr(TInstr&)",
+          "TInstrPanel::Show()", "TInstrPanel::Hide()", "TInstrPanel::Enable()", "TInstrPanel::Disable()",
+          "TInstrPanel::Clear()", "TInstrPanel::initAuto()", "TInstrPanel::createAutoNumList()",
+          "TInstrPanel::comboAutoChange()", "TInstrPanel::calcChar(QObject*, char&)",
+          "TInstrPanel::ValidFloat(char&, QLineEdit*)", "TInstrPanel::staticMetaObject", "vtable for TInstrPanel"})
+        EXPECT_EQ(panelSymbols.count(member), 1u) << member;
+}
