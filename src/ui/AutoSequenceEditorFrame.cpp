@@ -122,8 +122,8 @@ void TAutoSeqEditFrame::setUpControls()
     connect(LstUTSTimer, &QTimer::timeout, this, &TAutoSeqEditFrame::LstUTSTimerTimer);
     // A tester's sequences need the sequence editor, which this build lacks.
     connect(ui->LstUTS, &QTreeWidget::itemSelectionChanged, this, [this] {
-        QTreeWidgetItem *node = ui->LstUTS->currentItem();
-        ui->BtnUTSEdit->setEnabled(!(node && node->isSelected() && node->parent()));
+        QTreeWidgetItem *node = selectedNode();
+        ui->BtnUTSEdit->setEnabled(!(node && node->parent()));
     });
 }
 
@@ -185,7 +185,7 @@ void TAutoSeqEditFrame::refreshLists(int selector)
 
 void TAutoSeqEditFrame::refreshInspections()
 {
-    const int selected = ui->lstIP->currentRow();
+    const int selected = selectedInspection();
     ui->lstIP->clear();
     for (const Tautosequence &sequence : m_data->inspections)
         ui->lstIP->addItem(TguiText::forDisplay(TlistTexts::inspectionRow(sequence)));
@@ -237,9 +237,23 @@ void TAutoSeqEditFrame::refreshTesters()
     tree->viewport()->update();
 }
 
+// Focus alone gives the list a current row and the tree a current node, and
+// Ctrl+click leaves them current after deselecting them: only a selection counts.
+int TAutoSeqEditFrame::selectedInspection() const
+{
+    const QList<QListWidgetItem *> selected = ui->lstIP->selectedItems();
+    return selected.isEmpty() ? -1 : ui->lstIP->row(selected.first());
+}
+
+QTreeWidgetItem *TAutoSeqEditFrame::selectedNode() const
+{
+    const QList<QTreeWidgetItem *> selected = ui->LstUTS->selectedItems();
+    return selected.isEmpty() ? nullptr : selected.first();
+}
+
 void TAutoSeqEditFrame::BtnIPClearClick()
 {
-    const int row = ui->lstIP->currentRow();
+    const int row = selectedInspection();
     if (row < 0 || row >= int(m_data->inspections.size()))
         return;
     if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
@@ -250,8 +264,8 @@ void TAutoSeqEditFrame::BtnIPClearClick()
 
 void TAutoSeqEditFrame::BtnUTSClearClick()
 {
-    QTreeWidgetItem *node = ui->LstUTS->currentItem();
-    if (!node || !node->isSelected() || !node->parent())
+    QTreeWidgetItem *node = selectedNode();
+    if (!node || !node->parent())
         return;
     const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
     const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
@@ -266,8 +280,8 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
 
 void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
 {
-    QTreeWidgetItem *node = ui->LstUTS->currentItem();
-    if (!node || !node->isSelected() || node->parent())
+    QTreeWidgetItem *node = selectedNode();
+    if (!node || node->parent())
         return; // a tester's sequences need the sequence editor, which this build lacks
     const auto i = std::size_t(node->data(0, Qt::UserRole).toInt());
     if (i >= m_data->userTesters.size())

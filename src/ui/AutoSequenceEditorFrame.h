@@ -69,6 +69,8 @@ private:
     void refreshInspections();
     void refreshTesters();
     QString testerRootText(int index);
+    int selectedInspection() const; // -1 when no row is selected
+    QTreeWidgetItem *selectedNode() const;
     void editTreeNode(bool setCaptions);
     void showInternalError(bool upload, const char *what);
     void fillTransport(TcommSettings &settings, const TcomSelectFrm &selector) const;
