@@ -66,8 +66,7 @@ TAutoSeqEditFrame::TAutoSeqEditFrame(QWidget *owner, TPluginHostInfo *hostData, 
 TAutoSeqEditFrame::~TAutoSeqEditFrame()
 {
     // Directly, not deferred: the plug-in may be unloaded before the event loop runs again.
-    for (QPointer<THelpWindow> &window : m_helpWindows)
-        delete window.data();
+    delete m_helpWindow.data();
 }
 
 void TAutoSeqEditFrame::setUpControls()
@@ -163,14 +162,6 @@ void TAutoSeqEditFrame::saveAutosequences()
 {
     m_data->saveInspections();
     m_data->saveUserTesters();
-}
-
-int TAutoSeqEditFrame::helpWindowCount() const
-{
-    int count = 0;
-    for (const QPointer<THelpWindow> &window : m_helpWindows)
-        count += window ? 1 : 0;
-    return count;
 }
 
 // ---- lists
@@ -473,12 +464,15 @@ void TAutoSeqEditFrame::BtnDownloadClick()
 
 void TAutoSeqEditFrame::BtnHelpClick()
 {
-    const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
-    auto *window = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
-    // Closed windows delete themselves; forget them so the list does not grow.
-    std::erase_if(m_helpWindows, [](const QPointer<THelpWindow> &w) { return w.isNull(); });
-    m_helpWindows.emplace_back(window);
-    window->show();
+    if (!m_helpWindow) {
+        const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
+        m_helpWindow = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
+    }
+    // One window per frame: a second press brings it back to the front.
+    m_helpWindow->setWindowState(m_helpWindow->windowState() & ~Qt::WindowMinimized);
+    m_helpWindow->show();
+    m_helpWindow->raise();
+    m_helpWindow->activateWindow();
 }
 
 void TAutoSeqEditFrame::BtnExitClick()
