@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QFontMetrics>
+#include <QIcon>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QTimer>
@@ -38,6 +39,15 @@ std::string upperAscii(std::string text)
         if (c >= 'a' && c <= 'z')
             c = char(c - 'a' + 'A');
     return text;
+}
+
+// A question mark drawn for each size, so it stays legible at 16 px.
+QIcon helpIcon()
+{
+    QIcon icon;
+    for (int size : {16, 24, 32, 48})
+        icon.addFile(QStringLiteral(":/icons/help-%1.png").arg(size), QSize(size, size));
+    return icon;
 }
 
 std::string applicationTitle()
@@ -69,8 +79,15 @@ TAutoSeqEditFrame::~TAutoSeqEditFrame()
     delete m_helpWindow.data();
 }
 
+// Outside any namespace, as the macro requires; the resources live in a static library.
+static void initFrameResources()
+{
+    Q_INIT_RESOURCE(frameIcons);
+}
+
 void TAutoSeqEditFrame::setUpControls()
 {
+    initFrameResources();
     ui->setupUi(this);
     ui->BtnRestore->setText(QStringLiteral("Restore\nValues"));
     ui->BtnBackup->setText(QStringLiteral("Backup\nValues"));
@@ -81,7 +98,7 @@ void TAutoSeqEditFrame::setUpControls()
     ui->BtnInstEd2->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
     ui->BtnUpload->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
     ui->BtnDownload->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
-    ui->BtnHelp->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton));
+    ui->BtnHelp->setIcon(helpIcon());
     ui->BtnExit->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
 
     QFont small = font();

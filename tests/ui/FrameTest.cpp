@@ -8,6 +8,7 @@
 #include "TtreeNodeDelegate.h"
 #include "UiTestSupport.h"
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -227,17 +228,32 @@ TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThr
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
 }
 
-TEST(TitleForm, TypingStopsAtTwentyCharactersButALongerNameStaysWhole)
+TEST(TitleForm, TypingStopsAtTwentyCharactersAndAPasteKeepsWhatFits)
 {
     ensureApplication();
     TseqTitleEditForm form(nullptr, "");
     auto *edit = form.findChild<QLineEdit *>("sequenceTitle");
     QTest::keyClicks(edit, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
     EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
-    edit->selectAll();
-    edit->insert("12345678901234567890123"); // a paste that is too long is refused whole
-    EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
 
+    QApplication::clipboard()->setText("12345678901234567890123");
+    edit->selectAll();
+    QTest::keySequence(edit, QKeySequence::Paste);
+    EXPECT_EQ(edit->text(), "12345678901234567890");
+    EXPECT_EQ(edit->cursorPosition(), 20);
+
+    // Into the middle of a shorter name: the start of the pasted text, up to the limit.
+    edit->setText("WARD  EAST");
+    edit->setCursorPosition(5);
+    QApplication::clipboard()->setText("NUMBER 12 AND MORE");
+    QTest::keySequence(edit, QKeySequence::Paste);
+    EXPECT_EQ(edit->text(), "WARD NUMBER 12  EAST");
+    EXPECT_EQ(edit->cursorPosition(), 15);
+}
+
+TEST(TitleForm, ALongerStoredNameStaysWholeAndMayShrinkButNotGrow)
+{
+    ensureApplication();
     const QString stored = "A NAME OF TWENTY-FIVE CHR";
     TseqTitleEditForm longer(nullptr, stored);
     auto *longEdit = longer.findChild<QLineEdit *>("sequenceTitle");
@@ -245,10 +261,31 @@ TEST(TitleForm, TypingStopsAtTwentyCharactersButALongerNameStaysWhole)
     longEdit->end(false);
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored); // cannot grow
+    QApplication::clipboard()->setText("XYZ");
+    QTest::keySequence(longEdit, QKeySequence::Paste);
+    EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
     EXPECT_EQ(longEdit->text(), stored.left(24)); // may shrink
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored.left(24));
+}
+
+TEST_F(FrameFixture, TheNameOpensWithTheCaretAtItsEndSoTypingAddsToIt)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(2));
+    bool focused = false;
+    whenModal([&](QWidget *form) {
+        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
+        focused = QApplication::focusWidget() == edit;
+        QTest::keyClicks(QApplication::focusWidget(), " EAST");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    EXPECT_TRUE(focused);
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
 }
 
 TEST_F(FrameFixture, OkWithoutEditingKeepsAStoredNameLongerThanTwentyCharacters)
@@ -321,6 +358,18 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
     EXPECT_EQ(shown, "USER TESTER 2");
     EXPECT_EQ(first->isExpanded(), expandedAfterDoubleClick);
     EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(FrameFixture, HelpButtonShowsTheQuestionMarkIconAtEverySize)
+{
+    auto frame = makeFrame();
+    const QIcon icon = find<QPushButton>(frame.get(), "BtnHelp")->icon();
+    for (int size : {16, 24, 32, 48}) {
+        const QImage drawn(QStringLiteral(":/icons/help-%1.png").arg(size));
+        ASSERT_FALSE(drawn.isNull()) << size;
+        EXPECT_EQ(icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+                  drawn.convertToFormat(QImage::Format_ARGB32_Premultiplied)) << size;
+    }
 }
 
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -89,6 +90,21 @@ TEST_F(HostTest, ClosingTheMainWindowWithHelpOpenEndsTheProgramAndTheFrameCloses
     EXPECT_EQ(QApplication::exec(), 0);
     window.reset(); // what leaving the event loop does in kt930pc
     EXPECT_TRUE(help.isNull());
+}
+
+TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
+{
+    ThostMainWindow window(QString::fromLatin1(KT930_TEST_APPDIR));
+    window.show();
+    button(window.mainView(), "plugin0")->click();
+    QApplication::processEvents();
+    const QRect available = window.screen()->availableGeometry();
+    EXPECT_TRUE(available.contains(window.frameGeometry()))
+        << window.frameGeometry().width() << "x" << window.frameGeometry().height() << " on "
+        << available.width() << "x" << available.height();
+    auto *exit = button(window.container()->findChild<Tkt930Frame *>(), "BtnExit");
+    const QRect exitOnScreen(exit->mapToGlobal(QPoint(0, 0)), exit->size());
+    EXPECT_TRUE(available.contains(exitOnScreen));
 }
 
 TEST_F(HostTest, AFolderWithoutPluginsSaysSoAndTheHostGoesOn)
