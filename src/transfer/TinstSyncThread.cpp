@@ -116,11 +116,9 @@ bool TinstSyncThread::openTransport(TgenericCommmunicationsModule &module, void 
     case ModeEthernet:
         return module.openEthernetSlot(slot, &parameters) == 0;
     default:
-        try {
-            return module.openSerialSlot(slot, &parameters) == 0;
-        } catch (const ECommError &) {
-            return false; // shown by the module's serial message table
-        }
+        // A port error shows the serial message table, then ends the run as any
+        // failure of the open does.
+        return module.openSerialSlot(slot, &parameters) == 0;
     }
 }
 

@@ -33,7 +33,8 @@ private:
     enum class Step { Handshake, Chunk };
 
     void execute();
-    // Opens the transport over the acquired slot; false after its message.
+    // Opens the transport over the acquired slot; false after its message. Serial
+    // port errors propagate after the port's own box.
     bool openTransport(TgenericCommmunicationsModule &module, void *slot, TtransportParams &parameters);
     // Finds the analyzer among the USB devices; false after its message.
     bool openUSB(std::unique_ptr<TusbDeviceApi> *slot, TgenericCommmunicationsModule &module);
