@@ -11,7 +11,11 @@
 #include <QRadioButton>
 #include <QSettings>
 #include <QTest>
+#include <algorithm>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace {
 struct SelectorFixture : ::testing::Test {
@@ -32,6 +36,32 @@ TEST(SerialPortMap, NumbersMapToDeviceFamilies)
     EXPECT_EQ(TserialPortMap::defaultDevice(97), "");
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)"), 12);
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM3"), 3);
+}
+
+// Another program's exclusive hold survives the probe (a privileged probe could
+// open the port anyway), and the probe leaves no hold of its own behind.
+TEST(SerialPortMap, ProbeSkipsAHeldPortAndKeepsItsHold)
+{
+    PtyPair held, free;
+    const int holder = ::open(held.slavePath.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(holder, 0);
+    ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
+
+    const std::vector<int> ports = TserialPortMap::freePorts({{200, held.slavePath}, {201, free.slavePath}});
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), 200), 0);
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), 201), 1);
+    auto exclusive = [](const std::string &path) {
+        int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        int flag = -1;
+        ::ioctl(fd, TIOCGEXCL, &flag);
+        ::close(fd);
+        return flag;
+    };
+    int heldFlag = -1;
+    ::ioctl(holder, TIOCGEXCL, &heldFlag);
+    EXPECT_EQ(heldFlag, 1);
+    EXPECT_EQ(exclusive(free.slavePath), 0);
+    ::close(holder);
 }
 
 TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
