@@ -151,11 +151,13 @@ bool TcomSelectFrm::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::KeyPress) {
         auto *key = static_cast<QKeyEvent *>(event);
         const QString text = key->text();
-        // Moving on, confirming and cancelling still reach the dialog.
-        const int code = key->key();
-        const bool navigation = code == Qt::Key_Tab || code == Qt::Key_Backtab || code == Qt::Key_Return
-            || code == Qt::Key_Enter || code == Qt::Key_Escape || text.isEmpty();
-        if (!navigation && !IPKeyPress(text.at(0)))
+        // Only keys that type a character are filtered, the way the field itself
+        // decides what types: a printable text without Ctrl. Editing keys (Delete,
+        // arrows, Home, End, select-all, Tab, Return, Escape) work as anywhere else.
+        const Qt::KeyboardModifiers modifiers = key->modifiers() & ~Qt::KeypadModifier;
+        const bool types = !text.isEmpty() && text.at(0).isPrint() && modifiers != Qt::ControlModifier
+            && modifiers != (Qt::ControlModifier | Qt::ShiftModifier);
+        if (types && !IPKeyPress(text.at(0)))
             return true;
     }
     return QDialog::eventFilter(watched, event);

@@ -27,7 +27,8 @@ public:
     QString ipText(int field) const; // field 1..4
     int serialPort() const; // from the selected entry, 1 when nothing is selected
 
-    // Filters IP1..IP4 keys: digits and Backspace only (Tab, Return, Enter and Escape still pass).
+    // Filters the characters typed into IP1..IP4: digits only. Keys that type no
+    // character (Backspace, Delete, arrows, select-all, Tab, Return ...) pass.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:

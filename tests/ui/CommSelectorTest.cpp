@@ -5,6 +5,7 @@
 #include "TserialPortMap.h"
 #include "UiTestSupport.h"
 #include "communicationsSelector.h"
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -196,6 +197,53 @@ TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
     EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
     EXPECT_EQ(saved.value("COMM/IP4").toString(), "42");
     EXPECT_EQ(saved.value("COMM/IP1").toString(), "10");
+}
+
+// Keys that type no character edit as in any text field; only typed characters
+// other than digits are dropped, and a digit replaces a selection even in a full field.
+TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
+{
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
+        settings.setValue("COMM/IP1", "192");
+        settings.setValue("COMM/IP4", "12");
+    }
+    TcomSelectFrm form(nullptr, false, &sink);
+    form.show();
+    QApplication::setActiveWindow(&form);
+    auto *ip1 = find<QLineEdit>(&form, "IP1");
+    auto *ip4 = find<QLineEdit>(&form, "IP4");
+
+    ip1->setFocus();
+    QTest::keyClick(ip1, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(ip1->selectedText(), "192");
+    QTest::keyClick(ip1, Qt::Key_7); // the field is full, the selection goes
+    EXPECT_EQ(ip1->text(), "7");
+    QTest::keyClicks(ip1, "x.-");
+    EXPECT_EQ(ip1->text(), "7");
+
+    ip4->setFocus();
+    QTest::keyClick(ip4, Qt::Key_Home);
+    // Delete as an X11 keyboard sends it, with DEL as its text.
+    QTest::sendKeyEvent(QTest::Click, ip4, Qt::Key_Delete, QStringLiteral("\x7f"), Qt::NoModifier);
+    EXPECT_EQ(ip4->text(), "2");
+    QTest::keyClick(ip4, Qt::Key_End);
+    QTest::keyClick(ip4, Qt::Key_Left);
+    QTest::keyClick(ip4, Qt::Key_4);
+    EXPECT_EQ(ip4->text(), "42");
+    QTest::keyClick(ip4, Qt::Key_Right);
+    QTest::keyClick(ip4, Qt::Key_Backspace);
+    EXPECT_EQ(ip4->text(), "4");
+    QTest::keyClick(ip4, Qt::Key_1);
+    QTest::keyClick(ip4, Qt::Key_0); // "410": full, focus moves on
+    EXPECT_EQ(ip4->text(), "410");
+    ip4->setFocus();
+    QTest::keyClick(ip4, Qt::Key_End);
+    QTest::keyClick(ip4, Qt::Key_Left, Qt::ShiftModifier);
+    QTest::keyClick(ip4, Qt::Key_5);
+    EXPECT_EQ(ip4->text(), "415");
+    EXPECT_TRUE(sink.messages.empty());
 }
 
 TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
