@@ -46,9 +46,11 @@ public:
 private:
     void fillPortList(int defaultSerial);
     void enableFor(int method);
-    void FormClose();
+    // Writes the chosen method; a cancelled dialog keeps a stored method it could not show.
+    void FormClose(bool cancelled);
 
     std::unique_ptr<Ui::TcomSelectFrm> ui;
     MessageSink &m_sink;
     QLineEdit *m_ip[4];
+    bool m_keepStoredMethod = false;
 };

@@ -257,3 +257,54 @@ TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
     EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
     EXPECT_EQ(saved.value("COMM/IP1").toString(), "127");
 }
+
+// Serial stored but no port free: the dialog shows USB. Cancel leaves the stored
+// choice alone; a method the user picks or connects with is stored as before.
+TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
+{
+    auto storeSerialWithoutFreePorts = [&] {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.clear();
+        for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
+            settings.setValue(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
+        settings.setValue("COMM/DEFAULTSERIAL", 7);
+    };
+    auto stored = [&] {
+        QSettings saved(ini(), QSettings::IniFormat);
+        return std::make_pair(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), saved.value("COMM/DEFAULTSERIAL").toInt());
+    };
+
+    storeSerialWithoutFreePorts();
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        EXPECT_FALSE(find<QRadioButton>(&form, "radSerial")->isEnabled());
+        EXPECT_EQ(find<QComboBox>(&form, "serialPortSelector")->currentText(), "<No Free Ports>");
+        EXPECT_TRUE(find<QRadioButton>(&form, "radUSB")->isChecked());
+        find<QPushButton>(&form, "btnCancel")->click();
+        EXPECT_EQ(form.result(), 2);
+    }
+    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        form.show();
+        QTest::keyClick(&form, Qt::Key_Escape);
+        EXPECT_EQ(form.result(), 2);
+    }
+    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        find<QPushButton>(&form, "btnConnect")->click();
+        EXPECT_EQ(form.result(), 1);
+    }
+    EXPECT_EQ(stored().first, 1);
+
+    storeSerialWithoutFreePorts();
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        find<QRadioButton>(&form, "radEthernet")->click();
+        find<QPushButton>(&form, "btnCancel")->click();
+    }
+    EXPECT_EQ(stored().first, 2);
+    EXPECT_TRUE(sink.messages.empty());
+}
