@@ -10,9 +10,9 @@ namespace {
 // The chip holds back a short reply until its latency timer runs out (16 ms by
 // default). Every block of an upload waits for a 2-byte acknowledgement, so the
 // default would add about 11 s to a full upload; 2 ms keeps it near the line's
-// speed. It is the only setting made on the chip itself. The chip also answers every
-// bulk read within this timer, with a status-only packet when it has no data, so
-// an idle read costs at most LatencyMs and the poll periods stay what they are.
+// speed. It is the only setting made on the chip itself. The chip also answers
+// every bulk read within this timer, with a status-only packet when it has no
+// data, so an idle read costs at most LatencyMs and the poll periods stay as they are.
 // The USB read time-out is far longer than that: libftdi fails a read that times
 // out and drops the bytes it had already gathered in that call, so a time-out
 // must only ever mean a silent device.
