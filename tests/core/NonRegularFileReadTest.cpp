@@ -43,16 +43,6 @@ TEST(NonRegularFile, EveryReaderGivesCannotOpen)
     }
 }
 
-TEST(NonRegularFile, LinkToARegularFileIsRead)
-{
-    TempDir dir;
-    dir.write("real.dat", std::string(44, 'x'));
-    fs::create_symlink("real.dat", dir / "mit.dat");
-    std::vector<TInstr> table;
-    EXPECT_EQ(TInstrDatabase::loadMasterTable(table, dir / "mit.dat"), 0);
-    EXPECT_EQ(table.size(), 1u);
-}
-
 TEST(NonRegularFile, FoldersInTheDataFolderGiveTheLoadBoxes)
 {
     TempDir dir;

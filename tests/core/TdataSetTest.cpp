@@ -233,10 +233,7 @@ TEST_F(DataSet, ContainersStartAsTheirDefaultsBeforeLoading)
 {
     EXPECT_EQ(data.checkitems.size(), 1044u);
     EXPECT_EQ(data.checklists.size(), 500u);
-    EXPECT_FALSE(data.checklists.items[0].isUnused());
     ASSERT_EQ(data.userTesters.size(), 5u);
     EXPECT_EQ(data.userTesters[4].name, "User Tester #4");
-    EXPECT_EQ(data.userTesters[4].sequences.size(), 12u);
-    EXPECT_TRUE(data.inspections.empty());
     EXPECT_TRUE(sink.messages.empty());
 }
