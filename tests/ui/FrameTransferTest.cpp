@@ -79,13 +79,7 @@ struct FrameTransfer : ::testing::Test, FrameHost {
     // runs onProgress (if any) on the progress dialog.
     static void connectTo(const SimulatorUnderTest &sim, std::function<void(TfrmProgress *)> onProgress = {})
     {
-        whenModal([address = sim.address(), onProgress](QWidget *selector) {
-            EXPECT_EQ(selector->windowTitle(), "Communication Settings");
-            selector->findChild<QRadioButton *>("radEthernet")->click();
-            const QStringList octets = QString::fromStdString(address).split('.');
-            for (int i = 0; i < 4; ++i)
-                selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets.value(i));
-            selector->findChild<QPushButton *>("btnConnect")->click();
+        connectByEthernet(sim.address(), [onProgress] {
             if (onProgress)
                 whenTrue([] { return qobject_cast<TfrmProgress *>(QApplication::activeModalWidget()) != nullptr; },
                          [onProgress] { onProgress(qobject_cast<TfrmProgress *>(QApplication::activeModalWidget())); });

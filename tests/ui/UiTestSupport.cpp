@@ -1,7 +1,11 @@
 #include "UiTestSupport.h"
 #include "ByteBuilder.h"
 #include <QApplication>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <gtest/gtest.h>
 #include <QTimer>
 #include <QWidget>
 #include <cstdlib>
@@ -113,4 +117,18 @@ void whenModal(std::function<void(QWidget *)> action)
         return widget && widget->isVisible() ? widget : nullptr;
     };
     whenTrue([modal] { return modal() != nullptr; }, [modal, action] { action(modal()); });
+}
+
+void connectByEthernet(const std::string &address, std::function<void()> then)
+{
+    whenModal([address, then](QWidget *selector) {
+        EXPECT_EQ(selector->windowTitle(), "Communication Settings");
+        selector->findChild<QRadioButton *>("radEthernet")->click();
+        const QStringList octets = QString::fromStdString(address).split('.');
+        for (int i = 0; i < 4; ++i)
+            selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets.value(i));
+        selector->findChild<QPushButton *>("btnConnect")->click();
+        if (then)
+            then();
+    });
 }

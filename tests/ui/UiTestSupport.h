@@ -59,3 +59,6 @@ QStringList listTexts(QWidget *frame);
 void whenTrue(std::function<bool()> condition, std::function<void()> action);
 // Runs action on the next modal widget that becomes active (from the event loop).
 void whenModal(std::function<void(QWidget *)> action);
+// Answers the next "Communication Settings" form with Ethernet to address, then
+// runs then (if any) from the event loop.
+void connectByEthernet(const std::string &address, std::function<void()> then = {});
