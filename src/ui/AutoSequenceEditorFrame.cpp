@@ -1,7 +1,6 @@
 #include "AutoSequenceEditorFrame.h"
 #include "ui_AutoSequenceEditorFrame.h"
 #include "AppDir.h"
-#include "TCommPort.h"
 #include "THelpWindow.h"
 #include "TdataSet.h"
 #include "TguiMessageSink.h"
@@ -10,13 +9,12 @@
 #include "TlistTexts.h"
 #include "TransferWorkers.h"
 #include "TseqTitleEditForm.h"
-#include "TserialPortMap.h"
 #include "TtransferRecord.h"
+#include "TtransferRunner.h"
 #include "TtreeNodeDelegate.h"
-#include "communicationsSelector.h"
+#include "instEdit.h"
 #include "progress.h"
 #include <QApplication>
-#include <QEventLoop>
 #include <QFontMetrics>
 #include <QMouseEvent>
 #include <QStyle>
@@ -24,9 +22,6 @@
 #include <stdexcept>
 
 namespace {
-const char *const InternalErrorText =
-    "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
-    "If this error persists, please contact the system vendor.";
 // What the report of an exception that is not a std::exception says.
 const char *const UnknownExceptionText = "Unknown exception";
 const char *const ClearQuestion =
@@ -96,10 +91,8 @@ void TAutoSeqEditFrame::setUpControls()
     ui->Label1->setFont(title);
     ui->Label2->setFont(title);
 
-    // Editing an autosequence and the checkitem database belong to editors this
-    // build does not carry: their commands stay disabled.
-    for (QPushButton *button : {ui->BtnIPEdit, ui->BtnInstEd, ui->BtnInstEd2})
-        button->setEnabled(false);
+    // Editing an autosequence belongs to an editor this build does not carry.
+    ui->BtnIPEdit->setEnabled(false);
 
     ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
     ui->LstUTS->setItemDelegate(new TtreeNodeDelegate(ui->LstUTS));
@@ -119,6 +112,8 @@ void TAutoSeqEditFrame::setUpControls()
     connect(ui->BtnIPClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnIPClearClick);
     connect(ui->BtnUTSEdit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSEditClick);
     connect(ui->BtnUTSClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSClearClick);
+    connect(ui->BtnInstEd, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnInstEdClick);
+    connect(ui->BtnInstEd2, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnInstEdClick);
     connect(LstUTSTimer, &QTimer::timeout, this, &TAutoSeqEditFrame::LstUTSTimerTimer);
     // A tester's sequences need the sequence editor, which this build lacks.
     connect(ui->LstUTS, &QTreeWidget::itemSelectionChanged, this, [this] {
@@ -296,6 +291,21 @@ void TAutoSeqEditFrame::BtnUTSEditClick()
     editTreeNode(true);
 }
 
+// The editor changes the checkitems in place; they are saved whatever it ended with.
+void TAutoSeqEditFrame::BtnInstEdClick()
+{
+    BtnBackupClick();
+    try {
+        TinstructionEditorForm editor(nullptr, false, m_hostData, &m_data->checkitems, &m_sink);
+        editor.exec();
+        m_data->saveCheckitems();
+    } catch (const TinstructionEditorFormException &) {
+        // The editor has said what is wrong with the database files.
+    } catch (const std::exception &e) {
+        m_sink.error(applicationTitle(), e.what());
+    }
+}
+
 void TAutoSeqEditFrame::LstUTSMouseDown(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
@@ -356,27 +366,6 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 
 // ---- transfers, help, return to the host
 
-void TAutoSeqEditFrame::fillTransport(TcommSettings &settings, const TcomSelectFrm &selector) const
-{
-    switch (selector.method()) {
-    case TcomSelectFrm::MethodUSB:
-        settings.method = std::uint8_t(TcommMethod::USB);
-        break;
-    case TcomSelectFrm::MethodEthernet:
-        settings.method = std::uint8_t(TcommMethod::Ethernet);
-        for (int i = 0; i < 4; ++i)
-            settings.ip[i] = selector.ipText(i + 1).toInt();
-        if (!m_hostData)
-            throw std::invalid_argument("No host record");
-        settings.hostValue = m_hostData->transferValue;
-        break;
-    default:
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = selector.serialPort();
-        break;
-    }
-}
-
 // Runs one transfer; true when the progress dialog ended with OK, false when the
 // settings form or the transfer was cancelled.
 bool TAutoSeqEditFrame::runTransfer(bool upload)
@@ -391,44 +380,25 @@ bool TAutoSeqEditFrame::runTransfer(bool upload)
     if (upload)
         BtnBackupClick();
 
-    TcomSelectFrm selector(nullptr, upload, &m_sink);
-    selector.setWindowTitle(QStringLiteral("Communication Settings"));
-    if (selector.exec() == 2)
-        return false;
-
     TcommSettings &settings = record->settings();
+    if (!TtransferRunner::chooseTransport(settings, upload, m_hostData, m_sink))
+        return false;
     settings.kind = std::uint8_t(upload ? TtransferKind::Upload : TtransferKind::Download);
-    fillTransport(settings, selector);
-    TCommPort::setPortOverrides(TserialPortMap::readOverrides(TcomSelectFrm::iniFile()));
-
-    TfrmProgress progress(nullptr, m_hostData, &settings);
-    std::unique_ptr<QThread> worker;
-    if (upload)
-        worker.reset(new TuploadThread(m_hostData, &progress, &m_sink, static_cast<TuploadCommStruct *>(record.get())));
-    else
-        worker.reset(new TdownloadThread(m_hostData, &progress, &m_sink, static_cast<TdownloadCommStruct *>(record.get())));
-    settings.worker = worker.get();
-    const int result = progress.exec();
-    waitForWorker(*worker);
+    const int result = TtransferRunner::run(settings, m_hostData, [&](TfrmProgress &progress) -> std::unique_ptr<QThread> {
+        if (upload)
+            return std::make_unique<TuploadThread>(m_hostData, &progress, &m_sink,
+                                                   static_cast<TuploadCommStruct *>(record.get()));
+        return std::make_unique<TdownloadThread>(m_hostData, &progress, &m_sink,
+                                                 static_cast<TdownloadCommStruct *>(record.get()));
+    });
     return result != 2;
-}
-
-// After a cancel the worker may still be on its way out, and its last message box
-// is shown on this thread: keep serving events until it has finished.
-void TAutoSeqEditFrame::waitForWorker(QThread &worker)
-{
-    QEventLoop loop;
-    connect(&worker, &QThread::finished, &loop, &QEventLoop::quit, Qt::QueuedConnection);
-    if (worker.isRunning())
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-    worker.wait();
 }
 
 void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
 {
     if (upload)
         m_sink.error(applicationTitle(), what);
-    m_sink.show({"Error", InternalErrorText, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
+    m_sink.show({"Error", TtransferRunner::internalErrorText(), MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
 }
 
 void TAutoSeqEditFrame::BtnUploadClick()

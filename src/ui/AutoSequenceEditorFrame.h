@@ -11,10 +11,7 @@ namespace Ui { class TAutoSeqEditFrame; }
 class MessageSink;
 class TdataSet;
 class THelpWindow;
-class TcomSelectFrm;
-class TcommSettings;
 class QPoint;
-class QThread;
 class QTimer;
 class QMouseEvent;
 class QTreeWidgetItem;
@@ -57,6 +54,7 @@ public Q_SLOTS:
     void LstUTSDblClick();
     void BtnUTSEditClick();
     void BtnUTSClearClick();
+    void BtnInstEdClick();
     void LstUTSTimerTimer();
 
 protected:
@@ -71,9 +69,7 @@ private:
     QString testerRootText(int index);
     void editTreeNode(bool setCaptions);
     void showInternalError(bool upload, const char *what);
-    void fillTransport(TcommSettings &settings, const TcomSelectFrm &selector) const;
     bool runTransfer(bool upload);
-    void waitForWorker(QThread &worker);
     bool onNodeLabel(const QPoint &at) const;
 
     std::unique_ptr<Ui::TAutoSeqEditFrame> ui;

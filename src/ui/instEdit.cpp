@@ -1,0 +1,806 @@
+#include "instEdit.h"
+#include "ui_instEdit.h"
+#include "AppDir.h"
+#include "FieldSpec.h"
+#include "OpCodeDefinitions.h"
+#include "THelpWindow.h"
+#include "TInstrDatabase.h"
+#include "TcategoryEditorForm.h"
+#include "TdeleteInstructionFrm.h"
+#include "TguiMessageSink.h"
+#include "TguiText.h"
+#include "TinstGridDelegate.h"
+#include "TinstGridHeader.h"
+#include "TinstGridText.h"
+#include "TinstListingPrinter.h"
+#include "TinstSyncThread.h"
+#include "TtransferRunner.h"
+#include "VAROAutoSeqEditor.h"
+#include "asEdFilterPopup.h"
+#include "instrpanel.h"
+#include "progress.h"
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFontMetrics>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QStyle>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <ios>
+#include <new>
+
+namespace {
+constexpr int GridColumns = 4;
+constexpr int CellPadding = 10;
+constexpr char NoCategory = ' ';
+// The placement the panels are built with: width, top, left, row gap, label width.
+constexpr int PanelWidth = 517, PanelTop = 25, PanelLeft = 10, PanelRowGap = 4, PanelLabelWidth = 56;
+
+const char *const FatalCaption = "FATAL ERROR";
+const std::string FatalAdvice =
+    "\n\nIt appears that either the master checkitem database or the database files are corrupt.\n"
+    "Please try re-starting the program.  If the problem persists, please contact your software vendor.\n\n"
+    "DO NOT sync with the safety analyzer!";
+const std::string FatalText = "Fatal Error - Invalid Checkitem" + FatalAdvice;
+const std::string FatalUpdateText = "Fatal Error - Invalid checkitem" + FatalAdvice;
+
+const char *const FilesCorruptText = "Warning!\nCheckitem Database Files Appear Corrupt!\nPlease restart program.\n"
+                                     "If this problem persists, contact your software vendor.";
+const char *const NoMemoryText = "System does not have enough memory resources!\nPlease restart program and shut "
+                                 "down any other programs you may be running.";
+const char *const DatabaseFullText =
+    "Warning: checkitem database full!\nCheckitem cannot be added.\n\nPlease delete one or more existing checkitems.";
+const char *const CannotEditCategoryText = "You cannot edit this category.\nPlease change the checkitem's category.";
+const char *const ImportOverflowText =
+    "WARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the checkitem "
+    "database to\ninsert all of the checkitems from the specified file.";
+const char *const BackupFailedText = "An error occured while backing up the master checkitem database";
+
+// The category list: index 0 is no category, 1..26 the letters "A" to "Z".
+int categoryIndex(char letter)
+{
+    return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 1 : 0;
+}
+
+// The debug trace of the op-code list, rewritten whenever a record is shown.
+void writeOpListTrace(const std::map<int, char> &revOpComboMap)
+{
+    std::ofstream trace("lstOpChange.log", std::ios::trunc);
+    trace << "revOpComboMap\n";
+    char line[32];
+    for (const auto &[index, opCode] : revOpComboMap) {
+        std::snprintf(line, sizeof line, "  %d - %c\n", index, opCode);
+        trace << line;
+    }
+}
+}
+
+// The sort pictures live in this library's resources, which a static link drops
+// unless they are asked for by name.
+static void initSortPictures()
+{
+    Q_INIT_RESOURCE(instEdit);
+}
+
+template <class Handler> void TinstructionEditorForm::guarded(Handler handler)
+{
+    try {
+        handler();
+    } catch (const TinstructionEditorFormException &) {
+        // The FATAL ERROR box has been shown; the edit stays as far as it got.
+    }
+}
+
+TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMode, TPluginHostInfo *hostData,
+                                               TInstrDatabase *database, MessageSink *sink)
+    : QDialog(owner), ui(new Ui::TinstructionEditorForm), m_sink(sink ? *sink : TguiMessageSink::defaultSink()),
+      m_checklistMode(checklistMode), m_hostData(hostData), m_appDir(TappDir::applicationFolder())
+{
+    setUpControls();
+    ui->btnSync->setText(QStringLiteral("Sync\nWith\nKT930"));
+    initSortPictures();
+    m_sortUp = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_UP"));
+    m_sortDown = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
+    buildPanels();
+    buildOpList();
+    TInstrDatabase::setNames(m_opInfoMap);
+    loadCategories();
+
+    m_db = database;
+    QStringList header;
+    for (const std::string &text : TinstGridText::header())
+        header << TguiText::fromBytes(text);
+    ui->instList->setHorizontalHeaderLabels(header);
+    if (!m_db) {
+        makeDegenerate();
+        return;
+    }
+    m_sortState = 1;
+    m_filter.checklistMode = checklistMode;
+    m_filter.reset();
+    m_filter.setSort(m_sortState);
+    applyFilter();
+    fillGrid(0);
+    showSortPicture();
+}
+
+TinstructionEditorForm::TinstructionEditorForm()
+    : QDialog(nullptr), ui(new Ui::TinstructionEditorForm), m_sink(TguiMessageSink::defaultSink()),
+      m_appDir(TappDir::applicationFolder())
+{
+    m_sink.warning("Error 0001 - TinstructionEditorForm::TinstructionEditorForm()",
+                   "Fatal Error - Please contact your software vendor immediately!");
+    setUpControls();
+    makeDegenerate();
+}
+
+TinstructionEditorForm::~TinstructionEditorForm() = default;
+
+void TinstructionEditorForm::setUpControls()
+{
+    ui->setupUi(this);
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+                   | Qt::WindowCloseButtonHint);
+    setModal(true);
+
+    m_header = new TinstGridHeader(ui->instList);
+    ui->instList->setHorizontalHeader(m_header);
+    ui->instList->setItemDelegate(new TinstGridDelegate(ui->instList));
+    ui->instList->setTextElideMode(Qt::ElideNone);
+    ui->instList->verticalHeader()->setDefaultSectionSize(ui->instList->fontMetrics().height() + 6);
+    QPalette rows = ui->instList->palette();
+    rows.setColor(QPalette::Base, QColor(255, 255, 255));
+    rows.setColor(QPalette::AlternateBase, QColor(236, 242, 250));
+    ui->instList->setPalette(rows);
+    const int designWidths[GridColumns] = {27, 162, 146, 162};
+    for (int c = 0; c < GridColumns; ++c)
+        ui->instList->setColumnWidth(c, designWidths[c]);
+
+    ui->btnUpdate->setIcon(style()->standardIcon(QStyle::SP_DialogApplyButton));
+    ui->btnCancel->setIcon(style()->standardIcon(QStyle::SP_DialogCancelButton));
+    // Hidden between edits without moving the fields below them.
+    for (QToolButton *button : {ui->btnUpdate, ui->btnCancel}) {
+        QSizePolicy policy = button->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        button->setSizePolicy(policy);
+    }
+
+    instTableOpenDlg = new QFileDialog(this);
+    instTableOpenDlg->setObjectName(QStringLiteral("instTableOpenDlg"));
+    instTableOpenDlg->setOption(QFileDialog::DontUseNativeDialog);
+    instTableOpenDlg->setAcceptMode(QFileDialog::AcceptOpen);
+    instTableOpenDlg->setFileMode(QFileDialog::AnyFile);
+    instTableOpenDlg->setDefaultSuffix(QStringLiteral("csv"));
+    instTableOpenDlg->setNameFilter(QStringLiteral("Comma Separated Files (*.csv)"));
+    instTableOpenDlg->setWindowTitle(QStringLiteral("Import Checkitems"));
+
+    auto on = [this](QAbstractButton *button, void (TinstructionEditorForm::*handler)()) {
+        connect(button, &QAbstractButton::clicked, this, [this, handler] { guarded([&] { (this->*handler)(); }); });
+    };
+    on(ui->btnNewCat, &TinstructionEditorForm::btnNewCatClick);
+    on(ui->btnEditCat, &TinstructionEditorForm::btnEditCatClick);
+    on(ui->btnFilter, &TinstructionEditorForm::btnFilterClick);
+    on(ui->btnEditInst, &TinstructionEditorForm::btnEditInstClick);
+    on(ui->btnNewInst, &TinstructionEditorForm::btnNewInstClick);
+    on(ui->btnDelete, &TinstructionEditorForm::btnDeleteClick);
+    on(ui->btnExport, &TinstructionEditorForm::btnExportClick);
+    on(ui->btnImport, &TinstructionEditorForm::btnImportClick);
+    on(ui->btnSync, &TinstructionEditorForm::btnSyncClick);
+    on(ui->btnHelp, &TinstructionEditorForm::btnHelpClick);
+    on(ui->btnOk, &TinstructionEditorForm::btnOkClick);
+    on(ui->btnUpdate, &TinstructionEditorForm::btnUpdateClick);
+    on(ui->btnCancel, &TinstructionEditorForm::btnCancelClick);
+    on(ui->btnPrint, &TinstructionEditorForm::btnPrintClick);
+    // activated: only the user's choices, not the form's own settings of the lists.
+    connect(ui->lstOp, &QComboBox::activated, this, [this] { guarded([this] { lstOpChange(); }); });
+    connect(ui->lstCat, &QComboBox::activated, this, [this] { guarded([this] { lstCatChange(); }); });
+    connect(ui->instList, &QTableWidget::currentCellChanged, this, [this] { guarded([this] { instListClick(); }); });
+    connect(ui->instList, &QTableWidget::cellDoubleClicked, this, [this] { guarded([this] { instListDblClick(); }); });
+    connect(m_header, &QHeaderView::sectionPressed, this,
+            [this](int column) { guarded([this, column] { instListMouseDown(column); }); });
+}
+
+// Without a database the form can only be closed.
+void TinstructionEditorForm::makeDegenerate()
+{
+    for (QWidget *control : {static_cast<QWidget *>(ui->btnSync), static_cast<QWidget *>(ui->btnHelp),
+                             static_cast<QWidget *>(ui->btnImport), static_cast<QWidget *>(ui->btnDelete),
+                             static_cast<QWidget *>(ui->btnNewInst), static_cast<QWidget *>(ui->btnEditInst),
+                             static_cast<QWidget *>(ui->btnFilter), static_cast<QWidget *>(ui->instList),
+                             static_cast<QWidget *>(ui->btnPrint), static_cast<QWidget *>(ui->btnExport)})
+        control->setEnabled(false);
+}
+
+// ---- construction
+
+void TinstructionEditorForm::buildPanels()
+{
+    const std::vector<std::filesystem::path> files = OpCodeDefinitions::listFiles(TappDir::dataFolder(m_appDir));
+    if (files.empty()) {
+        m_sink.error("ERROR!", OpCodeDefinitions::noFilesText(OpCodeDefinitions::Wording::CheckitemDatabase));
+        return;
+    }
+    try {
+        for (const std::filesystem::path &file : files) {
+            std::unique_ptr<TInstrPanel> panel;
+            TinstStruct info;
+            try {
+                panel = std::make_unique<TInstrPanel>(ui->pnlInst, file, PanelWidth, PanelTop, PanelLeft,
+                                                      PanelRowGap, PanelLabelWidth);
+                panel->initAuto();
+                panel->Hide();
+                panel->Disable();
+                info = OpCodeDefinitions::readHeader(file);
+            } catch (const TopCodeFileCorrupt &) {
+                panel.reset();
+                m_sink.error("ERROR", OpCodeDefinitions::corruptFileText(file.string()));
+                throw TinstructionEditorFormException("Corrupt checkitem definition file", __LINE__);
+            }
+            if (info.opCode == 'A' && !m_checklistMode)
+                continue;
+            // Two files for one letter: the first one keeps it.
+            if (!m_opPanelMap.emplace(info.opCode, panel.get()).second)
+                continue;
+            panel.release();
+            m_opInfoMap.emplace(info.opCode, info);
+            m_opOrderMap.emplace(info.opCode, info.listOrder);
+        }
+    } catch (const TInstrPanelError &) {
+        // A field line the panel cannot read: the files are corrupt like an unreadable one.
+        m_sink.error("ERROR!", FilesCorruptText);
+    } catch (const std::ios_base::failure &) {
+        m_sink.error("ERROR!", FilesCorruptText);
+    } catch (const std::bad_alloc &) {
+        m_sink.error("SYSTEM ERROR!", NoMemoryText);
+    }
+    // Room for the tallest panel, so the grid does not jump when the op code changes.
+    int tallest = 0;
+    for (const auto &[opCode, panel] : m_opPanelMap)
+        tallest = std::max(tallest, panel->sizeHint().height());
+    ui->pnlInst->setMinimumHeight(ui->pnlInst->minimumSizeHint().height() + tallest
+                                  + ui->pnlInstLayout->spacing());
+}
+
+// Op codes in their list order; equal numbers in letter order.
+void TinstructionEditorForm::buildOpList()
+{
+    ui->lstOp->clear();
+    m_opComboMap.clear();
+    m_revOpComboMap.clear();
+    std::vector<std::pair<int, char>> order;
+    for (const auto &[opCode, number] : m_opOrderMap)
+        order.emplace_back(number, opCode);
+    std::sort(order.begin(), order.end());
+    for (const auto &[number, opCode] : order) {
+        if (opCode == 'A' && !m_checklistMode)
+            continue;
+        const int index = ui->lstOp->count();
+        ui->lstOp->addItem(TguiText::fromBytes(m_opInfoMap[opCode].name));
+        m_opComboMap[opCode] = index;
+        m_revOpComboMap[index] = opCode;
+    }
+}
+
+void TinstructionEditorForm::loadCategories()
+{
+    const std::filesystem::path file = TappDir::dataFolder(m_appDir) / "catdes.dat";
+    if (CategoryDescriptors::load(file, m_categoryDescriptors) == 0)
+        rebuildCategoryList();
+    else
+        m_sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+}
+
+void TinstructionEditorForm::rebuildCategoryList()
+{
+    const int selected = ui->lstCat->currentIndex();
+    ui->lstCat->clear();
+    ui->lstCat->addItem(QString(QChar(NoCategory)));
+    for (char letter = 'A'; letter <= 'Z'; ++letter)
+        ui->lstCat->addItem(categoryText(letter));
+    ui->lstCat->setCurrentIndex(selected);
+}
+
+QString TinstructionEditorForm::categoryText(char letter) const
+{
+    return TguiText::fromBytes(CategoryDescriptors::displayText(m_categoryDescriptors, letter));
+}
+
+// ---- the grid
+
+void TinstructionEditorForm::applyFilter()
+{
+    m_filter.apply(m_db->slots(), m_shownItems, m_categoryDescriptors);
+}
+
+void TinstructionEditorForm::fillGrid(int selectRow)
+{
+    QTableWidget *grid = ui->instList;
+    {
+        const QSignalBlocker quiet(grid);
+        grid->setUpdatesEnabled(false);
+        if (m_shownItems.empty()) {
+            grid->setRowCount(1);
+            for (int c = 0; c < GridColumns; ++c)
+                grid->setItem(0, c, new QTableWidgetItem);
+        } else {
+            grid->setRowCount(int(m_shownItems.size()));
+            for (int r = 0; r < grid->rowCount(); ++r)
+                writeRow(r);
+        }
+        sizeColumns();
+        grid->setUpdatesEnabled(true);
+        grid->setCurrentCell(std::clamp(selectRow, 0, grid->rowCount() - 1), 0);
+    }
+    if (!m_shownItems.empty())
+        showRecord(grid->currentRow());
+}
+
+void TinstructionEditorForm::writeRow(int row)
+{
+    const std::uint32_t index = m_shownItems[std::size_t(row)];
+    std::array<std::string, GridColumns> texts;
+    try {
+        texts = TinstGridText::row(*m_db, index, m_categoryDescriptors);
+    } catch (const std::runtime_error &) {
+        // An op code without definition file has no name; showing the record repairs it.
+        const TInstr &record = (*m_db)[index];
+        texts = {std::to_string(index + 1), CategoryDescriptors::displayText(m_categoryDescriptors, record.category),
+                 std::string(), record.commandText()};
+        std::replace(texts[3].begin(), texts[3].end(), '\t', char(0xBB));
+    }
+    for (int c = 0; c < GridColumns; ++c) {
+        QTableWidgetItem *cell = ui->instList->item(row, c);
+        if (!cell) {
+            cell = new QTableWidgetItem;
+            ui->instList->setItem(row, c, cell);
+        }
+        cell->setText(TguiText::fromBytes(texts[std::size_t(c)]));
+    }
+}
+
+// Every column but the last as wide as its widest text and a margin; the header
+// also makes room for the sort picture. The last column takes the rest.
+void TinstructionEditorForm::sizeColumns()
+{
+    QTableWidget *grid = ui->instList;
+    const QFontMetrics cells(grid->font());
+    const QFontMetrics captions(m_header->font());
+    for (int c = 0; c < GridColumns - 1; ++c) {
+        const QTableWidgetItem *caption = grid->horizontalHeaderItem(c);
+        int width = captions.horizontalAdvance(caption ? caption->text() : QString()) + CellPadding + m_sortUp.width();
+        for (int r = 0; r < grid->rowCount(); ++r)
+            if (const QTableWidgetItem *cell = grid->item(r, c))
+                width = std::max(width, cells.horizontalAdvance(cell->text()) + CellPadding);
+        grid->setColumnWidth(c, width);
+    }
+}
+
+void TinstructionEditorForm::showSortPicture()
+{
+    if (m_sortState < 1 || m_sortState > 6) {
+        m_header->setSortPicture(-1, QPixmap());
+        return;
+    }
+    m_header->setSortPicture((m_sortState - 1) / 2, m_sortState % 2 ? m_sortUp : m_sortDown);
+}
+
+QList<QStringList> TinstructionEditorForm::gridTexts() const
+{
+    const QTableWidget *grid = ui->instList;
+    QList<QStringList> rows;
+    QStringList header;
+    for (int c = 0; c < GridColumns; ++c)
+        header << (grid->horizontalHeaderItem(c) ? grid->horizontalHeaderItem(c)->text() : QString());
+    rows << header;
+    for (int r = 0; r < grid->rowCount(); ++r) {
+        QStringList row;
+        for (int c = 0; c < GridColumns; ++c)
+            row << (grid->item(r, c) ? grid->item(r, c)->text() : QString());
+        rows << row;
+    }
+    return rows;
+}
+
+int TinstructionEditorForm::selectedRow() const
+{
+    return std::max(ui->instList->currentRow(), 0);
+}
+
+TInstr &TinstructionEditorForm::selectedRecord()
+{
+    return (*m_db)[m_shownItems.at(std::size_t(selectedRow()))];
+}
+
+void TinstructionEditorForm::showRecord(int row)
+{
+    writeOpListTrace(m_revOpComboMap);
+    for (const auto &[opCode, panel] : m_opPanelMap)
+        panel->Hide();
+    TInstr &record = (*m_db)[m_shownItems.at(std::size_t(row))];
+    auto found = m_opPanelMap.find(record.opCode);
+    if (found == m_opPanelMap.end()) {
+        if (m_opPanelMap.empty())
+            reportFatal(FatalText, __LINE__);
+        // Silently repaired to the first op code with a blank command.
+        found = m_opPanelMap.begin();
+        record.opCode = found->first;
+        std::memset(record.command, ' ', sizeof record.command - 1);
+        record.command[sizeof record.command - 1] = 0;
+        writeRow(row);
+    }
+    TInstrPanel &panel = *found->second;
+    panel.Show();
+    try {
+        panel.SetInstr(record);
+    } catch (const TInstrPanelError &) {
+        // A command that does not fit this op code's fields (as after a change of
+        // op code): the panel starts empty rather than with another record's values.
+        panel.Clear();
+    }
+    ui->lstOp->setCurrentIndex(m_opComboMap.count(record.opCode) ? m_opComboMap[record.opCode] : -1);
+    ui->lstCat->setCurrentIndex(categoryIndex(record.category));
+}
+
+void TinstructionEditorForm::instListClick()
+{
+    if (!m_shownItems.empty())
+        showRecord(selectedRow());
+}
+
+void TinstructionEditorForm::instListDblClick()
+{
+    if (!m_shownItems.empty())
+        btnEditInstClick();
+}
+
+void TinstructionEditorForm::instListMouseDown(int column)
+{
+    switch (column) {
+    case 0:
+        m_sortState = m_sortState == 1 ? 2 : 1;
+        break;
+    case 1:
+        m_sortState = m_sortState == 3 ? 4 : 3;
+        break;
+    case 2:
+        m_sortState = m_sortState == 5 ? 6 : 5;
+        break;
+    default:
+        break; // the commands are not sorted
+    }
+    m_filter.setSort(m_sortState);
+    showSortPicture();
+    applyFilter();
+    fillGrid(0);
+}
+
+// After an import or a sync: database order, no filter.
+void TinstructionEditorForm::resetListOrder()
+{
+    m_sortState = 0;
+    m_filter.reset();
+    m_filter.setSort(m_sortState);
+    showSortPicture();
+    applyFilter();
+    fillGrid(0);
+}
+
+// ---- the two states
+
+void TinstructionEditorForm::setEditing()
+{
+    for (QWidget *control : listControls())
+        control->setEnabled(false);
+    for (QWidget *control : editControls())
+        control->setEnabled(true);
+    ui->btnUpdate->show();
+    ui->btnCancel->show();
+    ui->pnlInst->setEnabled(true);
+}
+
+void TinstructionEditorForm::setBrowsing()
+{
+    for (QWidget *control : listControls())
+        control->setEnabled(true);
+    ui->btnEditInst->setEnabled(!m_shownItems.empty());
+    ui->btnDelete->setEnabled(!m_shownItems.empty());
+    for (QWidget *control : editControls())
+        control->setEnabled(false);
+    ui->btnUpdate->hide();
+    ui->btnCancel->hide();
+}
+
+void TinstructionEditorForm::disablePanels()
+{
+    for (const auto &[opCode, panel] : m_opPanelMap)
+        panel->Disable();
+    ui->pnlInst->setEnabled(false);
+}
+
+std::vector<QWidget *> TinstructionEditorForm::listControls() const
+{
+    return {ui->btnSync, ui->btnHelp, ui->btnOk, ui->btnImport, ui->btnDelete,
+            ui->btnNewInst, ui->btnEditInst, ui->btnFilter, ui->instList, ui->btnPrint};
+}
+
+std::vector<QWidget *> TinstructionEditorForm::editControls() const
+{
+    return {ui->lblOp, ui->lstOp, ui->lblCat, ui->lstCat, ui->btnNewCat, ui->btnEditCat, ui->btnUpdate, ui->btnCancel};
+}
+
+char TinstructionEditorForm::selectedOpCode() const
+{
+    auto found = m_revOpComboMap.find(ui->lstOp->currentIndex());
+    return found != m_revOpComboMap.end() ? found->second : 0;
+}
+
+char TinstructionEditorForm::selectedCategory() const
+{
+    const int index = ui->lstCat->currentIndex();
+    return index > 0 ? char('A' + index - 1) : NoCategory;
+}
+
+TInstrPanel &TinstructionEditorForm::selectedOpPanel(const std::string &fatalText, int line)
+{
+    auto found = m_opPanelMap.find(selectedOpCode());
+    if (found == m_opPanelMap.end())
+        reportFatal(fatalText, line);
+    return *found->second;
+}
+
+void TinstructionEditorForm::reportFatal(const std::string &text, int line)
+{
+    m_sink.warning(FatalCaption, text);
+    throw TinstructionEditorFormException(text.substr(0, text.find('\n')), line);
+}
+
+// ---- editing
+
+void TinstructionEditorForm::btnEditInstClick()
+{
+    if (m_shownItems.empty())
+        return;
+    m_savedOpIndex = ui->lstOp->currentIndex();
+    m_savedCatIndex = ui->lstCat->currentIndex();
+    setEditing();
+    TInstrPanel &panel = selectedOpPanel(FatalText, __LINE__);
+    panel.Enable();
+    // Typing goes to the first parameter at once.
+    for (QWidget *field : panel.findChildren<QWidget *>())
+        if (field->focusPolicy() & Qt::TabFocus) {
+            field->setFocus();
+            break;
+        }
+}
+
+void TinstructionEditorForm::lstOpChange()
+{
+    selectedRecord().opCode = selectedOpCode();
+    showRecord(selectedRow());
+    selectedOpPanel(FatalText, __LINE__).Enable();
+    for (QToolButton *button : {ui->btnUpdate, ui->btnCancel}) {
+        button->show();
+        button->setEnabled(true);
+    }
+}
+
+void TinstructionEditorForm::lstCatChange()
+{
+    selectedRecord().category = selectedCategory();
+}
+
+void TinstructionEditorForm::btnUpdateClick()
+{
+    m_lastRow = selectedRow();
+    setBrowsing();
+    TInstrPanel &panel = selectedOpPanel(FatalUpdateText, __LINE__);
+    panel.Disable();
+    TInstr fresh;
+    panel.GetInstr(fresh);
+    disablePanels();
+    fresh.opCode = selectedOpCode();
+    fresh.category = selectedCategory();
+    selectedRecord().assign(fresh);
+    fillGrid(m_lastRow);
+}
+
+void TinstructionEditorForm::btnCancelClick()
+{
+    m_lastRow = selectedRow();
+    TInstr &record = selectedRecord();
+    auto savedOp = m_revOpComboMap.find(m_savedOpIndex);
+    if (savedOp != m_revOpComboMap.end())
+        record.opCode = savedOp->second;
+    record.category = m_savedCatIndex > 0 ? char('A' + m_savedCatIndex - 1) : NoCategory;
+    setBrowsing();
+    disablePanels();
+    fillGrid(m_lastRow);
+}
+
+void TinstructionEditorForm::btnNewInstClick()
+{
+    const int slot = m_db->findFreeSlot(-1);
+    if (slot < 0 || slot >= int(TInstrDatabase::EditableSlots)) {
+        m_sink.warning("Checkitem Database Full", DatabaseFullText);
+        return;
+    }
+    m_shownItems.push_back(std::uint32_t(slot));
+    (*m_db)[std::size_t(slot)].assign(NoCategory, m_opPanelMap.empty() ? 0 : m_opPanelMap.begin()->first, "");
+    fillGrid(int(m_shownItems.size()) - 1);
+    btnEditInstClick();
+}
+
+void TinstructionEditorForm::btnDeleteClick()
+{
+    if (m_shownItems.empty())
+        return;
+    const int row = selectedRow();
+    const std::uint32_t index = m_shownItems[std::size_t(row)];
+    if (!TdeleteInstructionFrm::confirmDeletion(std::uint16_t(index + 1), m_appDir, this))
+        return;
+    (*m_db)[index].clear();
+    applyFilter();
+    fillGrid(row);
+    if (m_shownItems.empty()) {
+        ui->btnEditInst->setEnabled(false);
+        ui->btnDelete->setEnabled(false);
+    }
+}
+
+// ---- categories and filter
+
+void TinstructionEditorForm::btnNewCatClick()
+{
+    TcategoryEditorForm::run(&m_categoryDescriptors, char('@' + ui->lstCat->currentIndex()),
+                             TcategoryEditorForm::NewCategory, this);
+    rebuildCategoryList();
+}
+
+void TinstructionEditorForm::btnEditCatClick()
+{
+    const int index = ui->lstCat->currentIndex();
+    if (index <= 0) {
+        m_sink.warning("Cannot Edit Category", CannotEditCategoryText);
+        return;
+    }
+    TcategoryEditorForm::run(&m_categoryDescriptors, char('@' + index), TcategoryEditorForm::EditCategory, this);
+    rebuildCategoryList();
+}
+
+void TinstructionEditorForm::btnFilterClick()
+{
+    if (!m_db)
+        return;
+    m_filter.reset();
+    m_filter.setSort(m_sortState);
+    TinstructionFilterForm form(this, m_checklistMode, &m_opInfoMap, &m_categoryDescriptors, &m_filter);
+    if (form.exec() != QDialog::Accepted)
+        return;
+    applyFilter();
+    fillGrid(0);
+}
+
+// ---- files, printing, help
+
+void TinstructionEditorForm::btnExportClick()
+{
+    m_db->exportText("instList.csv"); // silent, as the export always was
+}
+
+void TinstructionEditorForm::btnImportClick()
+{
+    if (instTableOpenDlg->exec() == QDialog::Accepted && !instTableOpenDlg->selectedFiles().isEmpty()) {
+        const std::filesystem::path file(instTableOpenDlg->selectedFiles().front().toStdString());
+        int code = 0;
+        try {
+            code = m_db->importText(file);
+        } catch (const TinstListOverflowException &) {
+            m_sink.warning("OVERFLOW", ImportOverflowText);
+        }
+        if (code != 0) {
+            char text[1024];
+            std::snprintf(text, sizeof text,
+                          "An error occurred while importing the checkitems.\nAn error code of %d was returned - %s.",
+                          code, code == -1 ? "File I/O Error" : "Unhandled Exception");
+            m_sink.error("ERROR", text);
+            return;
+        }
+    }
+    resetListOrder();
+}
+
+bool TinstructionEditorForm::choosePrinter(QPrinter &printer)
+{
+    QPrintDialog instPrintDialog(&printer, this);
+    instPrintDialog.setObjectName(QStringLiteral("instPrintDialog"));
+    return instPrintDialog.exec() == QDialog::Accepted;
+}
+
+void TinstructionEditorForm::btnPrintClick()
+{
+    QPrinter printer(QPrinter::HighResolution);
+    if (!choosePrinter(printer))
+        return;
+    if (printer.outputFormat() == QPrinter::PdfFormat)
+        printer.setResolution(TinstListingPrinter::PdfResolution);
+    TinstListingPrinter::print(printer, gridTexts());
+}
+
+void TinstructionEditorForm::btnHelpClick()
+{
+    const char *file = m_checklistMode ? "TestProcedureEditor.qch" : "AUTOSEQUENCEEDITOR.qch";
+    auto *window = new THelpWindow(m_appDir / file, QStringLiteral("InstructionEditor.html"));
+    // A window of its own, yet a child of this modal dialog, so the dialog does not block it.
+    window->setParent(this, Qt::Window);
+    window->show();
+}
+
+// ---- sync
+
+void TinstructionEditorForm::btnSyncClick()
+{
+    try {
+        auto record = std::make_unique<TsyncCommStruct>();
+        TcommSettings &settings = record->settings;
+        if (!TtransferRunner::chooseTransport(settings, false, m_hostData, m_sink))
+            return;
+        settings.requested = 1;
+        const int result = TtransferRunner::run(settings, m_hostData, [&](TfrmProgress &progress) {
+            return std::make_unique<TinstSyncThread>(&progress, &m_sink, record.get());
+        });
+        if (result == 2)
+            return;
+        record->copyInto(*m_db);
+        resetListOrder();
+        const std::filesystem::path backup = TappDir::dataFolder(m_appDir) / "mit.dat";
+        if (TInstrDatabase::saveMasterTable(m_db->slots(), backup) != 0)
+            m_sink.error("File Error", BackupFailedText);
+    } catch (const TinstructionEditorFormException &) {
+        throw; // reported already
+    } catch (const std::exception &) {
+        m_sink.error("Error", TtransferRunner::internalErrorText());
+    }
+}
+
+// ---- closing
+
+void TinstructionEditorForm::btnOkClick()
+{
+    CategoryDescriptors::save(m_categoryDescriptors, TappDir::dataFolder(m_appDir) / "catdes.dat");
+    accept();
+}
+
+bool TinstructionEditorForm::FormCloseQuery() const
+{
+    return ui->btnOk->isEnabled();
+}
+
+void TinstructionEditorForm::closeEvent(QCloseEvent *event)
+{
+    if (!FormCloseQuery()) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+void TinstructionEditorForm::reject()
+{
+    if (FormCloseQuery())
+        QDialog::reject();
+}
+
+void TinstructionEditorForm::FormShow()
+{
+    ui->btnNewInst->setFocus();
+}
+
+void TinstructionEditorForm::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    FormShow();
+}

@@ -1,0 +1,143 @@
+#pragma once
+// TinstructionEditorForm: the modal checkitem database editor. It lists the
+// checkitems of the first 250 slots in a grid, edits one at a time through the
+// parameter panel of its op code, and filters, sorts, deletes, imports, exports,
+// prints and syncs them. It changes the database in place; its owner saves it.
+#include "CategoryDescriptors.h"
+#include "Tfilter.h"
+#include "TinstStruct.h"
+#include <QDialog>
+#include <QPixmap>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Ui { class TinstructionEditorForm; }
+class MessageSink;
+class QFileDialog;
+class QPrinter;
+class TInstrDatabase;
+class TInstrPanel;
+class TinstGridHeader;
+struct TInstr;
+struct TPluginHostInfo;
+
+// A checkitem whose op code has no panel: the database or its files are corrupt.
+struct TinstructionEditorFormException : std::runtime_error {
+    TinstructionEditorFormException(const std::string &text, int line)
+        : std::runtime_error(text), file("instEdit"), line(line) {}
+    std::string file;
+    int line;
+};
+
+class TinstructionEditorForm : public QDialog {
+    Q_OBJECT
+public:
+    // Reports through sink (the default sink when null). Throws
+    // TinstructionEditorFormException after its message when a definition file is
+    // corrupt or a checkitem cannot be shown.
+    TinstructionEditorForm(QWidget *owner, bool checklistMode, TPluginHostInfo *hostData,
+                           TInstrDatabase *database, MessageSink *sink = nullptr);
+    // Only a guard: says so and builds a form that can do nothing but close.
+    TinstructionEditorForm();
+    ~TinstructionEditorForm() override;
+
+    const std::vector<std::uint32_t> &shownItems() const { return m_shownItems; }
+    std::uint8_t sortState() const { return m_sortState; }
+    const TcategoryMap &categoryDescriptors() const { return m_categoryDescriptors; }
+    const Tfilter &filter() const { return m_filter; }
+    // The grid's texts: the header row, then the data rows in grid order.
+    QList<QStringList> gridTexts() const;
+
+    // Closing is allowed exactly when no edit is open.
+    bool FormCloseQuery() const;
+
+public Q_SLOTS:
+    void FormShow();
+    void btnNewCatClick();
+    void btnEditCatClick();
+    void btnFilterClick();
+    void btnEditInstClick();
+    void btnNewInstClick();
+    void btnDeleteClick();
+    void btnExportClick();
+    void btnImportClick();
+    void btnSyncClick();
+    void btnHelpClick();
+    void btnOkClick();
+    void btnUpdateClick();
+    void btnCancelClick();
+    void btnPrintClick();
+    void lstOpChange();
+    void lstCatChange();
+    void instListClick();
+    void instListDblClick();
+    void instListMouseDown(int column);
+    void reject() override; // Escape and the close button
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    // Shows instPrintDialog on printer; true when the user chose to print.
+    virtual bool choosePrinter(QPrinter &printer);
+
+private:
+    void setUpControls();
+    void makeDegenerate();
+    void buildPanels();
+    void buildOpList();
+    void loadCategories();
+    void rebuildCategoryList();
+    QString categoryText(char letter) const;
+
+    void applyFilter();
+    void fillGrid(int selectRow);
+    void writeRow(int row);
+    void sizeColumns();
+    void showSortPicture();
+    int selectedRow() const;
+    TInstr &selectedRecord();
+    void showRecord(int row);
+
+    // The two states of the form: browsing the list, editing one checkitem.
+    void setEditing();
+    void setBrowsing();
+    void disablePanels();
+    std::vector<QWidget *> listControls() const;
+    std::vector<QWidget *> editControls() const;
+    // The panel of the op code selected in lstOp; FATAL ERROR and throws when there is none.
+    TInstrPanel &selectedOpPanel(const std::string &fatalText, int line);
+    char selectedOpCode() const;
+    char selectedCategory() const;
+    void resetListOrder();
+    [[noreturn]] void reportFatal(const std::string &text, int line);
+    template <class Handler> void guarded(Handler handler);
+
+    std::unique_ptr<Ui::TinstructionEditorForm> ui;
+    MessageSink &m_sink;
+    bool m_checklistMode = false;
+    TPluginHostInfo *m_hostData = nullptr;
+    TInstrDatabase *m_db = nullptr;
+    std::filesystem::path m_appDir;
+
+    std::vector<std::uint32_t> m_shownItems;
+    TcategoryMap m_categoryDescriptors;
+    Tfilter m_filter;
+    std::map<char, TInstrPanel *> m_opPanelMap; // children of pnlInst
+    TopCodeTable m_opInfoMap;
+    std::map<char, int> m_opOrderMap;
+    std::map<char, int> m_opComboMap;
+    std::map<int, char> m_revOpComboMap;
+    QPixmap m_sortUp, m_sortDown;
+    std::uint8_t m_sortState = 0;
+    int m_lastRow = 0;
+    int m_savedOpIndex = -1;
+    int m_savedCatIndex = -1;
+
+    TinstGridHeader *m_header = nullptr;
+    QFileDialog *instTableOpenDlg = nullptr;
+};
