@@ -2,12 +2,14 @@
 // setting word after every port and baud choice, the item list after every add,
 // remove, clear and move, the sort clicks, the filter dialog, the checkitem
 // database editor, OK and closing without OK, and its messages.
+#include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "TInstrDatabase.h"
 #include "TinstGridHeader.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
 #include <QComboBox>
+#include <QPrinter>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
@@ -52,6 +54,23 @@ void setItems(Tautosequence &s, const Items &items)
     std::copy(items.begin(), items.end(), s.items);
 }
 
+// Prints to a PDF file where the user would have picked a printer.
+class PdfSequenceEditor : public TsequenceEditor {
+public:
+    using TsequenceEditor::TsequenceEditor;
+    std::filesystem::path pdf;
+    int printerDialogs = 0;
+
+protected:
+    bool choosePrinter(QPrinter &printer) override
+    {
+        ++printerDialogs;
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(QString::fromStdString(pdf.string()));
+        return true;
+    }
+};
+
 struct SequenceEditorFixture : ::testing::Test {
     AppDirScope appDir;
     RecordingMessageSink sink;
@@ -75,7 +94,7 @@ struct SequenceEditorFixture : ::testing::Test {
 
     TsequenceEditor &open()
     {
-        editor = std::make_unique<TsequenceEditor>(nullptr, nullptr, &db, seq, [this] { ++saves; }, false, &sink);
+        editor = std::make_unique<PdfSequenceEditor>(nullptr, nullptr, &db, seq, [this] { ++saves; }, false, &sink);
         editor->show();
         return *editor;
     }
@@ -451,4 +470,41 @@ TEST_F(SequenceEditorFixture, ClosingWithoutOkKeepsItemsAndSettingButNotTitles)
     EXPECT_EQ(itemsOf(seq), list({2, 1, 1}));
     EXPECT_EQ(seq.setting, 2);
     EXPECT_EQ(saves, 0);
+}
+
+// ---- print
+
+TEST_F(SequenceEditorFixture, PrintWritesTheSequencesPageWithItsNames)
+{
+    seq.setting = 0x0B;
+    auto &printing = static_cast<PdfSequenceEditor &>(open());
+    printing.pdf = appDir.dir().path() / "printed.pdf";
+    click("btnPrint");
+    EXPECT_TRUE(sink.messages.empty());
+    ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", printing.pdf.string(), "-"},
+                                          appDir.dir().path());
+    ASSERT_EQ(text.exitCode, 0) << text.err;
+    // The page's own margins come on top of the layout's: lines are looked for, not columns.
+    for (const char *line : {" AutoSequence EARTH BOND - class i\n", " Port: 3\n", " Baud Rate: 4800 Baud\n",
+                             " 1.   Visual      P - Pass/Fail  Visual check\n",
+                             " 2.   Electrical  M - Measure    Earth bond\u00BB0.10\n"})
+        EXPECT_NE(text.out.find(line), std::string::npos) << line << text.out;
+}
+
+TEST_F(SequenceEditorFixture, AnUnusedSequenceIsNotPrintedAFailedPrintIsReported)
+{
+    seq.makeUnused();
+    auto &printing = static_cast<PdfSequenceEditor &>(open());
+    click("btnPrint");
+    const Message empty{"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.",
+                        MsgIcon::Information};
+    EXPECT_EQ(sink.messages, std::vector<Message>{empty});
+    EXPECT_EQ(printing.printerDialogs, 0);
+
+    seq = sequence("A", "B", {1});
+    auto &failing = static_cast<PdfSequenceEditor &>(open());
+    failing.pdf = appDir.dir().path() / "absent" / "printed.pdf";
+    click("btnPrint");
+    const Message error{"Printing Error", "An error occurred while printing.\nPrint operation aborted."};
+    EXPECT_EQ(sink.messages, (std::vector<Message>{empty, error}));
 }
