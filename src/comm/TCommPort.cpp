@@ -157,9 +157,12 @@ void TCommPort::OpenCommPort()
     int fd = path.empty() ? -1 : ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
     if (fd < 0)
         throw ECommError(ECommError::OpenError, path.empty() ? ENOENT : errno);
-    // Exclusive, like a port opened without sharing.
-    if (ioctl(fd, TIOCEXCL) != 0) {
-        int error = errno;
+    // Exclusive, like a port opened without sharing. A privileged process opens a
+    // port that another program holds exclusively: that port is busy, and its hold
+    // is not ours to take or clear.
+    int held = 0;
+    if (ioctl(fd, TIOCGEXCL, &held) != 0 || held || ioctl(fd, TIOCEXCL) != 0) {
+        int error = held ? EBUSY : errno;
         ::close(fd);
         throw ECommError(ECommError::OpenError, error);
     }

@@ -7,11 +7,15 @@
 #include <thread>
 
 namespace {
-// The chip answers every bulk read within its latency timer, with a status-only
-// packet when it has no data, so an idle read costs at most LatencyMs and the
-// poll periods above stay what they are. The USB read time-out is far longer than
-// that: libftdi fails a read that times out and drops the bytes it had already
-// gathered in that call, so a time-out must only ever mean a silent device.
+// The chip holds back a short reply until its latency timer runs out (16 ms by
+// default). Every block of an upload waits for a 2-byte acknowledgement, so the
+// default would add about 11 s to a full upload; 2 ms keeps it near the line's
+// speed. It is the only setting made on the chip itself. The chip also answers
+// every bulk read within this timer, with a status-only packet when it has no
+// data, so an idle read costs at most LatencyMs and the poll periods stay as they are.
+// The USB read time-out is far longer than that: libftdi fails a read that times
+// out and drops the bytes it had already gathered in that call, so a time-out
+// must only ever mean a silent device.
 constexpr unsigned char LatencyMs = 2;
 constexpr int UsbReadTimeoutMs = 200;
 // Whole packets of both full-speed (64-byte) and high-speed (512-byte) chips.
@@ -54,7 +58,7 @@ bool TftdiDeviceApi::openDevice(libusb_device *device)
         ftdi_usb_close(m_ftdi);
         return false;
     }
-    // A chip that keeps its default latency still works; its idle polls last longer.
+    // A chip that refuses keeps its default latency: slower uploads, same results.
     ftdi_set_latency_timer(m_ftdi, LatencyMs);
     m_ftdi->usb_read_timeout = UsbReadTimeoutMs;
     libusb_device_descriptor descriptor {};

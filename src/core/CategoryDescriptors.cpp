@@ -1,5 +1,6 @@
 #include "CategoryDescriptors.h"
 #include "AtomicFile.h"
+#include "RegularFile.h"
 #include "TextLineReader.h"
 #include <fstream>
 
@@ -25,8 +26,8 @@ bool parseLine(const std::string &line, char &letter, std::string &text)
 
 int CategoryDescriptors::load(const fs::path &path, TcategoryMap &map)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, path))
         return -1;
     map.clear();
     TtextLineReader reader(in, DescriptorLineLimit);

@@ -1,5 +1,6 @@
 #include "OpCodeDefinitions.h"
 #include "MessageSink.h"
+#include "RegularFile.h"
 #include "TextLineReader.h"
 #include <algorithm>
 #include <cctype>
@@ -40,8 +41,8 @@ std::vector<fs::path> OpCodeDefinitions::listFiles(const fs::path &dataFolder)
 
 TinstStruct OpCodeDefinitions::readHeader(const fs::path &file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, file))
         throw TopCodeFileCorrupt(file.string());
     TtextLineReader reader(in, DefinitionLineLimit);
     std::string nameLine, flagLine;
@@ -57,8 +58,8 @@ TinstStruct OpCodeDefinitions::readHeader(const fs::path &file)
 
 std::vector<std::string> OpCodeDefinitions::readLines(const fs::path &file)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, file))
         throw TopCodeFileCorrupt(file.string());
     TtextLineReader reader(in, DefinitionLineLimit);
     std::vector<std::string> lines;

@@ -1,5 +1,6 @@
 #include "TInstrDatabase.h"
 #include "AtomicFile.h"
+#include "RegularFile.h"
 #include "TextLineReader.h"
 #include <boost/spirit/include/classic_actor.hpp>
 #include <boost/spirit/include/classic_core.hpp>
@@ -73,8 +74,8 @@ int TInstrDatabase::findFreeSlot(int previous)
 
 int TInstrDatabase::importText(const fs::path &path)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, path))
         return -1;
     TtextLineReader reader(in, CsvLineLimit);
     std::string line;
@@ -112,8 +113,8 @@ int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::pat
 
 int TInstrDatabase::loadMasterTable(std::vector<TInstr> &table, const fs::path &path)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, path))
         return -1;
     table.clear();
     TInstr record;

@@ -34,6 +34,7 @@ public:
     static constexpr std::size_t DefaultCount = 500;
     std::vector<TTestProc> items;
 
+    TTestProcList() : items(DefaultCount) {} // a new table holds 500 blank checklists
     void makeUnused(); // 500 unused checklists
     // The checklist at index, or nullptr for index >= 500 or past the end.
     TTestProc *at(std::size_t index);

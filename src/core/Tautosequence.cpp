@@ -69,6 +69,16 @@ void Tautosequence::assignItemsFrom(const Tautosequence &source)
     setting = source.setting;
 }
 
+std::vector<TuserTester> TuserTester::defaultList()
+{
+    std::vector<TuserTester> testers(DefaultCount);
+    for (int i = 0; i < DefaultCount; ++i) {
+        testers[static_cast<std::size_t>(i)].name = "User Tester #" + std::to_string(i);
+        testers[static_cast<std::size_t>(i)].sequences.resize(SequencesPerTester);
+    }
+    return testers;
+}
+
 int TesterSetting::baudRate(int baudIndex)
 {
     static const int rates[] = {2400, 4800, 9600, 19200};

@@ -44,6 +44,12 @@ int baudRate(int baudIndex); // 2400, 4800, 9600, 19200
 }
 
 struct TuserTester {
+    static constexpr int DefaultCount = 5;
+    static constexpr int SequencesPerTester = 12;
     std::string name;
     std::vector<Tautosequence> sequences; // 12 in a complete tester
+
+    // The list the editors start from: "User Tester #0" to "User Tester #4",
+    // each with 12 blank autosequences.
+    static std::vector<TuserTester> defaultList();
 };

@@ -193,7 +193,11 @@ std::string TdataSet::unrecognizedOpCodeText()
            "One or more checkitems contain unrecognized op codes.\n"
            "The most likely reason for this is that the data is being\n"
            "downloaded to a PC with an incomplete software configuration.\n\n"
-           "Please install the latest versions of all plug-ins on this PC.\n"
-           "Less likely, the master checkitem database in the analyzer is corrupted.\n"
-           "In that case, please contact your nearest sales or service representative.";
+           // The rest breaks only between sentences and leaves the wrapping to the box.
+           "Some plug-ins may be missing on this PC or may be out of date. "
+           "The latest versions of all plug-ins are available on the manufacturer's web site. "
+           "Please install them and download the data again.\n\n"
+           "A less likely reason is a corrupted master checkitem database in the analyzer. "
+           "If the problem remains after the plug-ins have been updated, "
+           "please contact your nearest sales or service representative.";
 }

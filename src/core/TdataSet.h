@@ -16,13 +16,14 @@ public:
     static constexpr int SequencesPerTester = 12;
     static constexpr int DefaultInspectionCount = 18;
 
-    // Stores the folder and the sink only: the containers start default-constructed
-    // (1044 cleared checkitems, everything else empty) until loadAll() is called.
+    // Stores the folder and the sink only: the containers start as their defaults
+    // (1044 cleared checkitems, 500 blank checklists, the default user tester list,
+    // no inspections) until loadAll() is called.
     TdataSet(std::filesystem::path appDir, MessageSink &sink);
 
     TInstrDatabase checkitems;
     TTestProcList checklists;
-    std::vector<TuserTester> userTesters;
+    std::vector<TuserTester> userTesters = TuserTester::defaultList();
     std::vector<Tautosequence> inspections;
 
     const std::filesystem::path &appDir() const { return m_appDir; }

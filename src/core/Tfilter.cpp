@@ -1,8 +1,7 @@
 #include "Tfilter.h"
 #include "TInstrDatabase.h"
+#include "Twindows1252.h"
 #include <algorithm>
-#include <cctype>
-#include <locale>
 
 namespace {
 constexpr std::size_t FilterSlots = 250;
@@ -10,14 +9,6 @@ constexpr std::size_t FilterSlots = 250;
 bool contains(const std::vector<char> &set, char c)
 {
     return std::find(set.begin(), set.end(), c) != set.end();
-}
-
-std::string upperCase(std::string text)
-{
-    const std::locale locale;
-    for (char &c : text)
-        c = std::toupper(c, locale);
-    return text;
 }
 
 std::string opName(char opCode)
@@ -96,7 +87,7 @@ bool Tfilter::less(std::uint32_t a, std::uint32_t b) const
     const TInstr &ra = (*database)[a];
     const TInstr &rb = (*database)[b];
     auto categoryText = [this](const TInstr &r) {
-        return upperCase(CategoryDescriptors::displayText(*categoryDescriptors, r.category));
+        return Twindows1252::toUpper(CategoryDescriptors::displayText(*categoryDescriptors, r.category));
     };
     auto byCategory = [&] {
         std::string ca = categoryText(ra), cb = categoryText(rb);
@@ -105,8 +96,7 @@ bool Tfilter::less(std::uint32_t a, std::uint32_t b) const
         return opName(ra.opCode) < opName(rb.opCode);
     };
     auto byOpCode = [&] {
-        auto upper = [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); };
-        std::string na = opName(upper(ra.opCode)), nb = opName(upper(rb.opCode));
+        std::string na = opName(Twindows1252::toUpper(ra.opCode)), nb = opName(Twindows1252::toUpper(rb.opCode));
         if (na < nb) // decided by the raw characters on purpose
             return static_cast<signed char>(ra.opCode) < static_cast<signed char>(rb.opCode);
         if (na == nb)

@@ -67,10 +67,16 @@ void packAutosequences(const std::vector<Tautosequence> &inspections, const std:
 
 void unpackCheckitems(const std::uint8_t *area, TInstrDatabase &db)
 {
+    // Received bytes go through the record's own assignment, so every slot is
+    // terminated and zero-padded after its text, and a free slot is a cleared one.
     auto &slots = db.slots();
-    slots.resize(TInstrDatabase::SlotCount);
-    for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
-        std::memcpy(static_cast<void *>(&slots[i]), area + i * sizeof(TInstr), sizeof(TInstr));
+    slots.assign(TInstrDatabase::SlotCount, TInstr());
+    for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i) {
+        TInstr received;
+        std::memcpy(static_cast<void *>(&received), area + i * sizeof(TInstr), sizeof(TInstr));
+        if (!received.isFree())
+            slots[i].assign(received);
+    }
 }
 
 void unpackChecklists(const std::uint8_t *area, TTestProcList &checklists)
@@ -96,6 +102,11 @@ void unpackAutosequences(const std::uint8_t *area, std::vector<Tautosequence> &i
             tester.sequences.push_back(readSequence(area + testerSequenceOffset(t, s)));
         const char *name = reinterpret_cast<const char *>(area + TesterNamesOffset + t * TesterNameWidth);
         std::string text(name, strnlen(name, TesterNameWidth));
+        for (char &c : text) {
+            const unsigned char u = static_cast<unsigned char>(c);
+            if (u < 32 || u == 127)
+                c = ' ';
+        }
         std::size_t first = text.find_first_not_of(' ');
         std::size_t last = text.find_last_not_of(' ');
         tester.name = first == std::string::npos ? std::string() : text.substr(first, last - first + 1);

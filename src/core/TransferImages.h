@@ -26,7 +26,9 @@ void packAutosequences(const std::vector<Tautosequence> &inspections,
                        const std::vector<TuserTester> &testers, std::uint8_t *area);
 
 // Replace the containers from an area (download side), through the cleaning copies:
-// 1044 checkitems, 500 checklists, 18 inspections, 5 testers of 12.
+// 1044 checkitems (each used slot assigned as a record, each free slot cleared),
+// 500 checklists, 18 inspections, 5 testers of 12 (names with control characters
+// turned into blanks, then trimmed).
 void unpackCheckitems(const std::uint8_t *area, TInstrDatabase &db);
 void unpackChecklists(const std::uint8_t *area, TTestProcList &checklists);
 void unpackAutosequences(const std::uint8_t *area, std::vector<Tautosequence> &inspections,

@@ -1,9 +1,10 @@
 #include "autosequenceFileStructs.h"
 #include "AtomicFile.h"
+#include "RegularFile.h"
 #include <algorithm>
 #include <cstring>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -14,32 +15,27 @@ enum ReadSite {
     ReadTitle1, ReadTitle2, ReadSetting, ReadItemCount, ReadItem
 };
 
-class TbyteReader {
+// Takes the fields off the stream one by one, so nothing beyond what the
+// header declares is ever read.
+class TfieldReader {
 public:
-    explicit TbyteReader(const std::string &bytes) : m_bytes(bytes) {}
-    void text(char (&field)[64], int site)
-    {
-        need(sizeof field, site);
-        std::memcpy(field, m_bytes.data() + m_pos, sizeof field);
-        m_pos += sizeof field;
-    }
+    explicit TfieldReader(std::istream &in) : m_in(in) {}
+    void text(char (&field)[64], int site) { take(field, sizeof field, site); }
     std::uint16_t word(int site)
     {
-        need(2, site);
-        auto low = static_cast<unsigned char>(m_bytes[m_pos]);
-        auto high = static_cast<unsigned char>(m_bytes[m_pos + 1]);
-        m_pos += 2;
-        return static_cast<std::uint16_t>(low | (high << 8));
+        unsigned char bytes[2];
+        take(bytes, sizeof bytes, site);
+        return static_cast<std::uint16_t>(bytes[0] | (bytes[1] << 8));
     }
 
 private:
-    void need(std::size_t count, int site) const
+    void take(void *target, std::size_t count, int site)
     {
-        if (m_bytes.size() - m_pos < count)
+        m_in.read(static_cast<char *>(target), static_cast<std::streamsize>(count));
+        if (static_cast<std::size_t>(m_in.gcount()) != count)
             throw TInvalidRead(site);
     }
-    const std::string &m_bytes;
-    std::size_t m_pos = 0;
+    std::istream &m_in;
 };
 
 void putText(std::string &out, const char (&field)[64])
@@ -68,17 +64,22 @@ std::string fieldText(const char (&field)[64])
 
 int TautosequenceFile::read(const fs::path &path)
 {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
+    std::ifstream in;
+    if (!openRegularFile(in, path))
         return -1;
-    std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    return parse(bytes);
+    return read(in);
 }
 
 int TautosequenceFile::parse(const std::string &bytes)
 {
+    std::istringstream in(bytes);
+    return read(in);
+}
+
+int TautosequenceFile::read(std::istream &in)
+{
     records.clear();
-    TbyteReader reader(bytes);
+    TfieldReader reader(in);
     reader.text(header.title, ReadTitle);
     reader.text(header.subtitle, ReadSubtitle);
     header.recordCount = reader.word(ReadRecordCount);

@@ -3,6 +3,7 @@
 // 132 + 2*N bytes, all integers 16-bit little-endian.
 #include <cstdint>
 #include <filesystem>
+#include <istream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -34,8 +35,12 @@ public:
     TautosequenceFileHeader header;
     std::vector<TautosequenceFileStorage> records;
 
-    // 0 ok, -1 cannot open, -2 record count 0; throws TInvalidRead on a short read.
+    // 0 ok, -1 cannot open (or not a regular file), -2 record count 0; throws
+    // TInvalidRead on a short read.
     int read(const std::filesystem::path &path);
+    // The header and the records it declares, taken from the stream and no
+    // further; same results and exceptions.
+    int read(std::istream &in);
     // Recomputes the counts; 0 ok, -1 cannot create; throws TInvalidWrite.
     int write(const std::filesystem::path &path);
     // The exact bytes write() puts into the file (counts recomputed).

@@ -4,12 +4,13 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 ThostMainWindow::ThostMainWindow(const QString &appDir)
 {
     setWindowTitle(QStringLiteral("KT930 Plus PC"));
-    resize(820, 620);
+    fitToScreen();
     m_container = new QWidget(this);
     m_container->setObjectName(QStringLiteral("container"));
     m_containerLayout = new QVBoxLayout(m_container);
@@ -40,6 +41,17 @@ ThostMainWindow::~ThostMainWindow()
         delete plugin.frame.data();
     while (!m_plugins.empty())
         m_plugins.pop_back();
+}
+
+// The frame's design size, but never more than the screen leaves free: with a
+// large scale factor the design size is taller than the screen.
+void ThostMainWindow::fitToScreen()
+{
+    const QRect available = screen()->availableGeometry();
+    // Room for the title bar and borders, which the window system adds outside.
+    const QSize decoration(16, 48);
+    resize(QSize(820, 620).boundedTo(available.size() - decoration));
+    move(available.topLeft() + QPoint((available.width() - width()) / 2, (available.height() - height() - decoration.height()) / 2));
 }
 
 void ThostMainWindow::report(const QString &text)

@@ -32,6 +32,7 @@ private:
         std::unique_ptr<TPluginHostInfo> hostInfo;
         QPointer<Tkt930Frame> frame;
     };
+    void fitToScreen();
     void loadPlugins(const QString &folder);
     void report(const QString &text);
 

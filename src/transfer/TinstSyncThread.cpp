@@ -116,11 +116,9 @@ bool TinstSyncThread::openTransport(TgenericCommmunicationsModule &module, void 
     case ModeEthernet:
         return module.openEthernetSlot(slot, &parameters) == 0;
     default:
-        try {
-            return module.openSerialSlot(slot, &parameters) == 0;
-        } catch (const ECommError &) {
-            return false; // shown by the module's serial message table
-        }
+        // A port error shows the serial message table, then ends the run as any
+        // failure of the open does.
+        return module.openSerialSlot(slot, &parameters) == 0;
     }
 }
 
@@ -151,24 +149,34 @@ bool TinstSyncThread::openUSB(std::unique_ptr<TusbDeviceApi> *usbSlot, TgenericC
 }
 
 TinstSyncThread::Arrival TinstSyncThread::receive(TgenericCommmunicationsModule &module, std::uint8_t *buffer,
-                                                  std::size_t needed, std::size_t clearBytes, bool cancellable)
+                                                  std::size_t needed, std::size_t clearBytes, Step step)
 {
-    for (int poll = 0; poll < Polls; ++poll) {
-        if (cancellable && m_progress->isCancelled()) {
+    int pending = 0;
+    if (step == Step::Chunk && !portStep([&] {
+            pending = module.bytesAvailable();
+            return true;
+        }))
+        return Arrival::Failed;
+    for (int idlePolls = 0; idlePolls < Polls;) {
+        if (step == Step::Chunk && m_progress->isCancelled()) {
             module.close();
             throw ToperationCancelledException();
         }
-        bool ready = false;
+        const int before = pending;
         if (!portStep([&] {
                 module.waitForData(needed, PollMs);
-                ready = module.bytesAvailable() >= int(needed);
+                pending = module.bytesAvailable();
                 return true;
             }))
             return Arrival::Failed;
-        if (ready) {
+        if (pending >= int(needed)) {
             std::memset(buffer, 0, clearBytes);
             return portStep([&] { return module.read(buffer, needed) == 0; }) ? Arrival::Received : Arrival::Failed;
         }
+        if (step == Step::Handshake || pending <= before)
+            ++idlePolls;
+        else
+            idlePolls = 0;
     }
     return Arrival::TimedOut;
 }
@@ -181,7 +189,7 @@ bool TinstSyncThread::exchange(TgenericCommmunicationsModule &module, const Tsyn
         return false;
     }
     std::uint8_t reply[BlockSize]; // content not examined
-    switch (receive(module, reply, BlockSize, BlockSize, false)) {
+    switch (receive(module, reply, BlockSize, BlockSize, Step::Handshake)) {
     case Arrival::Received:
         break;
     case Arrival::Failed:
@@ -204,7 +212,7 @@ bool TinstSyncThread::exchange(TgenericCommmunicationsModule &module, const Tsyn
     for (std::size_t i = 0; i < TsyncCommStruct::ChunkCount && i * TsyncCommStruct::ChunkSize < ImageBytes; ++i) {
         const std::size_t needed = std::min(TsyncCommStruct::ChunkSize, ImageBytes - i * TsyncCommStruct::ChunkSize);
         switch (receive(module, m_record->area + i * TsyncCommStruct::ChunkSize, needed, TsyncCommStruct::ChunkSize,
-                        true)) {
+                        Step::Chunk)) {
         case Arrival::Received:
             break;
         case Arrival::Failed:

@@ -27,16 +27,21 @@ protected:
 
 private:
     enum class Arrival { Received, Failed, TimedOut };
+    // A handshake gets 40 polls. A data chunk may be cancelled before each poll, and
+    // only polls that bring no new byte count against its 40: a 4224-byte chunk needs
+    // 2.2 s of a 19200-baud line, more than 40 polls of 50 ms.
+    enum class Step { Handshake, Chunk };
 
     void execute();
-    // Opens the transport over the acquired slot; false after its message.
+    // Opens the transport over the acquired slot; false after its message. Serial
+    // port errors propagate after the port's own box.
     bool openTransport(TgenericCommmunicationsModule &module, void *slot, TtransportParams &parameters);
     // Finds the analyzer among the USB devices; false after its message.
     bool openUSB(std::unique_ptr<TusbDeviceApi> *slot, TgenericCommmunicationsModule &module);
-    // Up to 40 polls of 50 ms for `needed` bytes; clears clearBytes of the buffer and
-    // reads them once pending. Checks the cancel flag before each poll when asked.
+    // Polls of 50 ms for `needed` bytes; clears clearBytes of the buffer and reads
+    // them once pending.
     Arrival receive(TgenericCommmunicationsModule &module, std::uint8_t *buffer, std::size_t needed,
-                    std::size_t clearBytes, bool cancellable);
+                    std::size_t clearBytes, Step step);
     // Handshake and data over an open module; false after its message.
     bool exchange(TgenericCommmunicationsModule &module, const TsyncTexts &texts);
     void fail(TgenericCommmunicationsModule &module, const char *caption, const char *text);

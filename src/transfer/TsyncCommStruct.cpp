@@ -1,10 +1,8 @@
 #include "TsyncCommStruct.h"
-#include <cstring>
+#include "TransferImages.h"
 
 void TsyncCommStruct::copyInto(TInstrDatabase &db) const
 {
-    auto &slots = db.slots();
-    slots.resize(TInstrDatabase::SlotCount);
-    for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
-        std::memcpy(static_cast<void *>(&slots[i]), area + i * sizeof(TInstr), sizeof(TInstr));
+    // The first 1044 slots of the image, as a download copies them.
+    TransferImages::unpackCheckitems(area, db);
 }

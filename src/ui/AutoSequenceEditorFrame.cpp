@@ -17,6 +17,7 @@
 #include "progress.h"
 #include <QApplication>
 #include <QFontMetrics>
+#include <QIcon>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QTimer>
@@ -34,6 +35,15 @@ std::string upperAscii(std::string text)
         if (c >= 'a' && c <= 'z')
             c = char(c - 'a' + 'A');
     return text;
+}
+
+// A question mark drawn for each size, so it stays legible at 16 px.
+QIcon helpIcon()
+{
+    QIcon icon;
+    for (int size : {16, 24, 32, 48})
+        icon.addFile(QStringLiteral(":/icons/help-%1.png").arg(size), QSize(size, size));
+    return icon;
 }
 
 std::string applicationTitle()
@@ -62,12 +72,18 @@ TAutoSeqEditFrame::TAutoSeqEditFrame(QWidget *owner, TPluginHostInfo *hostData, 
 TAutoSeqEditFrame::~TAutoSeqEditFrame()
 {
     // Directly, not deferred: the plug-in may be unloaded before the event loop runs again.
-    for (QPointer<THelpWindow> &window : m_helpWindows)
-        delete window.data();
+    delete m_helpWindow.data();
+}
+
+// Outside any namespace, as the macro requires; the resources live in a static library.
+static void initFrameResources()
+{
+    Q_INIT_RESOURCE(frameIcons);
 }
 
 void TAutoSeqEditFrame::setUpControls()
 {
+    initFrameResources();
     ui->setupUi(this);
     ui->BtnRestore->setText(QStringLiteral("Restore\nValues"));
     ui->BtnBackup->setText(QStringLiteral("Backup\nValues"));
@@ -78,7 +94,7 @@ void TAutoSeqEditFrame::setUpControls()
     ui->BtnInstEd2->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
     ui->BtnUpload->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
     ui->BtnDownload->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
-    ui->BtnHelp->setIcon(style()->standardIcon(QStyle::SP_DialogHelpButton));
+    ui->BtnHelp->setIcon(helpIcon());
     ui->BtnExit->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
 
     QFont small = font();
@@ -155,14 +171,6 @@ void TAutoSeqEditFrame::saveAutosequences()
     m_data->saveUserTesters();
 }
 
-int TAutoSeqEditFrame::helpWindowCount() const
-{
-    int count = 0;
-    for (const QPointer<THelpWindow> &window : m_helpWindows)
-        count += window ? 1 : 0;
-    return count;
-}
-
 // ---- lists
 
 void TAutoSeqEditFrame::refreshLists(int selector)
@@ -175,7 +183,7 @@ void TAutoSeqEditFrame::refreshLists(int selector)
 
 void TAutoSeqEditFrame::refreshInspections()
 {
-    const int selected = ui->lstIP->currentRow();
+    const int selected = selectedInspection();
     ui->lstIP->clear();
     for (const Tautosequence &sequence : m_data->inspections)
         ui->lstIP->addItem(TguiText::forDisplay(TlistTexts::inspectionRow(sequence)));
@@ -227,9 +235,23 @@ void TAutoSeqEditFrame::refreshTesters()
     tree->viewport()->update();
 }
 
+// Focus alone gives the list a current row and the tree a current node, and
+// Ctrl+click leaves them current after deselecting them: only a selection counts.
+int TAutoSeqEditFrame::selectedInspection() const
+{
+    const QList<QListWidgetItem *> selected = ui->lstIP->selectedItems();
+    return selected.isEmpty() ? -1 : ui->lstIP->row(selected.first());
+}
+
+QTreeWidgetItem *TAutoSeqEditFrame::selectedNode() const
+{
+    const QList<QTreeWidgetItem *> selected = ui->LstUTS->selectedItems();
+    return selected.isEmpty() ? nullptr : selected.first();
+}
+
 void TAutoSeqEditFrame::BtnIPClearClick()
 {
-    const int row = ui->lstIP->currentRow();
+    const int row = selectedInspection();
     if (row < 0 || row >= int(m_data->inspections.size()))
         return;
     if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
@@ -240,8 +262,8 @@ void TAutoSeqEditFrame::BtnIPClearClick()
 
 void TAutoSeqEditFrame::BtnUTSClearClick()
 {
-    QTreeWidgetItem *node = ui->LstUTS->currentItem();
-    if (!node || !node->isSelected() || !node->parent())
+    QTreeWidgetItem *node = selectedNode();
+    if (!node || !node->parent())
         return;
     const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
     const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
@@ -265,7 +287,7 @@ void TAutoSeqEditFrame::editSequence(Tautosequence &sequence)
 
 void TAutoSeqEditFrame::editInspection(bool save)
 {
-    const int row = ui->lstIP->currentRow();
+    const int row = selectedInspection();
     if (row >= 0 && row < int(m_data->inspections.size()))
         editSequence(m_data->inspections[std::size_t(row)]);
     refreshLists(0);
@@ -285,8 +307,8 @@ void TAutoSeqEditFrame::BtnIPEditClick()
 
 void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
 {
-    QTreeWidgetItem *node = ui->LstUTS->currentItem();
-    if (!node || !node->isSelected())
+    QTreeWidgetItem *node = selectedNode();
+    if (!node)
         return;
     if (node->parent()) {
         const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
@@ -462,12 +484,15 @@ void TAutoSeqEditFrame::BtnDownloadClick()
 
 void TAutoSeqEditFrame::BtnHelpClick()
 {
-    const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
-    auto *window = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
-    // Closed windows delete themselves; forget them so the list does not grow.
-    std::erase_if(m_helpWindows, [](const QPointer<THelpWindow> &w) { return w.isNull(); });
-    m_helpWindows.emplace_back(window);
-    window->show();
+    if (!m_helpWindow) {
+        const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
+        m_helpWindow = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
+    }
+    // One window per frame: a second press brings it back to the front.
+    m_helpWindow->setWindowState(m_helpWindow->windowState() & ~Qt::WindowMinimized);
+    m_helpWindow->show();
+    m_helpWindow->raise();
+    m_helpWindow->activateWindow();
 }
 
 void TAutoSeqEditFrame::BtnExitClick()

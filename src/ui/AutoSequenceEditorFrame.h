@@ -36,7 +36,6 @@ public:
     void refreshLists(int selector);
     // What the sequence editor calls to put the autosequences on disk.
     void saveAutosequences();
-    int helpWindowCount() const;
 
     // The double-click guard of the tree: no expand/collapse when the press that
     // began the double click was on a node's label. Every double click edits.
@@ -70,6 +69,8 @@ private:
     void refreshInspections();
     void refreshTesters();
     QString testerRootText(int index);
+    int selectedInspection() const; // -1 when no row is selected
+    QTreeWidgetItem *selectedNode() const;
     void editTreeNode(bool setCaptions);
     void editSequence(Tautosequence &sequence);
     void editInspection(bool save);
@@ -84,5 +85,5 @@ private:
     std::unique_ptr<TdataSet> m_data;
     QTimer *LstUTSTimer = nullptr;
     bool m_pressOnItem = false; // the stored hit-test result of the last left press
-    std::vector<QPointer<THelpWindow>> m_helpWindows;
+    QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

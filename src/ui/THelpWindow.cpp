@@ -4,6 +4,8 @@
 THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &topic)
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    // A help window never keeps the program running once its main window is closed.
+    setAttribute(Qt::WA_QuitOnClose, false);
     setOpenLinks(true);
     resize(720, 560);
     const QString qch = QString::fromStdString(helpFile.string());

@@ -1,5 +1,6 @@
 #include "TlengthLimitValidator.h"
 #include <QLineEdit>
+#include <algorithm>
 
 TlengthLimitValidator::TlengthLimitValidator(int limit, QLineEdit *edit) : QValidator(edit), m_limit(limit)
 {
@@ -10,7 +11,16 @@ TlengthLimitValidator::TlengthLimitValidator(int limit, QLineEdit *edit) : QVali
     edit->setValidator(this);
 }
 
-QValidator::State TlengthLimitValidator::validate(QString &input, int &) const
+QValidator::State TlengthLimitValidator::validate(QString &input, int &pos) const
 {
-    return input.size() > m_limit && input.size() > m_length ? Invalid : Acceptable;
+    // What was typed or pasted ends at the cursor: cut its end, so a long paste
+    // keeps the part that fits.
+    const qsizetype excess = input.size() - std::max<qsizetype>(m_limit, m_length);
+    if (excess > 0) {
+        if (excess > pos)
+            return Invalid;
+        input.remove(pos - excess, excess);
+        pos -= int(excess);
+    }
+    return Acceptable;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // Stops an edit from making a line longer than a limit, unlike a maximum length,
 // which would also cut a longer text that is set from code. A text that is already
-// longer may still shrink, but never grow.
+// longer may still shrink, but never grow. Of an insertion that is too long, the
+// part that fits is kept.
 #include <QValidator>
 
 class QLineEdit;

@@ -15,6 +15,7 @@ public:
 
     QString text() const;
     void setLabelText(const QString &text);
+    void setVisible(bool visible) override;
 
 private:
     std::unique_ptr<Ui::TseqTitleEditForm> ui;

@@ -48,9 +48,13 @@ std::vector<int> TserialPortMap::freePorts(const std::map<int, std::string> &ove
         int fd = ::open(device.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY);
         if (fd < 0)
             continue;
-        bool free = ::isatty(fd) && ::ioctl(fd, TIOCEXCL) == 0;
+        // A privileged probe opens a port that another program holds exclusively:
+        // such a port is not free, and its hold is not ours to clear. A port whose
+        // hold cannot be read is left alone too.
+        int held = 1;
+        bool free = ::isatty(fd) && ::ioctl(fd, TIOCGEXCL, &held) == 0 && !held && ::ioctl(fd, TIOCEXCL) == 0;
         if (free)
-            ::ioctl(fd, TIOCNXCL);
+            ::ioctl(fd, TIOCNXCL); // the probe's own hold
         ::close(fd);
         if (free)
             ports.push_back(port);

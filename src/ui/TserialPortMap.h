@@ -15,6 +15,7 @@ public:
     static std::map<int, std::string> readOverrides(const std::filesystem::path &iniFile);
     static std::string deviceOf(int port, const std::map<int, std::string> &overrides);
     // Numbers (ascending) of the ports whose device opens now: read/write,
-    // non-blocking, no controlling terminal, exclusively. Each is closed at once.
+    // non-blocking, no controlling terminal, exclusively. A port that another
+    // program holds exclusively is skipped, its hold untouched. Each is closed at once.
     static std::vector<int> freePorts(const std::map<int, std::string> &overrides);
 };

@@ -13,6 +13,7 @@
 #include "TinstListingPrinter.h"
 #include "TsequencePrinter.h"
 #include "TsequenceReport.h"
+#include "Twindows1252.h"
 #include "asEdFilterPopup.h"
 #include "instEdit.h"
 #include <QPrintDialog>
@@ -413,8 +414,8 @@ void TsequenceEditor::btnOkClick()
 {
     const QString title1 = ui->title1txt->text();
     if (title1 != QLatin1String("(unused)"))
-        Tautosequence::setTitle(m_sequence.title1, TguiText::toBytes(title1.toUpper()));
-    Tautosequence::setTitle(m_sequence.title2, TguiText::toBytes(ui->title2txt->text().toUpper()));
+        Tautosequence::setTitle(m_sequence.title1, Twindows1252::toUpper(TguiText::toBytes(title1)));
+    Tautosequence::setTitle(m_sequence.title2, Twindows1252::toUpper(TguiText::toBytes(ui->title2txt->text())));
     writeSetting();
     accept();
 }

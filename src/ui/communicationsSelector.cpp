@@ -45,6 +45,9 @@ TcomSelectFrm::TcomSelectFrm(QWidget *owner, bool upload, MessageSink *sink)
     else if (method == MethodUSB)
         ui->radUSB->setChecked(true);
     enableFor(this->method());
+    // A stored choice the dialog cannot show (serial without a free port) is kept
+    // unless the user picks a method or connects.
+    m_keepStoredMethod = this->method() != method;
 
     connect(ui->radUSB, &QRadioButton::clicked, this, &TcomSelectFrm::radUSBClick);
     connect(ui->radEthernet, &QRadioButton::clicked, this, &TcomSelectFrm::radEthernetClick);
@@ -128,16 +131,19 @@ void TcomSelectFrm::enableFor(int method)
 
 void TcomSelectFrm::radUSBClick()
 {
+    m_keepStoredMethod = false;
     enableFor(MethodUSB);
 }
 
 void TcomSelectFrm::radEthernetClick()
 {
+    m_keepStoredMethod = false;
     enableFor(MethodEthernet);
 }
 
 void TcomSelectFrm::radSerialClick()
 {
+    m_keepStoredMethod = false;
     enableFor(MethodSerial);
 }
 
@@ -151,11 +157,13 @@ bool TcomSelectFrm::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::KeyPress) {
         auto *key = static_cast<QKeyEvent *>(event);
         const QString text = key->text();
-        // Moving on, confirming and cancelling still reach the dialog.
-        const int code = key->key();
-        const bool navigation = code == Qt::Key_Tab || code == Qt::Key_Backtab || code == Qt::Key_Return
-            || code == Qt::Key_Enter || code == Qt::Key_Escape || text.isEmpty();
-        if (!navigation && !IPKeyPress(text.at(0)))
+        // Only keys that type a character are filtered, the way the field itself
+        // decides what types: a printable text without Ctrl. Editing keys (Delete,
+        // arrows, Home, End, select-all, Tab, Return, Escape) work as anywhere else.
+        const Qt::KeyboardModifiers modifiers = key->modifiers() & ~Qt::KeypadModifier;
+        const bool types = !text.isEmpty() && text.at(0).isPrint() && modifiers != Qt::ControlModifier
+            && modifiers != (Qt::ControlModifier | Qt::ShiftModifier);
+        if (types && !IPKeyPress(text.at(0)))
             return true;
     }
     return QDialog::eventFilter(watched, event);
@@ -191,13 +199,17 @@ void TcomSelectFrm::btnCancelClick()
 
 void TcomSelectFrm::done(int result)
 {
-    FormClose();
     // Escape and the window's close button count as Cancel.
-    QDialog::done(result == QDialog::Rejected ? 2 : result);
+    if (result == QDialog::Rejected)
+        result = 2;
+    FormClose(result == 2);
+    QDialog::done(result);
 }
 
-void TcomSelectFrm::FormClose()
+void TcomSelectFrm::FormClose(bool cancelled)
 {
+    if (cancelled && m_keepStoredMethod)
+        return;
     QSettings ini(iniPath(), QSettings::IniFormat);
     ini.beginGroup(QStringLiteral("COMM"));
     if (ui->radUSB->isChecked()) {

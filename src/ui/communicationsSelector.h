@@ -27,7 +27,8 @@ public:
     QString ipText(int field) const; // field 1..4
     int serialPort() const; // from the selected entry, 1 when nothing is selected
 
-    // Filters IP1..IP4 keys: digits and Backspace only (Tab, Return, Enter and Escape still pass).
+    // Filters the characters typed into IP1..IP4: digits only. Keys that type no
+    // character (Backspace, Delete, arrows, select-all, Tab, Return ...) pass.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:
@@ -45,9 +46,11 @@ public:
 private:
     void fillPortList(int defaultSerial);
     void enableFor(int method);
-    void FormClose();
+    // Writes the chosen method; a cancelled dialog keeps a stored method it could not show.
+    void FormClose(bool cancelled);
 
     std::unique_ptr<Ui::TcomSelectFrm> ui;
     MessageSink &m_sink;
     QLineEdit *m_ip[4];
+    bool m_keepStoredMethod = false;
 };

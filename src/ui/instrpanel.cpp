@@ -119,17 +119,17 @@ void TInstrPanel::CleanUp()
     m_autoCounts.clear();
 }
 
-void TInstrPanel::MinMax(const std::string &spec, dataInfo *info)
+void TInstrPanel::MinMax(const std::string &typeSpec, dataInfo *info)
 {
     *info = dataInfo();
-    if (spec.size() == 3)
+    if (typeSpec.size() == 3)
         return;
-    std::size_t comma = spec.find(',');
-    if (comma == std::string::npos || spec.size() < 4)
+    std::size_t comma = typeSpec.find(',');
+    if (comma == std::string::npos || typeSpec.size() < 4)
         return;
     info->hasRange = 1;
-    toDouble(spec.substr(2, comma - 2), info->minimum);
-    toDouble(spec.substr(comma + 1, spec.size() - 2 - comma), info->maximum);
+    toDouble(typeSpec.substr(2, comma - 2), info->minimum);
+    toDouble(typeSpec.substr(comma + 1, typeSpec.size() - 2 - comma), info->maximum);
 }
 
 void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)

@@ -118,14 +118,17 @@ TEST_F(CliTest, ImportAddsCheckitemsAfterTheUsedOnes)
     EXPECT_EQ(after.substr(39 * 44), before.substr(39 * 44));
 }
 
-TEST_F(CliTest, ImportOfAMissingFileReportsFileIoErrorAndChangesNothing)
+TEST_F(CliTest, ImportOfAMissingFileOrAFolderReportsFileIoErrorAndChangesNothing)
 {
     const std::string before = TempDir::read(mitDat());
-    ProgramRun result = run({"import-csv", (temp / "missing.csv").string(), "--appdir", appDir()});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_EQ(result.err, "ERROR\nAn error occurred while importing the checkitems.\n"
-                          "An error code of -1 was returned - File I/O Error.\n");
-    EXPECT_EQ(TempDir::read(mitDat()), before);
+    fs::create_directories(temp / "folder.csv");
+    for (const char *name : {"missing.csv", "folder.csv"}) {
+        ProgramRun result = run({"import-csv", (temp / name).string(), "--appdir", appDir()});
+        EXPECT_EQ(result.exitCode, 1) << name;
+        EXPECT_EQ(result.err, "ERROR\nAn error occurred while importing the checkitems.\n"
+                              "An error code of -1 was returned - File I/O Error.\n");
+        EXPECT_EQ(TempDir::read(mitDat()), before);
+    }
 }
 
 TEST_F(CliTest, ImportOverflowSavesWhatFittedAndFails)

@@ -2,6 +2,7 @@
 // A scripted USB device: which descriptions and indexes open, the vendor id of
 // each index, and the bytes it answers with. Every call is logged.
 #include "TusbDeviceApi.h"
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <set>
@@ -11,6 +12,11 @@ struct FakeUsbScript {
     std::set<std::string> descriptions; // descriptions that open
     std::vector<int> vendors;           // vendor id per device index
     std::string incoming;               // bytes the device has for us
+    // A slow line: when set, incoming becomes readable this many bytes a poll
+    // (a waitForData call), and polls are counted. Polls take no time here.
+    std::size_t perPoll = 0;
+    std::size_t readable = 0;
+    int polls = 0;
     std::string written;                // bytes we sent
     std::vector<std::string> calls;
     bool gone = false;                  // queue status fails
@@ -38,9 +44,11 @@ public:
     int vendorId() override { return m_open ? m_vendor : -1; }
     int read(std::uint8_t *buffer, std::size_t n) override
     {
-        std::size_t count = std::min(n, m_script->incoming.size());
+        std::size_t count = std::min(n, pending());
         std::copy_n(m_script->incoming.begin(), count, buffer);
         m_script->incoming.erase(0, count);
+        if (m_script->perPoll)
+            m_script->readable -= count;
         return int(count);
     }
     int write(const std::uint8_t *buffer, std::size_t n) override
@@ -48,8 +56,14 @@ public:
         m_script->written.append(reinterpret_cast<const char *>(buffer), n);
         return int(n);
     }
-    int queueStatus() override { return m_script->gone ? -1 : int(m_script->incoming.size()); }
-    void waitForData(std::size_t, int) override {}
+    int queueStatus() override { return m_script->gone ? -1 : int(pending()); }
+    void waitForData(std::size_t, int) override
+    {
+        if (!m_script->perPoll)
+            return;
+        ++m_script->polls;
+        m_script->readable = std::min(m_script->incoming.size(), m_script->readable + m_script->perPoll);
+    }
     void close() override
     {
         if (m_open)
@@ -58,6 +72,8 @@ public:
     }
 
 private:
+    std::size_t pending() const { return m_script->perPoll ? m_script->readable : m_script->incoming.size(); }
+
     std::shared_ptr<FakeUsbScript> m_script;
     bool m_open = false;
     int m_vendor = -1;

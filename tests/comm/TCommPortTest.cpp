@@ -151,6 +151,27 @@ TEST_F(TCommPortTest, CloseGivesUpExclusiveUse)
     EXPECT_FALSE(exclusive());
 }
 
+// A port that another program holds exclusively does not open, even for a
+// privileged process, and keeps its holder's mark.
+TEST_F(TCommPortTest, PortHeldExclusivelyElsewhereIsOpenErrorBusy)
+{
+    const int holder = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(holder, 0);
+    ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
+    try {
+        port.OpenCommPort();
+        ADD_FAILURE() << "opened a port held elsewhere";
+    } catch (const ECommError &e) {
+        EXPECT_EQ(e.code(), ECommError::OpenError);
+        EXPECT_EQ(e.lastError(), EBUSY);
+    }
+    port.CloseCommPort();
+    int flag = 0;
+    ::ioctl(holder, TIOCGEXCL, &flag);
+    EXPECT_EQ(flag, 1);
+    ::close(holder);
+}
+
 TEST_F(TCommPortTest, ShortReadReturnsCountAndPutsNulAfterData)
 {
     port.OpenCommPort();

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <set>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace ByteBuilder;
@@ -122,4 +123,62 @@ TEST(AsqReferences, ListsEachRecordUsingTheNumberOnce)
 
     EXPECT_FALSE(TautosequenceFile::findReferences(dir / "gone.asq", 4, lines));
     EXPECT_EQ(lines, (std::vector<std::string>{"Unable to open autosequence file - " + (dir / "gone.asq").string()}));
+}
+
+namespace {
+// The bytes of `head`, then an endless run of filler bytes.
+class EndlessAfter : public std::streambuf {
+public:
+    explicit EndlessAfter(std::string head) : m_head(std::move(head))
+    {
+        setg(m_head.data(), m_head.data(), m_head.data() + m_head.size());
+    }
+
+protected:
+    int_type underflow() override
+    {
+        m_tail.assign(4096, '\xAB');
+        setg(m_tail.data(), m_tail.data(), m_tail.data() + m_tail.size());
+        return traits_type::to_int_type(m_tail[0]);
+    }
+
+private:
+    std::string m_head, m_tail;
+};
+}
+
+TEST(AsqRead, TakesTheDeclaredRecordsFromTheStreamAndStops)
+{
+    EndlessAfter source(asqHeader("Physical Inspections", "", 1) + asqRecord("Cord", "", 0, {3, 0}) + "NEXT");
+    std::istream in(&source);
+    TautosequenceFile asq;
+    ASSERT_EQ(asq.read(in), 0);
+    ASSERT_EQ(asq.records.size(), 1u);
+    EXPECT_EQ(asq.records[0].items, (std::vector<std::uint16_t>{3, 0}));
+    char next[4];
+    in.read(next, 4);
+    EXPECT_EQ(std::string(next, 4), "NEXT");
+}
+
+TEST(AsqRead, HugeFileWithOneDeclaredRecordStaysSmall)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer reserves more address space than the limit allows";
+#else
+    TempDir dir;
+    auto file = dir.write("inspection.asq", asqHeader("Physical Inspections", "", 1) + asqRecord("Cord", "", 0, {0}));
+    std::filesystem::resize_file(file, std::uintmax_t(1) << 30); // sparse: costs no disk
+    auto readUnderALimit = [&file] {
+        // Far less than the file: reading it whole would fail.
+        const rlimit limit{256u << 20, 256u << 20};
+        ::setrlimit(RLIMIT_AS, &limit);
+        TautosequenceFile asq;
+        try {
+            std::_Exit(asq.read(file) == 0 && asq.records.size() == 1 ? 0 : 1);
+        } catch (...) {
+            std::_Exit(2);
+        }
+    };
+    EXPECT_EXIT(readUnderALimit(), ::testing::ExitedWithCode(0), "");
+#endif
 }

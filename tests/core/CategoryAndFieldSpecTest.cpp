@@ -24,6 +24,16 @@ TEST(CategoryDescriptors, ParsesLetterCommaText)
     EXPECT_EQ(CategoryDescriptors::load(dir / "missing.dat", map), -1);
 }
 
+TEST(CategoryDescriptors, RestOfALongLineIsReadAsTheNextLine)
+{
+    TempDir dir;
+    auto file = dir.write("catdes.dat", "B, " + std::string(4092, 'x') + "C, Cables\n"
+                                            + std::string("D, Doors\0junk\n", 14));
+    TcategoryMap map;
+    ASSERT_EQ(CategoryDescriptors::load(file, map), 0);
+    EXPECT_EQ(map, (TcategoryMap{{'B', std::string(4092, 'x')}, {'C', "Cables"}, {'D', "Doors"}}));
+}
+
 TEST(CategoryDescriptors, SavesInKeyOrderAndReadsBack)
 {
     TempDir dir;

@@ -52,16 +52,16 @@ TEST(OpCodeFiles, ListsOnlyDotInFilesSortedByName)
     EXPECT_TRUE(OpCodeDefinitions::listFiles(dir / "nothing").empty());
 }
 
-TEST(OpCodeFiles, ReadLinesStripsLineEndsAndCutsAt1024)
+TEST(OpCodeFiles, ReadLinesStripsLineEndsAndSplitsAt1024)
 {
     TempDir dir;
-    auto file = dir.write("l.in", "one\r\ntwo\n" + std::string(1500, 'x') + "\r\nlast");
+    auto file = dir.write("l.in", "one\r\ntwo\n" + std::string(1500, 'x') + "\r\n" + std::string(1024, 'y')
+                                      + "\r\n" + std::string(1024, 'z') + "\r" + "\"A\"\n"
+                                      + std::string("nul\0rest\n", 9) + "last");
     auto lines = OpCodeDefinitions::readLines(file);
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0], "one");
-    EXPECT_EQ(lines[1], "two");
-    EXPECT_EQ(lines[2], std::string(1024, 'x'));
-    EXPECT_EQ(lines[3], "last");
+    EXPECT_EQ(lines, (std::vector<std::string>{"one", "two", std::string(1024, 'x'), std::string(476, 'x'),
+                                               std::string(1024, 'y'), std::string(1024, 'z'), "\r\"A\"", "nul",
+                                               "last"}));
 }
 
 TEST(OpCodeLoad, FirstFileWinsALetter)

@@ -55,3 +55,33 @@ TEST(Records, ChecklistFromSourceCleansTitleAndEndsItems)
     EXPECT_EQ(list.items[0].titleText(), "(UNUSED)                                 ");
     EXPECT_EQ(list.at(500), nullptr);
 }
+
+namespace {
+std::string bytesOf(const void *data, std::size_t size)
+{
+    return std::string(static_cast<const char *>(data), size);
+}
+}
+
+TEST(DefaultContainers, NewChecklistTableHoldsFiveHundredBlankChecklists)
+{
+    const TTestProcList list;
+    ASSERT_EQ(list.size(), 500u);
+    const TTestProc blank;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        ASSERT_EQ(bytesOf(list.at(i), sizeof blank), bytesOf(&blank, sizeof blank)) << i;
+    EXPECT_EQ(list.at(500), nullptr);
+}
+
+TEST(DefaultContainers, DefaultUserTestersAreNamedFromZeroWithTwelveBlankSequences)
+{
+    const std::vector<TuserTester> testers = TuserTester::defaultList();
+    ASSERT_EQ(testers.size(), 5u);
+    const Tautosequence blank;
+    for (int t = 0; t < 5; ++t) {
+        EXPECT_EQ(testers[t].name, "User Tester #" + std::to_string(t));
+        ASSERT_EQ(testers[t].sequences.size(), 12u);
+        for (const Tautosequence &sequence : testers[t].sequences)
+            EXPECT_EQ(bytesOf(&sequence, sizeof sequence), bytesOf(&blank, sizeof blank));
+    }
+}

@@ -134,13 +134,33 @@ TEST_F(CsvImport, MapsFieldsAndCleansTheCommand)
     EXPECT_TRUE(db[5].isFree());
 }
 
-TEST_F(CsvImport, CutsLongTextsAndLongLines)
+TEST_F(CsvImport, RestOfALongLineIsTheNextLine)
 {
-    std::string longLine = "F,M," + std::string(5000, 'y') + "\nG,M,next\n";
-    ASSERT_EQ(db.importText(dir.write("in.csv", longLine)), 0);
+    // 4095 characters fill the line; what follows is read as a line of its own.
+    std::string text = "F,M," + std::string(4091, 'y') + "H,M,rest\n"
+        + "I,M," + std::string(4091, 'z') + "\r\n" // exactly full: no extra line
+        + "J,M," + std::string(5000, 'w') + "\n" // the rest has no commas: skipped
+        + "G,M,next\n";
+    ASSERT_EQ(db.importText(dir.write("in.csv", text)), 0);
     EXPECT_EQ(recordBytes(db[0]), checkitem('F', 'M', std::string(41, 'y')));
-    EXPECT_EQ(recordBytes(db[1]), checkitem('G', 'M', "next"));
-    EXPECT_EQ(db[0].command[41], 0);
+    EXPECT_EQ(recordBytes(db[1]), checkitem('H', 'M', "rest"));
+    EXPECT_EQ(recordBytes(db[2]), checkitem('I', 'M', std::string(41, 'z')));
+    EXPECT_EQ(recordBytes(db[3]), checkitem('J', 'M', std::string(41, 'w')));
+    EXPECT_EQ(recordBytes(db[4]), checkitem('G', 'M', "next"));
+    EXPECT_EQ(recordBytes(db[5]), clearedCheckitem());
+}
+
+TEST_F(CsvImport, LineEndsAtItsFirstNul)
+{
+    using namespace std::string_literals;
+    // The last line is a free slot as "export-csv --all" writes it.
+    auto file = dir.write("in.csv", "B,M,before\0,after\n"s + "C,\0,x\n"s + "D,K,\0\n"s + "E,L,last\n"
+                                        + "\0,\0,"s + std::string(41, '\xFF') + "\n");
+    ASSERT_EQ(db.importText(file), 0);
+    EXPECT_EQ(recordBytes(db[0]), checkitem('B', 'M', "before"));
+    EXPECT_EQ(recordBytes(db[1]), checkitem('D', 'K', ""));
+    EXPECT_EQ(recordBytes(db[2]), checkitem('E', 'L', "last"));
+    EXPECT_EQ(recordBytes(db[3]), clearedCheckitem());
 }
 
 TEST_F(CsvImport, FillsFreeSlotsOnlyAndKeepsWhatFitsOnOverflow)
@@ -182,7 +202,9 @@ TEST_F(CsvImport, ExportWritesEveryRecordAndReimportDuplicates)
     ASSERT_EQ(db.importText(dir / "all.csv"), 0);
     EXPECT_EQ(recordBytes(db[2]), recordBytes(db[0]));
     EXPECT_EQ(recordBytes(db[3]), recordBytes(db[1]));
-    EXPECT_TRUE(db[4].isFree());
+    // The free slots' lines import nothing: the rest stays cleared.
+    for (std::size_t i = 4; i < db.size(); ++i)
+        ASSERT_EQ(recordBytes(db[i]), clearedCheckitem()) << i;
     EXPECT_EQ(db.exportText(dir / "no" / "dir" / "x.csv"), -1);
 }
 

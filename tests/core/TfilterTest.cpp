@@ -1,5 +1,6 @@
 #include "TInstrDatabase.h"
 #include "Tfilter.h"
+#include "Twindows1252.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -105,6 +106,25 @@ TEST_F(FilterTest, CategoryOrderUsesUpperCaseTextsThenOpNames)
     filter.setSort(4);
     // The negation also puts equal keys first, which reverses 3 and 4.
     EXPECT_EQ(run(), (Indexes{2, 0, 1, 4, 3, 5}));
+}
+
+TEST_F(FilterTest, CategoryOrderUpperCasesWindows1252Letters)
+{
+    categories = {{'E', "\xC9TAGE"}, {'F', "\xE9lectrique"}, {'G', "\x8CUVRE"}, {'H', "\x9Cil"}};
+    db[0].assign('E', 'M', ""); // ÉTAGE
+    db[1].assign('F', 'M', ""); // électrique: ÉLECTRIQUE < ÉTAGE
+    db[2].assign('G', 'M', ""); // ŒUVRE
+    db[3].assign('H', 'M', ""); // œil: ŒIL < ŒUVRE
+    filter.setSort(3);
+    EXPECT_EQ(run(), (Indexes{3, 2, 1, 0}));
+}
+
+TEST(Windows1252Case, UpperCasesEveryLetterWithACapital)
+{
+    EXPECT_EQ(Twindows1252::toUpper("abc xyz \xE0\xE9\xF6\xFE \x9A\x9C\x9E\xFF"),
+              "ABC XYZ \xC0\xC9\xD6\xDE \x8A\x8C\x8E\x9F");
+    // No capital in the code page, or not a letter: unchanged.
+    EXPECT_EQ(Twindows1252::toUpper("\xDF\xB5\xF7\xD7 1,\t\x80"), "\xDF\xB5\xF7\xD7 1,\t\x80");
 }
 
 TEST_F(FilterTest, OpCodeOrderKeepsItsRawCharacterQuirk)

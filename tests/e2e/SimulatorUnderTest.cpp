@@ -8,7 +8,8 @@ namespace {
 constexpr int ConnectAttempts = 1000; // 5 s of 5 ms probes at most
 }
 
-SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults)
+SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults,
+                                       int baud)
     : m_link(link), m_memoryFile(m_temp.write("memory.bin", memory.memoryFile()))
 {
     std::vector<std::string> arguments{"--memory", m_memoryFile.string()};
@@ -20,6 +21,8 @@ SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, con
         arguments.insert(arguments.end(), {"--pty", m_ptyLink.string()});
         TCommPort::setPortOverrides({{PtyComPort, m_ptyLink.string()}});
     }
+    if (baud)
+        arguments.insert(arguments.end(), {"--baud", std::to_string(baud)});
     for (const std::string &fault : faults)
         arguments.insert(arguments.end(), {"--fault", fault});
     m_process = std::make_unique<TsimProcess>(arguments);

@@ -17,7 +17,9 @@ public:
     enum class Link { Tcp, Pty };
     static constexpr int PtyComPort = 250;
 
-    SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults = {});
+    // baud: when non-zero the simulator sends no faster than a serial line of that rate.
+    SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults = {},
+                       int baud = 0);
     ~SimulatorUnderTest();
 
     // True once the simulator takes connections (TCP: a probe connect succeeded).

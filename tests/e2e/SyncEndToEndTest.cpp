@@ -1,20 +1,22 @@
 // The checkitem sync worker against the real simulator, over TCP and over a
-// pseudo-terminal (where a 4224-byte chunk is more than the terminal queues).
+// pseudo-terminal (where a 4224-byte chunk is more than the terminal queues),
+// unpaced and at the analyzer's 19200 baud.
 #include "TransferRun.h"
 #include <gtest/gtest.h>
 
 namespace {
-void syncReplacesTheDatabase(SimulatorUnderTest::Link link)
+void syncReplacesTheDatabase(SimulatorUnderTest::Link link, int baud = 0)
 {
     const KnownImages memory = KnownDataSet::images(4);
-    SimulatorUnderTest sim(link, memory);
+    SimulatorUnderTest sim(link, memory, {}, baud);
     ASSERT_TRUE(sim.ready());
     RecordingProgressSink progress;
     RecordingMessageSink messages;
     auto record = std::make_unique<TsyncCommStruct>();
     sim.aim(record->settings);
     TinstSyncThread worker(&progress, &messages, record.get());
-    ASSERT_TRUE(runToEnd(worker));
+    // 45936 bytes at 1920 bytes a second take 24 s.
+    ASSERT_TRUE(runToEnd(worker, baud ? 60000 : 20000));
 
     EXPECT_TRUE(messages.messages.empty()) << messages.messages.front().text;
     const std::string method = link == SimulatorUnderTest::Link::Tcp ? "Ethernet" : "Serial";
@@ -44,4 +46,10 @@ TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
 TEST(SyncEndToEnd, CheckitemImageArrivesOverASerialLine)
 {
     syncReplacesTheDatabase(SimulatorUnderTest::Link::Pty);
+}
+
+// Each 4224-byte chunk needs 2.2 s of line time, more than 40 polls of 50 ms.
+TEST(SyncEndToEnd, CheckitemImageArrivesOverA19200BaudLine)
+{
+    syncReplacesTheDatabase(SimulatorUnderTest::Link::Pty, 19200);
 }

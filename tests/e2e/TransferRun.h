@@ -33,11 +33,12 @@ struct TransferRun {
 };
 
 // Starts a worker and waits for its end; false when it did not end within the guard
-// (every time-out of a transfer is 2 s, so 20 s means it hung).
-inline bool runToEnd(QThread &worker)
+// (every time-out of a transfer is 2 s, so 20 s means it hung; a paced line needs
+// a guard of its own).
+inline bool runToEnd(QThread &worker, int guardMs = 20000)
 {
     worker.start();
-    return worker.wait(QDeadlineTimer(20000));
+    return worker.wait(QDeadlineTimer(guardMs));
 }
 
 inline std::string bytesOf(const std::uint8_t *area, std::size_t size)

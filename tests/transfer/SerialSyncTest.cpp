@@ -82,11 +82,14 @@ TEST_F(SerialSync, LineLostDuringTheDataIsInvalidDataReceived)
     EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
 }
 
-TEST_F(SerialSync, MissingPortShowsTheSerialTableAfterTheRequest)
+// The port's own box, then the failure ends the run as any other escaping error.
+TEST_F(SerialSync, MissingPortShowsTheSerialTableThenTheUnspecifiedError)
 {
     TCommPort::setPortOverrides({{SyncPort, "/nonexistent/tty"}});
     run();
-    EXPECT_EQ(messages.messages, (std::vector<Message> {{"Serial Port Error", "Open Error!"}}));
+    EXPECT_EQ(messages.messages,
+              (std::vector<Message> {{"Serial Port Error", "Open Error!"},
+                                     transferBox("Error", "An unspecified error occurred.\nOperation Cancelled.")}));
     EXPECT_EQ(progress.stages,
               (std::vector<std::string> {"Requesting Serial Connection", "Initializing Serial Connection"}));
     EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});

@@ -1,6 +1,7 @@
 #include "ByteBuilder.h"
 #include "TransferFixtures.h"
 #include "TransferImages.h"
+#include "TsyncCommStruct.h"
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -143,4 +144,70 @@ TEST(TransferImagesUnpack, ChecklistsAndCheckitemsReplaceTheTables)
     ASSERT_EQ(db.size(), 1044u);
     EXPECT_EQ(db[10].opCode, 'Q');
     EXPECT_EQ(db[10].commandText(), "abc");
+}
+
+namespace {
+// Slots as an analyzer might send them: unterminated, junk after the text,
+// half-free records. Returns the expected table next to the image.
+std::string receivedCheckitems(std::string &expected)
+{
+    std::string area(CheckitemBytes, '\0');
+    expected.clear();
+    for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
+        expected += clearedCheckitem();
+    auto slot = [&](std::size_t n, const std::string &sent, const std::string &kept) {
+        putText(area, n * 44, sent);
+        expected.replace(n * 44, 44, kept);
+    };
+    slot(0, std::string("AP") + "HELLO" + '\0' + "JUNK" + std::string(32, 'j') + 'Z', checkitem('A', 'P', "HELLO"));
+    slot(1, " K" + std::string(42, 'x'), checkitem(' ', 'K', std::string(41, 'x')));
+    slot(2, "BMTab\tkept", checkitem('B', 'M', "Tab\tkept"));
+    slot(3, std::string(1, '\0') + "Mjunk", clearedCheckitem()); // category 0: free
+    slot(4, std::string("C") + '\0' + "junk", clearedCheckitem()); // op code 0: free
+    slot(1043, "ELlast" + std::string(38, '\xFF'), checkitem('E', 'L', "last" + std::string(37, '\xFF')));
+    return area;
+}
+
+std::string tableBytes(const TInstrDatabase &db)
+{
+    return std::string(reinterpret_cast<const char *>(db.slots().data()), db.size() * sizeof(TInstr));
+}
+}
+
+TEST(ReceivedCheckitems, DownloadAssignsUsedSlotsAndClearsFreeOnes)
+{
+    std::string expected;
+    std::string area = receivedCheckitems(expected);
+    TInstrDatabase db;
+    db[7].assign('A', 'M', "old");
+    unpackCheckitems(reinterpret_cast<const std::uint8_t *>(area.data()), db);
+    EXPECT_EQ(tableBytes(db), expected);
+}
+
+TEST(ReceivedCheckitems, SyncCopiesTheSameWay)
+{
+    std::string expected;
+    std::string area = receivedCheckitems(expected);
+    auto record = std::make_unique<TsyncCommStruct>();
+    std::memcpy(record->area, area.data(), area.size());
+    std::memset(record->area + area.size(), 'Q', sizeof record->area - area.size()); // beyond 1044 slots
+    TInstrDatabase db;
+    db.slots().resize(5);
+    record->copyInto(db);
+    EXPECT_EQ(tableBytes(db), expected);
+}
+
+TEST(ReceivedTesterNames, ControlCharactersBecomeBlanksBeforeTrimming)
+{
+    std::string area(AutosequenceBytes, '\0');
+    putText(area, 6864 + 0 * 21, std::string("  NEW\x01TESTER") + '\0');
+    putText(area, 6864 + 1 * 21, std::string("\tBench\x7f\r\n") + '\0');
+    putText(area, 6864 + 2 * 21, std::string(20, '\x1F') + '\0');
+    std::vector<Tautosequence> inspections;
+    std::vector<TuserTester> testers;
+    unpackAutosequences(reinterpret_cast<const std::uint8_t *>(area.data()), inspections, testers);
+    ASSERT_EQ(testers.size(), 5u);
+    EXPECT_EQ(testers[0].name, "NEW TESTER");
+    EXPECT_EQ(testers[1].name, "Bench");
+    EXPECT_EQ(testers[2].name, "");
 }

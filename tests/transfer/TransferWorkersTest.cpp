@@ -102,3 +102,56 @@ TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
                        "A Safety Analyzer could not be found\rPlease check the connection.\r\rOperation Canceled."),
                   transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")}));
 }
+
+// A slow line: a chunk takes longer than 40 polls to arrive. Only polls that bring
+// no new byte count against the 40.
+TEST(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)
+{
+    FakeUsbInstalled fake;
+    fake.script->vendors = {0x0403};
+    std::string checkitems(45936, '\0');
+    for (std::size_t slot = 0; slot < 1044; slot += 7)
+        checkitems.replace(slot * 44, 44, ByteBuilder::checkitem('A', 'P', "Slot " + std::to_string(slot)));
+    fake.script->incoming = std::string(264, 'H') + checkitems;
+    fake.script->perPoll = 100; // 43 polls a chunk
+    SyncRun sync;
+    sync.run();
+    EXPECT_TRUE(sync.messages.messages.empty()) << sync.messages.messages.front().caption;
+    EXPECT_TRUE(std::string(reinterpret_cast<char *>(sync.record->area), 45936) == checkitems);
+    EXPECT_EQ(sync.progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
+    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
+}
+
+TEST(SyncWorker, SilenceEndsAChunkAfterFortyPollsWithoutANewByte)
+{
+    FakeUsbInstalled fake;
+    fake.script->vendors = {0x0403};
+    fake.script->incoming = std::string(264, 'H') + std::string(1000, 'x');
+    fake.script->perPoll = 100;
+    SyncRun sync;
+    sync.run();
+    // 3 polls bring the handshake (and 36 bytes of data), 10 more the rest of the
+    // 1000 bytes, then 40 bring nothing.
+    EXPECT_EQ(fake.script->polls, 3 + 10 + 40);
+    EXPECT_EQ(sync.messages.messages,
+              std::vector<Message>{transferBox("Data Transfer Timed Out.",
+                                               "A communications timeout occurred.\r\rOperation Canceled.")});
+    EXPECT_EQ(sync.progress.positions, std::vector<int>{50});
+    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+}
+
+TEST(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
+{
+    FakeUsbInstalled fake;
+    fake.script->vendors = {0x0403};
+    fake.script->incoming = std::string(200, 'H'); // less than a handshake reply
+    fake.script->perPoll = 100;
+    SyncRun sync;
+    sync.run();
+    // The handshake keeps its 40 polls, growing or not.
+    EXPECT_EQ(fake.script->polls, 40);
+    EXPECT_EQ(sync.messages.messages,
+              std::vector<Message>{transferBox("Handshake Request Timed Out.",
+                                               "A communications timeout occurred.\r\rOperation Canceled.")});
+    EXPECT_EQ(fake.script->written, "GESI\r");
+}

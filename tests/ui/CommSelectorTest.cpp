@@ -5,13 +5,18 @@
 #include "TserialPortMap.h"
 #include "UiTestSupport.h"
 #include "communicationsSelector.h"
+#include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSettings>
 #include <QTest>
+#include <algorithm>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace {
 struct SelectorFixture : ::testing::Test {
@@ -32,6 +37,32 @@ TEST(SerialPortMap, NumbersMapToDeviceFamilies)
     EXPECT_EQ(TserialPortMap::defaultDevice(97), "");
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)"), 12);
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM3"), 3);
+}
+
+// Another program's exclusive hold survives the probe (a privileged probe could
+// open the port anyway), and the probe leaves no hold of its own behind.
+TEST(SerialPortMap, ProbeSkipsAHeldPortAndKeepsItsHold)
+{
+    PtyPair held, free;
+    const int holder = ::open(held.slavePath.c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(holder, 0);
+    ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
+
+    const std::vector<int> ports = TserialPortMap::freePorts({{200, held.slavePath}, {201, free.slavePath}});
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), 200), 0);
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), 201), 1);
+    auto exclusive = [](const std::string &path) {
+        int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        int flag = -1;
+        ::ioctl(fd, TIOCGEXCL, &flag);
+        ::close(fd);
+        return flag;
+    };
+    int heldFlag = -1;
+    ::ioctl(holder, TIOCGEXCL, &heldFlag);
+    EXPECT_EQ(heldFlag, 1);
+    EXPECT_EQ(exclusive(free.slavePath), 0);
+    ::close(holder);
 }
 
 TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
@@ -168,6 +199,53 @@ TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
     EXPECT_EQ(saved.value("COMM/IP1").toString(), "10");
 }
 
+// Keys that type no character edit as in any text field; only typed characters
+// other than digits are dropped, and a digit replaces a selection even in a full field.
+TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
+{
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
+        settings.setValue("COMM/IP1", "192");
+        settings.setValue("COMM/IP4", "12");
+    }
+    TcomSelectFrm form(nullptr, false, &sink);
+    form.show();
+    QApplication::setActiveWindow(&form);
+    auto *ip1 = find<QLineEdit>(&form, "IP1");
+    auto *ip4 = find<QLineEdit>(&form, "IP4");
+
+    ip1->setFocus();
+    QTest::keyClick(ip1, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(ip1->selectedText(), "192");
+    QTest::keyClick(ip1, Qt::Key_7); // the field is full, the selection goes
+    EXPECT_EQ(ip1->text(), "7");
+    QTest::keyClicks(ip1, "x.-");
+    EXPECT_EQ(ip1->text(), "7");
+
+    ip4->setFocus();
+    QTest::keyClick(ip4, Qt::Key_Home);
+    // Delete as an X11 keyboard sends it, with DEL as its text.
+    QTest::sendKeyEvent(QTest::Click, ip4, Qt::Key_Delete, QStringLiteral("\x7f"), Qt::NoModifier);
+    EXPECT_EQ(ip4->text(), "2");
+    QTest::keyClick(ip4, Qt::Key_End);
+    QTest::keyClick(ip4, Qt::Key_Left);
+    QTest::keyClick(ip4, Qt::Key_4);
+    EXPECT_EQ(ip4->text(), "42");
+    QTest::keyClick(ip4, Qt::Key_Right);
+    QTest::keyClick(ip4, Qt::Key_Backspace);
+    EXPECT_EQ(ip4->text(), "4");
+    QTest::keyClick(ip4, Qt::Key_1);
+    QTest::keyClick(ip4, Qt::Key_0); // "410": full, focus moves on
+    EXPECT_EQ(ip4->text(), "410");
+    ip4->setFocus();
+    QTest::keyClick(ip4, Qt::Key_End);
+    QTest::keyClick(ip4, Qt::Key_Left, Qt::ShiftModifier);
+    QTest::keyClick(ip4, Qt::Key_5);
+    EXPECT_EQ(ip4->text(), "415");
+    EXPECT_TRUE(sink.messages.empty());
+}
+
 TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
 {
     TcomSelectFrm form(nullptr, false, &sink);
@@ -178,4 +256,55 @@ TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
     QSettings saved(ini(), QSettings::IniFormat);
     EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
     EXPECT_EQ(saved.value("COMM/IP1").toString(), "127");
+}
+
+// Serial stored but no port free: the dialog shows USB. Cancel leaves the stored
+// choice alone; a method the user picks or connects with is stored as before.
+TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
+{
+    auto storeSerialWithoutFreePorts = [&] {
+        QSettings settings(ini(), QSettings::IniFormat);
+        settings.clear();
+        for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
+            settings.setValue(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
+        settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
+        settings.setValue("COMM/DEFAULTSERIAL", 7);
+    };
+    auto stored = [&] {
+        QSettings saved(ini(), QSettings::IniFormat);
+        return std::make_pair(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), saved.value("COMM/DEFAULTSERIAL").toInt());
+    };
+
+    storeSerialWithoutFreePorts();
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        EXPECT_FALSE(find<QRadioButton>(&form, "radSerial")->isEnabled());
+        EXPECT_EQ(find<QComboBox>(&form, "serialPortSelector")->currentText(), "<No Free Ports>");
+        EXPECT_TRUE(find<QRadioButton>(&form, "radUSB")->isChecked());
+        find<QPushButton>(&form, "btnCancel")->click();
+        EXPECT_EQ(form.result(), 2);
+    }
+    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        form.show();
+        QTest::keyClick(&form, Qt::Key_Escape);
+        EXPECT_EQ(form.result(), 2);
+    }
+    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        find<QPushButton>(&form, "btnConnect")->click();
+        EXPECT_EQ(form.result(), 1);
+    }
+    EXPECT_EQ(stored().first, 1);
+
+    storeSerialWithoutFreePorts();
+    {
+        TcomSelectFrm form(nullptr, false, &sink);
+        find<QRadioButton>(&form, "radEthernet")->click();
+        find<QPushButton>(&form, "btnCancel")->click();
+    }
+    EXPECT_EQ(stored().first, 2);
+    EXPECT_TRUE(sink.messages.empty());
 }

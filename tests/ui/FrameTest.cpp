@@ -8,10 +8,13 @@
 #include "TtreeNodeDelegate.h"
 #include "UiTestSupport.h"
 #include <QApplication>
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 #include <QTreeWidget>
@@ -209,17 +212,32 @@ TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThr
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
 }
 
-TEST(TitleForm, TypingStopsAtTwentyCharactersButALongerNameStaysWhole)
+TEST(TitleForm, TypingStopsAtTwentyCharactersAndAPasteKeepsWhatFits)
 {
     ensureApplication();
     TseqTitleEditForm form(nullptr, "");
     auto *edit = form.findChild<QLineEdit *>("sequenceTitle");
     QTest::keyClicks(edit, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
     EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
-    edit->selectAll();
-    edit->insert("12345678901234567890123"); // a paste that is too long is refused whole
-    EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
 
+    QApplication::clipboard()->setText("12345678901234567890123");
+    edit->selectAll();
+    QTest::keySequence(edit, QKeySequence::Paste);
+    EXPECT_EQ(edit->text(), "12345678901234567890");
+    EXPECT_EQ(edit->cursorPosition(), 20);
+
+    // Into the middle of a shorter name: the start of the pasted text, up to the limit.
+    edit->setText("WARD  EAST");
+    edit->setCursorPosition(5);
+    QApplication::clipboard()->setText("NUMBER 12 AND MORE");
+    QTest::keySequence(edit, QKeySequence::Paste);
+    EXPECT_EQ(edit->text(), "WARD NUMBER 12  EAST");
+    EXPECT_EQ(edit->cursorPosition(), 15);
+}
+
+TEST(TitleForm, ALongerStoredNameStaysWholeAndMayShrinkButNotGrow)
+{
+    ensureApplication();
     const QString stored = "A NAME OF TWENTY-FIVE CHR";
     TseqTitleEditForm longer(nullptr, stored);
     auto *longEdit = longer.findChild<QLineEdit *>("sequenceTitle");
@@ -227,10 +245,31 @@ TEST(TitleForm, TypingStopsAtTwentyCharactersButALongerNameStaysWhole)
     longEdit->end(false);
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored); // cannot grow
+    QApplication::clipboard()->setText("XYZ");
+    QTest::keySequence(longEdit, QKeySequence::Paste);
+    EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
     EXPECT_EQ(longEdit->text(), stored.left(24)); // may shrink
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored.left(24));
+}
+
+TEST_F(FrameFixture, TheNameOpensWithTheCaretAtItsEndSoTypingAddsToIt)
+{
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(2));
+    bool focused = false;
+    whenModal([&](QWidget *form) {
+        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
+        focused = QApplication::focusWidget() == edit;
+        QTest::keyClicks(QApplication::focusWidget(), " EAST");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    EXPECT_TRUE(focused);
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
 }
 
 TEST_F(FrameFixture, OkWithoutEditingKeepsAStoredNameLongerThanTwentyCharacters)
@@ -305,6 +344,18 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
     EXPECT_TRUE(sink.messages.empty());
 }
 
+TEST_F(FrameFixture, HelpButtonShowsTheQuestionMarkIconAtEverySize)
+{
+    auto frame = makeFrame();
+    const QIcon icon = find<QPushButton>(frame.get(), "BtnHelp")->icon();
+    for (int size : {16, 24, 32, 48}) {
+        const QImage drawn(QStringLiteral(":/icons/help-%1.png").arg(size));
+        ASSERT_FALSE(drawn.isNull()) << size;
+        EXPECT_EQ(icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
+                  drawn.convertToFormat(QImage::Format_ARGB32_Premultiplied)) << size;
+    }
+}
+
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
 {
     auto frame = makeFrame(); // empty folder: defaults
@@ -322,4 +373,102 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", data.inspections));
     EXPECT_EQ(read("usertester5.asq"), asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
     EXPECT_FALSE(std::filesystem::exists(appDir.data("testProc.asq"))); // checklists are never written
+}
+
+// Selections as a user makes them: the list and tree get a current row from a tab
+// switch or keep one after Ctrl+click deselects it, which is not a selection.
+namespace {
+struct UserSelectionFixture : FrameFixture {
+    std::unique_ptr<TAutoSeqEditFrame> frame;
+
+    void showActive()
+    {
+        appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+        frame = makeFrame();
+        frame->resize(792, 546);
+        frame->show();
+        frame->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+    }
+    void clickTab(int index)
+    {
+        QTabBar *bar = find<QTabWidget>(frame.get(), "PageControl1")->tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
+    }
+    void clickButton(const char *name)
+    {
+        auto *button = find<QPushButton>(frame.get(), name);
+        QTest::mouseClick(button, Qt::LeftButton, {}, button->rect().center());
+    }
+    static void clickRow(QAbstractItemView *view, const QModelIndex &index, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
+    }
+};
+} // namespace
+
+TEST_F(UserSelectionFixture, ClearInspectionAfterATabSwitchGaveTheListOnlyACurrentRowDoesNothing)
+{
+    showActive();
+    auto *list = find<QListWidget>(frame.get(), "lstIP");
+    clickTab(1);
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    clickRow(tree, tree->indexFromItem(tree->topLevelItem(1)));
+    clickTab(0); // focus follows into the list
+    ASSERT_EQ(QApplication::focusWidget(), list);
+    ASSERT_EQ(list->currentRow(), 0); // focus made row 0 current without selecting it
+    ASSERT_TRUE(list->selectedItems().isEmpty());
+
+    clickButton("BtnIPClear");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(list->item(0)->text(), "EARTH BOND - CLASS I");
+    EXPECT_FALSE(frame->dataSet().inspections[0].isUnused());
+}
+
+TEST_F(UserSelectionFixture, ClearInspectionAfterCtrlClickDeselectedTheRowDoesNothingUntilItIsSelectedAgain)
+{
+    showActive();
+    auto *list = find<QListWidget>(frame.get(), "lstIP");
+    const QModelIndex last = list->model()->index(2, 0);
+    clickRow(list, last);
+    clickRow(list, last, Qt::ControlModifier);
+    ASSERT_TRUE(list->selectedItems().isEmpty());
+    ASSERT_EQ(list->currentRow(), 2);
+
+    clickButton("BtnIPClear");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
+    // A refresh keeps what the user chose: still nothing selected.
+    frame->refreshLists(0);
+    EXPECT_TRUE(list->selectedItems().isEmpty());
+
+    clickRow(list, last);
+    sink.answers = {MsgAnswer::Yes};
+    clickButton("BtnIPClear");
+    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
+    EXPECT_EQ(list->item(2)->text(), "<unused>");
+    EXPECT_TRUE(list->item(2)->isSelected()); // the cleared row stays selected
+}
+
+TEST_F(UserSelectionFixture, ClearSequenceNeedsTheNodeSelectedNotMerelyCurrent)
+{
+    showActive();
+    clickTab(1);
+    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    tree->expandItem(tree->topLevelItem(0));
+    QTreeWidgetItem *child = tree->topLevelItem(0)->child(0);
+    const QModelIndex index = tree->indexFromItem(child);
+
+    clickRow(tree, index);
+    clickRow(tree, index, Qt::ControlModifier);
+    ASSERT_EQ(tree->currentItem(), child);
+    ASSERT_TRUE(tree->selectedItems().isEmpty());
+    clickButton("BtnUTSClear");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_FALSE(frame->dataSet().userTesters[0].sequences[0].isUnused());
+
+    clickRow(tree, index);
+    clickButton("BtnUTSClear");
+    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
+    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused());
 }

@@ -3,8 +3,11 @@
 #include "AutosequenceConversions.h"
 #include "ThostMainWindow.h"
 #include "UiTestSupport.h"
+#include <QApplication>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
@@ -62,6 +65,46 @@ TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheD
     EXPECT_EQ(list->item(0)->text(), QStringLiteral("CHANGED ON DISK - BY ANOTHER TOOL"));
     EXPECT_TRUE(frame->isVisible());
     EXPECT_FALSE(window.mainView()->isVisible());
+}
+
+TEST_F(HostTest, ClosingTheMainWindowWithHelpOpenEndsTheProgramAndTheFrameClosesItsHelp)
+{
+    auto window = std::make_unique<ThostMainWindow>(QString::fromLatin1(KT930_TEST_APPDIR));
+    window->show();
+    button(window->mainView(), "plugin0")->click();
+    auto *frame = window->container()->findChild<Tkt930Frame *>();
+    ASSERT_NE(frame, nullptr);
+    button(frame, "BtnHelp")->click();
+    // By class name: the plug-in library carries its own copy of the class.
+    QPointer<QWidget> help;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (w->inherits("THelpWindow"))
+            help = w;
+    ASSERT_FALSE(help.isNull());
+    ASSERT_TRUE(help->isVisible());
+
+    // What kt930pc does: run the loop until the application quits. A help window
+    // that held it back would leave the loop to the guard's failure code.
+    QTimer::singleShot(0, window.get(), &QWidget::close);
+    QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    window.reset(); // what leaving the event loop does in kt930pc
+    EXPECT_TRUE(help.isNull());
+}
+
+TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
+{
+    ThostMainWindow window(QString::fromLatin1(KT930_TEST_APPDIR));
+    window.show();
+    button(window.mainView(), "plugin0")->click();
+    QApplication::processEvents();
+    const QRect available = window.screen()->availableGeometry();
+    EXPECT_TRUE(available.contains(window.frameGeometry()))
+        << window.frameGeometry().width() << "x" << window.frameGeometry().height() << " on "
+        << available.width() << "x" << available.height();
+    auto *exit = button(window.container()->findChild<Tkt930Frame *>(), "BtnExit");
+    const QRect exitOnScreen(exit->mapToGlobal(QPoint(0, 0)), exit->size());
+    EXPECT_TRUE(available.contains(exitOnScreen));
 }
 
 TEST_F(HostTest, AFolderWithoutPluginsSaysSoAndTheHostGoesOn)

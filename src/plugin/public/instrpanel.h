@@ -48,7 +48,7 @@ public:
     const dataInfo &range(int field) const { return m_ranges.at(std::size_t(field)); }
 
     // The range of a type specification such as "N0,10"; a bare "N" has none.
-    static void MinMax(const std::string &spec, dataInfo *info);
+    static void MinMax(const std::string &typeSpec, dataInfo *info);
 
     void SetInstr(const _instructionStruct &record); // throws TInstrPanelError 1, 2, 3, 4
     void GetInstr(_instructionStruct &record);       // clamps and writes back into the boxes

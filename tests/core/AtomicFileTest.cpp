@@ -1,0 +1,101 @@
+#include "AtomicFile.h"
+#include "TempDir.h"
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+struct stat statOf(const fs::path &path)
+{
+    struct stat st {};
+    EXPECT_EQ(::lstat(path.c_str(), &st), 0) << path;
+    return st;
+}
+
+std::size_t entriesIn(const fs::path &folder)
+{
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), {}));
+}
+}
+
+TEST(AtomicWriteTarget, LinkIsFollowedAndKept)
+{
+    TempDir dir;
+    auto real = dir.write("Data/mit.dat", "old");
+    fs::create_directories(dir / "elsewhere");
+    fs::create_symlink("../Data/mit.dat", dir / "elsewhere/first");
+    fs::create_symlink("first", dir / "elsewhere/second");
+
+    ASSERT_EQ(writeFileAtomically(dir / "elsewhere/second", "new"), AtomicWriteResult::Ok);
+    EXPECT_EQ(TempDir::read(real), "new");
+    EXPECT_TRUE(fs::is_symlink(dir / "elsewhere/second"));
+    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/second"), "first");
+    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/first"), "../Data/mit.dat");
+    EXPECT_EQ(entriesIn(dir / "Data"), 1u);
+    EXPECT_EQ(entriesIn(dir / "elsewhere"), 2u);
+}
+
+TEST(AtomicWriteTarget, DanglingLinkCreatesTheFileItNames)
+{
+    TempDir dir;
+    fs::create_directories(dir / "Data");
+    fs::create_symlink(dir / "Data/new.csv", dir / "link.csv");
+    ASSERT_EQ(writeFileAtomically(dir / "link.csv", "a,b,c\n"), AtomicWriteResult::Ok);
+    EXPECT_TRUE(fs::is_symlink(dir / "link.csv"));
+    EXPECT_EQ(TempDir::read(dir / "Data/new.csv"), "a,b,c\n");
+    EXPECT_EQ(statOf(dir / "Data/new.csv").st_mode & 0777, 0600u);
+}
+
+TEST(AtomicWriteTarget, LinkLoopIsRefused)
+{
+    TempDir dir;
+    fs::create_symlink("b", dir / "a");
+    fs::create_symlink("a", dir / "b");
+    EXPECT_EQ(writeFileAtomically(dir / "a", "x"), AtomicWriteResult::CannotCreate);
+    EXPECT_TRUE(fs::is_symlink(dir / "a"));
+    EXPECT_EQ(entriesIn(dir.path()), 2u);
+}
+
+TEST(AtomicWriteTarget, FifoIsWrittenInPlace)
+{
+    TempDir dir;
+    auto fifo = dir / "out.csv";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    ASSERT_EQ(writeFileAtomically(fifo, "B,M,text\n"), AtomicWriteResult::Ok);
+    char buffer[64] = {};
+    ssize_t n = ::read(reader, buffer, sizeof buffer);
+    ::close(reader);
+    EXPECT_EQ(std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0), "B,M,text\n");
+    EXPECT_TRUE(S_ISFIFO(statOf(fifo).st_mode));
+    EXPECT_EQ(entriesIn(dir.path()), 1u);
+}
+
+TEST(AtomicWriteTarget, FolderIsRefusedAndKept)
+{
+    TempDir dir;
+    fs::create_directories(dir / "Data/mit.dat");
+    EXPECT_EQ(writeFileAtomically(dir / "Data/mit.dat", "x"), AtomicWriteResult::CannotCreate);
+    EXPECT_TRUE(fs::is_directory(dir / "Data/mit.dat"));
+    EXPECT_EQ(entriesIn(dir / "Data"), 1u);
+}
+
+TEST(AtomicWriteOwnership, ReplacedFileKeepsOwnerGroupAndMode)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only root can hand a file to another user";
+    TempDir dir;
+    auto file = dir.write("Data/usertester1.asq", "old");
+    ASSERT_EQ(::chown(file.c_str(), 12345, 12346), 0);
+    ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
+    ASSERT_EQ(writeFileAtomically(file, "new"), AtomicWriteResult::Ok);
+    EXPECT_EQ(TempDir::read(file), "new");
+    struct stat st = statOf(file);
+    EXPECT_EQ(st.st_uid, 12345u);
+    EXPECT_EQ(st.st_gid, 12346u);
+    EXPECT_EQ(st.st_mode & 07777, 0640u);
+}
