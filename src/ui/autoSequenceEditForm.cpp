@@ -199,20 +199,18 @@ void TsequenceEditor::writeRow(QTableWidget *grid, int row, std::uint32_t index)
         grid->setItem(row, c, new QTableWidgetItem(TguiText::fromBytes(texts[std::size_t(c)])));
 }
 
-// An empty grid keeps one blank row, as the fixed-row grid always had one data row.
+// An empty grid has no row to select.
 static void fillGrid(QTableWidget *grid, int rows, const std::function<void(int)> &writeRow, int selectRow)
 {
     const QSignalBlocker quiet(grid);
     grid->clearContents();
-    grid->setRowCount(std::max(rows, 1));
-    if (rows == 0)
-        for (int c = 0; c < GridColumns; ++c)
-            grid->setItem(0, c, new QTableWidgetItem);
+    grid->setRowCount(rows);
     for (int r = 0; r < rows; ++r)
         writeRow(r);
     for (int c = 0; c < GridColumns - 1; ++c)
         grid->resizeColumnToContents(c);
-    grid->setCurrentCell(std::clamp(selectRow, 0, grid->rowCount() - 1), 0);
+    if (rows > 0)
+        grid->setCurrentCell(std::clamp(selectRow, 0, rows - 1), 0);
 }
 
 void TsequenceEditor::fillInstList(int selectRow)
@@ -392,9 +390,12 @@ void TsequenceEditor::btnPrintClick()
         return;
     if (printer.outputFormat() == QPrinter::PdfFormat)
         printer.setResolution(TinstListingPrinter::PdfResolution);
+    // The titles as the form shows them, as OK would store them.
+    Tautosequence shown = m_sequence;
+    applyTitles(shown);
     static const TInstrDatabase noCheckitems;
     const TsequenceReport report =
-        TsequenceReport::make(m_sequence, m_db ? *m_db : noCheckitems, m_descriptors, std::time(nullptr));
+        TsequenceReport::make(shown, m_db ? *m_db : noCheckitems, m_descriptors, std::time(nullptr));
     if (!TsequencePrinter::print(printer, {report}))
         m_sink.error("Printing Error", "An error occurred while printing.\nPrint operation aborted.");
 }
@@ -410,12 +411,18 @@ void TsequenceEditor::btnHelpClick()
 
 // ---- OK
 
-void TsequenceEditor::btnOkClick()
+// "(unused)" as typed leaves title 1 as it is.
+void TsequenceEditor::applyTitles(Tautosequence &target) const
 {
     const QString title1 = ui->title1txt->text();
     if (title1 != QLatin1String("(unused)"))
-        Tautosequence::setTitle(m_sequence.title1, Twindows1252::toUpper(TguiText::toBytes(title1)));
-    Tautosequence::setTitle(m_sequence.title2, Twindows1252::toUpper(TguiText::toBytes(ui->title2txt->text())));
+        Tautosequence::setTitle(target.title1, Twindows1252::toUpper(TguiText::toBytes(title1)));
+    Tautosequence::setTitle(target.title2, Twindows1252::toUpper(TguiText::toBytes(ui->title2txt->text())));
+}
+
+void TsequenceEditor::btnOkClick()
+{
+    applyTitles(m_sequence);
     writeSetting();
     accept();
 }

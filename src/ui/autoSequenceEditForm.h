@@ -64,6 +64,7 @@ private:
     void setUpControls();
     bool loadDefinitions();
     void loadDescriptors();
+    void applyTitles(Tautosequence &target) const;
     void showSetting();
     void writeSetting();
     void rebuildDisplayList();
