@@ -73,6 +73,7 @@ protected:
 };
 }
 
+// The page itself is the printer's (tested there): here, which sequence, its names and the date.
 TEST_F(CliPrintSequenceTest, AnInspectionPrintsItsPage)
 {
     ProgramRun result = print({"--inspection", "1"});
@@ -83,13 +84,9 @@ TEST_F(CliPrintSequenceTest, AnInspectionPrintsItsPage)
     ASSERT_EQ(printed[0].size(), 9u);
     EXPECT_TRUE(std::regex_match(printed[0][0], std::regex(Indent + "[A-Z][a-z]+ \\d\\d \\d{4} - \\d\\d:\\d\\d:\\d\\d")))
         << printed[0][0];
-    EXPECT_EQ(std::vector<std::string>(printed[0].begin() + 1, printed[0].end()),
-              (std::vector<std::string>{Indent + "KT930 Plus Safety Analyzer", Indent + "Autosequences",
-                                        Indent + "AutoSequence EARTH BOND - CLASS I", Indent + "Port: 3",
-                                        Indent + "Baud Rate: 9600 Baud",
-                                        Indent + "No.  Category    Op Code        Command",
-                                        Indent + "1.   Electrical  M - Measure    EB\u00BB0.1",
-                                        Indent + "2.               P - Pass/Fail  Plug ok?"}));
+    EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
+    EXPECT_EQ(printed[0][7], Indent + "1.   Electrical  M - Measure    EB\u00BB0.1");
+    EXPECT_EQ(printed[0][8], Indent + "2.               P - Pass/Fail  Plug ok?");
 }
 
 TEST_F(CliPrintSequenceTest, ATesterSequenceAndTheBinderOfAllUsedOnes)

@@ -87,22 +87,6 @@ TEST_F(SequencePrinterTest, FullSequenceNumbersAll24RowsInOrderOnOnePage)
     }
 }
 
-TEST_F(SequencePrinterTest, EachSequenceHasAPageOfItsOwn)
-{
-    TsequenceReport second = report(2);
-    second.title1 = "INSULATION";
-    second.title2 = "";
-    second.port = 0;
-    second.baudRate = 2400;
-    auto pages = printPages({report(1), second});
-    ASSERT_EQ(pages.size(), 2u);
-    EXPECT_EQ(pages[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
-    EXPECT_EQ(std::vector<std::string>(pages[1].begin() + 3, pages[1].begin() + 6),
-              (std::vector<std::string>{Indent + "AutoSequence INSULATION -", Indent + "Port: 0",
-                                        Indent + "Baud Rate: 2400 Baud"}));
-    EXPECT_EQ(pages[1].size(), 7u + 2u);
-}
-
 TEST_F(SequencePrinterTest, NothingToPrintOrNoPrinterIsAFailure)
 {
     QPrinter printer(QPrinter::HighResolution);
