@@ -7,9 +7,8 @@
 #include "Tfilter.h"
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
+#include "TpdfOutput.h"
 #include "TtextEncoding.h"
-#include <QGuiApplication>
-#include <QPrinter>
 #include <iostream>
 #include <optional>
 
@@ -66,8 +65,8 @@ int TlistingCommand::run(const std::vector<std::string> &arguments)
         return 2;
     }
     const std::string pdf = args.options["--pdf"];
-    if (std::filesystem::is_directory(pdf)) {
-        std::cerr << "kt930ctl listing: " << pdf << " is a folder, not a file\n";
+    if (const std::string why = TpdfOutput::refusal(pdf); !why.empty()) {
+        std::cerr << "kt930ctl listing: " << why << "\n";
         return 1;
     }
 
@@ -88,17 +87,9 @@ int TlistingCommand::run(const std::vector<std::string> &arguments)
     if (!rows)
         return 1;
 
-    // Fonts and the PDF engine need a GUI application, but never a screen.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char program[] = "kt930ctl";
-    static char *argv[] = {program, nullptr};
-    QGuiApplication application(argc, argv);
-
-    QPrinter printer(QPrinter::HighResolution);
-    TinstListingPrinter::preparePdf(printer, QString::fromStdString(pdf));
-    if (!TinstListingPrinter::print(printer, *rows)) {
+    const auto application = TpdfOutput::application();
+    const auto printer = TpdfOutput::printer(pdf);
+    if (!TinstListingPrinter::print(*printer, *rows)) {
         std::cerr << "kt930ctl listing: cannot write " << pdf << "\n";
         return 1;
     }

@@ -2,6 +2,7 @@
 #include "TexportCsvCommand.h"
 #ifdef KT930_HAS_PRINT
 #include "TlistingCommand.h"
+#include "TprintSequenceCommand.h"
 #endif
 #include "TimportCsvCommand.h"
 #include "TshowCommand.h"
@@ -18,6 +19,7 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TimportCsvCommand>());
 #ifdef KT930_HAS_PRINT
     commands.push_back(std::make_unique<TlistingCommand>());
+    commands.push_back(std::make_unique<TprintSequenceCommand>());
 #endif
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));

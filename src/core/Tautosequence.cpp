@@ -35,6 +35,14 @@ bool Tautosequence::isUnused() const
         && setting == 0 && items[0] == 0;
 }
 
+int Tautosequence::itemCount() const
+{
+    int count = 0;
+    while (count < ItemCount && items[count] != 0 && items[count] != 0xFFFF)
+        ++count;
+    return count;
+}
+
 void Tautosequence::setTitle(char (&title)[19], const std::string &text)
 {
     for (std::size_t i = 0; i < 18; ++i) {

@@ -19,6 +19,8 @@ struct Tautosequence {
     void makeUnused(); // "(UNUSED)" title, otherwise blank
     static Tautosequence unused(); // the empty autosequence of defaults and clears
     bool isUnused() const;
+    // The checkitems in use: the positions before the first 0 or 0xFFFF.
+    int itemCount() const;
 
     // User text into a title: at most 18 characters, controls to blanks, blank padded.
     static void setTitle(char (&title)[19], const std::string &text);

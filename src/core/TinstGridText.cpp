@@ -16,10 +16,15 @@ std::array<std::string, 4> TinstGridText::row(const TInstrDatabase &db, std::uin
                                               const TcategoryMap &descriptors)
 {
     const TInstr &record = db[index];
-    std::string command = record.commandText();
-    for (std::size_t i = 0; i < command.size() && i < TabScanLength; ++i)
-        if (command[i] == '\t')
-            command[i] = TabMark;
     return {std::to_string(index + 1), CategoryDescriptors::displayText(descriptors, record.category),
-            TInstrDatabase::nameOf(record.opCode), command};
+            TInstrDatabase::nameOf(record.opCode), command(record)};
+}
+
+std::string TinstGridText::command(const TInstr &record)
+{
+    std::string text = record.commandText();
+    for (std::size_t i = 0; i < text.size() && i < TabScanLength; ++i)
+        if (text[i] == '\t')
+            text[i] = TabMark;
+    return text;
 }

@@ -12,6 +12,7 @@
 #include "TtransferRecord.h"
 #include "TtransferRunner.h"
 #include "TtreeNodeDelegate.h"
+#include "autoSequenceEditForm.h"
 #include "instEdit.h"
 #include "progress.h"
 #include <QApplication>
@@ -107,9 +108,6 @@ void TAutoSeqEditFrame::setUpControls()
     ui->Label1->setFont(title);
     ui->Label2->setFont(title);
 
-    // Editing an autosequence belongs to an editor this build does not carry.
-    ui->BtnIPEdit->setEnabled(false);
-
     ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
     ui->LstUTS->setItemDelegate(new TtreeNodeDelegate(ui->LstUTS));
     ui->LstUTS->viewport()->installEventFilter(this);
@@ -126,16 +124,13 @@ void TAutoSeqEditFrame::setUpControls()
     connect(ui->BtnHelp, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnHelpClick);
     connect(ui->BtnExit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnExitClick);
     connect(ui->BtnIPClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnIPClearClick);
+    connect(ui->BtnIPEdit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnIPEditClick);
+    connect(ui->lstIP, &QListWidget::itemDoubleClicked, this, &TAutoSeqEditFrame::lstIPDblClick);
     connect(ui->BtnUTSEdit, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSEditClick);
     connect(ui->BtnUTSClear, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnUTSClearClick);
     connect(ui->BtnInstEd, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnInstEdClick);
     connect(ui->BtnInstEd2, &QPushButton::clicked, this, &TAutoSeqEditFrame::BtnInstEdClick);
     connect(LstUTSTimer, &QTimer::timeout, this, &TAutoSeqEditFrame::LstUTSTimerTimer);
-    // A tester's sequences need the sequence editor, which this build lacks.
-    connect(ui->LstUTS, &QTreeWidget::itemSelectionChanged, this, [this] {
-        QTreeWidgetItem *node = selectedNode();
-        ui->BtnUTSEdit->setEnabled(!(node && node->parent()));
-    });
 }
 
 void TAutoSeqEditFrame::startUp()
@@ -281,22 +276,60 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
     refreshLists(1);
 }
 
+// The editor works on the autosequence in place and keeps whatever it left there.
+void TAutoSeqEditFrame::editSequence(Tautosequence &sequence)
+{
+    TsequenceEditor editor(nullptr, m_hostData, &m_data->checkitems, sequence, [this] { saveAutosequences(); },
+                           false, &m_sink);
+    if (editor.usable())
+        editor.exec();
+}
+
+void TAutoSeqEditFrame::editInspection(bool save)
+{
+    const int row = selectedInspection();
+    if (row >= 0 && row < int(m_data->inspections.size()))
+        editSequence(m_data->inspections[std::size_t(row)]);
+    refreshLists(0);
+    if (save)
+        BtnBackupClick();
+}
+
+void TAutoSeqEditFrame::lstIPDblClick()
+{
+    editInspection(false);
+}
+
+void TAutoSeqEditFrame::BtnIPEditClick()
+{
+    editInspection(true);
+}
+
 void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
 {
     QTreeWidgetItem *node = selectedNode();
-    if (!node || node->parent())
-        return; // a tester's sequences need the sequence editor, which this build lacks
-    const auto i = std::size_t(node->data(0, Qt::UserRole).toInt());
-    if (i >= m_data->userTesters.size())
+    if (!node)
         return;
-    std::string &name = m_data->userTesters[i].name;
-    TseqTitleEditForm form(nullptr, TguiText::fromBytes(name));
-    if (setCaptions) {
-        form.setWindowTitle(QStringLiteral("Tester Name Editor"));
-        form.setLabelText(QStringLiteral("Tester Name"));
+    if (node->parent()) {
+        const auto i = std::size_t(node->parent()->data(0, Qt::UserRole).toInt());
+        const auto j = std::size_t(node->data(0, Qt::UserRole).toInt());
+        // The nodes are built once; a reload may have brought fewer sequences.
+        if (i >= m_data->userTesters.size() || j >= m_data->userTesters[i].sequences.size())
+            return;
+        editSequence(m_data->userTesters[i].sequences[j]);
+    } else {
+        const auto i = std::size_t(node->data(0, Qt::UserRole).toInt());
+        if (i >= m_data->userTesters.size())
+            return;
+        std::string &name = m_data->userTesters[i].name;
+        TseqTitleEditForm form(nullptr, TguiText::fromBytes(name));
+        if (setCaptions) {
+            form.setWindowTitle(QStringLiteral("Tester Name Editor"));
+            form.setLabelText(QStringLiteral("Tester Name"));
+        }
+        if (form.exec() == QDialog::Accepted)
+            name = upperAscii(TlistTexts::trim(TguiText::toBytes(form.text())));
     }
-    if (form.exec() == QDialog::Accepted)
-        name = upperAscii(TlistTexts::trim(TguiText::toBytes(form.text())));
     refreshLists(1);
     if (setCaptions)
         BtnBackupClick();

@@ -15,6 +15,7 @@ class QPoint;
 class QTimer;
 class QMouseEvent;
 class QTreeWidgetItem;
+struct Tautosequence;
 
 class TAutoSeqEditFrame : public Tkt930Frame {
     Q_OBJECT
@@ -50,6 +51,8 @@ public Q_SLOTS:
     void BtnHelpClick();
     void BtnExitClick();
     void BtnIPClearClick();
+    void lstIPDblClick();
+    void BtnIPEditClick();
     void LstUTSDblClick();
     void BtnUTSEditClick();
     void BtnUTSClearClick();
@@ -69,6 +72,8 @@ private:
     int selectedInspection() const; // -1 when no row is selected
     QTreeWidgetItem *selectedNode() const;
     void editTreeNode(bool setCaptions);
+    void editSequence(Tautosequence &sequence);
+    void editInspection(bool save);
     void showInternalError(bool upload, const char *what);
     bool runTransfer(bool upload);
     bool onNodeLabel(const QPoint &at) const;

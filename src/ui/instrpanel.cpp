@@ -2,6 +2,7 @@
 #include "FieldSpec.h"
 #include "OpCodeDefinitions.h"
 #include "TInstr.h"
+#include "TautoSequenceTypes.h"
 #include "TguiText.h"
 #include <QComboBox>
 #include <QGridLayout>
@@ -167,18 +168,13 @@ void TInstrPanel::addFieldRow(int row, const std::string &left, const std::strin
 
 void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
 {
-    for (const std::string &line : lines) {
-        std::vector<std::string> tokens = splitAtTabs(line);
-        if (tokens.size() != 3)
-            fail(6, __LINE__);
-        int count = 0;
-        const std::string &number = tokens[2];
-        auto result = std::from_chars(number.data(), number.data() + number.size(), count);
-        if (result.ec != std::errc() || result.ptr != number.data() + number.size() || count < 0)
-            fail(6, __LINE__);
-        m_autoCodes.append(TguiText::fromBytes(tokens[0]));
-        m_autoTexts.append(TguiText::fromBytes(tokens[1]));
-        m_autoCounts.push_back(count);
+    std::vector<TautoSequenceType> types;
+    if (!TautoSequenceTypes::parse(lines, types))
+        fail(6, __LINE__);
+    for (const TautoSequenceType &type : types) {
+        m_autoCodes.append(TguiText::fromBytes(type.code));
+        m_autoTexts.append(TguiText::fromBytes(type.text));
+        m_autoCounts.push_back(type.count);
     }
 
     auto *typeLabel = new QLabel(QStringLiteral("Autosequence Type:"), this);

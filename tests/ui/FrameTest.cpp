@@ -183,22 +183,6 @@ TEST_F(FrameFixture, ClearAfterAReloadWithFewerSequencesThanNodesDoesNothing)
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
 }
 
-TEST_F(FrameFixture, EditButtonIsOnlyOfferedForTesterRoots)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    auto *edit = find<QPushButton>(frame.get(), "BtnUTSEdit");
-    tree->setCurrentItem(tree->topLevelItem(1)->child(3));
-    EXPECT_FALSE(edit->isEnabled());
-    tree->setCurrentItem(tree->topLevelItem(1));
-    EXPECT_TRUE(edit->isEnabled());
-    tree->setCurrentItem(tree->topLevelItem(4)->child(0));
-    EXPECT_FALSE(edit->isEnabled());
-    tree->clearSelection();
-    EXPECT_TRUE(edit->isEnabled()); // with nothing selected the button has nothing to do
-}
-
 TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThree)
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());

@@ -1,0 +1,27 @@
+#include "TpdfOutput.h"
+#include "TinstListingPrinter.h"
+#include <filesystem>
+
+std::string TpdfOutput::refusal(const std::string &path)
+{
+    if (std::filesystem::is_directory(path))
+        return path + " is a folder, not a file";
+    return {};
+}
+
+std::unique_ptr<QGuiApplication> TpdfOutput::application()
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char program[] = "kt930ctl";
+    static char *argv[] = {program, nullptr};
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+std::unique_ptr<QPrinter> TpdfOutput::printer(const std::string &path)
+{
+    auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    TinstListingPrinter::preparePdf(*printer, QString::fromStdString(path));
+    return printer;
+}

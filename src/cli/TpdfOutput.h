@@ -1,0 +1,17 @@
+#pragma once
+// What the printing subcommands share: a GUI application for fonts and the PDF
+// engine (never a screen), and a printer that writes the PDF file.
+#include <QGuiApplication>
+#include <QPrinter>
+#include <memory>
+#include <string>
+
+class TpdfOutput {
+public:
+    // Empty text when path can be written to, else why not (for "kt930ctl <command>: ...").
+    static std::string refusal(const std::string &path);
+    // The offscreen platform unless the caller chose another one.
+    static std::unique_ptr<QGuiApplication> application();
+    // An A4 PDF printer at 600 dpi writing to path.
+    static std::unique_ptr<QPrinter> printer(const std::string &path);
+};

@@ -1,0 +1,137 @@
+#include "TprintSequenceCommand.h"
+#include "CategoryDescriptors.h"
+#include "OpCodeDefinitions.h"
+#include "TcliArguments.h"
+#include "TcliMessageSink.h"
+#include "TdataSet.h"
+#include "TpdfOutput.h"
+#include "TsequencePrinter.h"
+#include "TsequenceReport.h"
+#include <charconv>
+#include <ctime>
+#include <iostream>
+
+namespace {
+const char *const Prefix = "kt930ctl print-sequence: ";
+
+// A number from 1 to count, as the frame counts its rows; 0 when it is not one.
+std::size_t oneBased(const std::string &text, std::size_t count)
+{
+    std::size_t number = 0;
+    auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || number < 1 || number > count)
+        return 0;
+    return number;
+}
+
+struct Choice {
+    const Tautosequence *sequence;
+    std::string name; // for messages: "inspection 3", "tester 2 sequence 5"
+};
+}
+
+std::string TprintSequenceCommand::usage() const
+{
+    return "Usage: kt930ctl print-sequence (--inspection K | --tester I --sequence J | --all) --pdf FILE [--appdir DIR]\n"
+           "Prints autosequences of DIR/Data as the sequence editor prints them, one page each, to\n"
+           "the PDF file FILE. Needs no display. Numbers count from 1, as the frame shows them.\n"
+           "  --inspection K   physical inspection K\n"
+           "  --tester I       user tester I (1 to 5), with --sequence J (1 to 12)\n"
+           "  --all            every autosequence in use: the inspections, then the testers'\n"
+           "  --pdf FILE       the PDF file to write\n"
+           "  --appdir DIR     application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+}
+
+int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
+{
+    TcliArguments args;
+    if (auto exitCode =
+            parseArguments(arguments, args, {"--all"}, 0, {"--pdf", "--inspection", "--tester", "--sequence"}))
+        return *exitCode;
+    const int picks = int(args.has("--all")) + int(args.has("--inspection")) + int(args.has("--tester"));
+    if (!args.has("--pdf") || picks != 1 || args.has("--tester") != args.has("--sequence")) {
+        std::cerr << Prefix << "give --pdf FILE and one of --inspection K, --tester I --sequence J, --all\n"
+                  << usage();
+        return 2;
+    }
+    const std::string pdf = args.options["--pdf"];
+    if (const std::string why = TpdfOutput::refusal(pdf); !why.empty()) {
+        std::cerr << Prefix << why << "\n";
+        return 1;
+    }
+
+    TcliMessageSink sink(&std::cerr);
+    TdataSet data(args.appDir, sink);
+    data.loadCheckitems();
+    data.loadInspections();
+    data.loadUserTesters();
+    if (!sink.messages().empty())
+        return 1; // the data set is not what the analyzer would carry
+    TopCodeTable opCodes;
+    if (OpCodeDefinitions::load(data.dataFolder(), opCodes, sink) != 0)
+        return 1; // throws, after its message, for a corrupt file
+    TInstrDatabase::setNames(opCodes);
+    TcategoryMap categories;
+    if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
+        sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+
+    std::vector<Choice> chosen;
+    if (args.has("--all")) {
+        for (const Tautosequence &sequence : data.inspections)
+            if (!sequence.isUnused())
+                chosen.push_back({&sequence, ""});
+        for (const TuserTester &tester : data.userTesters)
+            for (const Tautosequence &sequence : tester.sequences)
+                if (!sequence.isUnused())
+                    chosen.push_back({&sequence, ""});
+        if (chosen.empty()) {
+            std::cerr << Prefix << "no autosequence is in use; nothing printed\n";
+            return 1;
+        }
+    } else if (args.has("--inspection")) {
+        const std::string &text = args.options["--inspection"];
+        const std::size_t k = oneBased(text, data.inspections.size());
+        if (k == 0) {
+            std::cerr << Prefix << "--inspection " << text << ": the data set has inspections 1 to "
+                      << data.inspections.size() << "\n";
+            return 2;
+        }
+        chosen.push_back({&data.inspections[k - 1], "inspection " + text});
+    } else {
+        const std::string &testerText = args.options["--tester"];
+        const std::string &sequenceText = args.options["--sequence"];
+        const std::size_t i = oneBased(testerText, data.userTesters.size());
+        if (i == 0) {
+            std::cerr << Prefix << "--tester " << testerText << ": the data set has user testers 1 to "
+                      << data.userTesters.size() << "\n";
+            return 2;
+        }
+        const std::vector<Tautosequence> &sequences = data.userTesters[i - 1].sequences;
+        const std::size_t j = oneBased(sequenceText, sequences.size());
+        if (j == 0) {
+            std::cerr << Prefix << "--sequence " << sequenceText << ": user tester " << testerText
+                      << " has sequences 1 to " << sequences.size() << "\n";
+            return 2;
+        }
+        chosen.push_back({&sequences[j - 1], "user tester " + testerText + " sequence " + sequenceText});
+    }
+    if (chosen.size() == 1 && chosen.front().sequence->isUnused()) {
+        std::cerr << Prefix << chosen.front().name << " is unused; nothing printed\n";
+        return 1;
+    }
+
+    const std::time_t now = std::time(nullptr);
+    std::vector<TsequenceReport> reports;
+    for (const Choice &choice : chosen)
+        reports.push_back(TsequenceReport::make(*choice.sequence, data.checkitems, categories, now));
+
+    const auto application = TpdfOutput::application();
+    const auto printer = TpdfOutput::printer(pdf);
+    if (!TsequencePrinter::print(*printer, reports)) {
+        std::cerr << Prefix << "cannot write " << pdf << "\n";
+        return 1;
+    }
+    std::cout << "Printed " << reports.size() << (reports.size() == 1 ? " autosequence" : " autosequences")
+              << " to " << pdf << "\n";
+    return 0;
+}

@@ -1,0 +1,428 @@
+#include "autoSequenceEditForm.h"
+#include "ui_autoSequenceEditForm.h"
+#include "AppDir.h"
+#include "MessageSink.h"
+#include "OpCodeDefinitions.h"
+#include "THelpWindow.h"
+#include "TInstrDatabase.h"
+#include "Tautosequence.h"
+#include "TguiMessageSink.h"
+#include "TguiText.h"
+#include "TinstGridHeader.h"
+#include "TinstGridText.h"
+#include "TinstListingPrinter.h"
+#include "TsequencePrinter.h"
+#include "TsequenceReport.h"
+#include "Twindows1252.h"
+#include "asEdFilterPopup.h"
+#include "instEdit.h"
+#include <QPrintDialog>
+#include <QPrinter>
+#include <algorithm>
+#include <ctime>
+
+namespace {
+constexpr int GridColumns = 4;
+constexpr int LastPosition = Tautosequence::ItemCount - 1;
+constexpr std::uint16_t EndOfList = 0;
+constexpr std::uint16_t Unused = 0xFFFF;
+
+bool holdsCheckitem(std::uint16_t item)
+{
+    return item != EndOfList && item != Unused;
+}
+
+QString rightTrimmed(const char (&title)[19])
+{
+    std::string text = Tautosequence::titleText(title);
+    text.erase(text.find_last_not_of(' ') + 1);
+    return TguiText::fromBytes(text);
+}
+}
+
+// The sort pictures live in the checkitem editor's resources, which a static link
+// drops unless they are asked for by name.
+static void initSortPictures()
+{
+    Q_INIT_RESOURCE(instEdit);
+}
+
+TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database,
+                                 Tautosequence &sequence, std::function<void()> save, bool offerCalls,
+                                 MessageSink *sink)
+    : QDialog(owner), ui(new Ui::TsequenceEditor), m_sink(sink ? *sink : TguiMessageSink::defaultSink()),
+      m_hostData(hostData), m_db(database), m_sequence(sequence), m_save(std::move(save)), m_offerCalls(offerCalls),
+      m_appDir(TappDir::applicationFolder())
+{
+    setUpControls();
+    ui->title1txt->setText(rightTrimmed(m_sequence.title1));
+    ui->title2txt->setText(rightTrimmed(m_sequence.title2));
+    if (!loadDefinitions())
+        return;
+    loadDescriptors();
+
+    if (!TesterSetting::isValid(m_sequence.setting))
+        m_sequence.setting = 0;
+    showSetting();
+
+    m_filter.checklistMode = m_offerCalls;
+    m_filter.reset();
+    m_filter.setSort(m_sortMode);
+    rebuildDisplayList();
+    fillInstList(0);
+    fillAsList(0);
+    showSortPicture();
+    m_usable = true;
+}
+
+TsequenceEditor::~TsequenceEditor() = default;
+
+void TsequenceEditor::setUpControls()
+{
+    ui->setupUi(this);
+    setModal(true);
+    initSortPictures();
+    m_sortUp = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_UP"));
+    m_sortDown = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
+    m_header = new TinstGridHeader(ui->instList);
+    ui->instList->setHorizontalHeader(m_header);
+    ui->asList->horizontalHeader()->setSectionsClickable(false);
+    ui->asList->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    for (QTableWidget *grid : {ui->instList, ui->asList}) {
+        grid->setTextElideMode(Qt::ElideNone);
+        grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
+    }
+
+    connect(ui->btnAdd, &QPushButton::clicked, this, &TsequenceEditor::btnAddClick);
+    connect(ui->btnRemove, &QPushButton::clicked, this, &TsequenceEditor::btnRemoveClick);
+    connect(ui->btnClear, &QPushButton::clicked, this, &TsequenceEditor::btnClearClick);
+    connect(ui->btnTop, &QToolButton::clicked, this, &TsequenceEditor::btnTopClick);
+    connect(ui->btnUp, &QToolButton::clicked, this, &TsequenceEditor::btnUpClick);
+    connect(ui->btnDown, &QToolButton::clicked, this, &TsequenceEditor::btnDownClick);
+    connect(ui->btnBottom, &QToolButton::clicked, this, &TsequenceEditor::btnBottomClick);
+    connect(ui->btnFilter, &QPushButton::clicked, this, &TsequenceEditor::btnFilterClick);
+    connect(ui->btnEditInst, &QPushButton::clicked, this, &TsequenceEditor::btnEditInstClick);
+    connect(ui->btnPrint, &QPushButton::clicked, this, &TsequenceEditor::btnPrintClick);
+    connect(ui->btnHelp, &QPushButton::clicked, this, &TsequenceEditor::btnHelpClick);
+    connect(ui->btnOk, &QPushButton::clicked, this, &TsequenceEditor::btnOkClick);
+    // activated: only the user's choices, not the form's own settings of the lists.
+    connect(ui->testerPortlst, &QComboBox::activated, this, &TsequenceEditor::testerPortlstChange);
+    connect(ui->baudRatelst, &QComboBox::activated, this, &TsequenceEditor::baudRatelstChange);
+    connect(m_header, &QHeaderView::sectionPressed, this, &TsequenceEditor::instListMouseDown);
+}
+
+// The op codes the grids name; "A" only when autosequence calls are offered.
+bool TsequenceEditor::loadDefinitions()
+{
+    TopCodeTable table;
+    try {
+        if (OpCodeDefinitions::load(TappDir::dataFolder(m_appDir), table, m_sink,
+                                    OpCodeDefinitions::Wording::InstructionList)
+            != 0)
+            return false;
+    } catch (const TopCodeFileCorrupt &) {
+        return false; // reported by the loader
+    }
+    if (m_offerCalls)
+        table.try_emplace('A', TinstStruct{"A - Autosequence", 'A', false, 1024});
+    else
+        table.erase('A');
+    m_opCodes = std::move(table);
+    TInstrDatabase::setNames(m_opCodes);
+    return true;
+}
+
+void TsequenceEditor::loadDescriptors()
+{
+    m_descriptors.clear();
+    if (CategoryDescriptors::load(TappDir::dataFolder(m_appDir) / "catdes.dat", m_descriptors) != 0)
+        m_sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+}
+
+// ---- port and baud rate
+
+void TsequenceEditor::showSetting()
+{
+    const std::uint16_t word = m_sequence.setting;
+    // A port the list does not have (7) selects nothing.
+    ui->testerPortlst->setCurrentIndex(word ? TesterSetting::port(word) : 0);
+    ui->baudRatelst->setCurrentIndex(word ? TesterSetting::baudIndex(word) : -1);
+}
+
+// With no port entry selected (a stored port 7) nothing was chosen: the word stays.
+void TsequenceEditor::writeSetting()
+{
+    const int port = ui->testerPortlst->currentIndex();
+    if (port < 0)
+        return;
+    m_sequence.setting = TesterSetting::make(port, std::max(ui->baudRatelst->currentIndex(), 0));
+}
+
+void TsequenceEditor::testerPortlstChange()
+{
+    if (ui->testerPortlst->currentIndex() == 0)
+        ui->baudRatelst->setCurrentIndex(-1);
+    else if (ui->baudRatelst->currentIndex() < 0)
+        ui->baudRatelst->setCurrentIndex(0);
+    writeSetting();
+}
+
+void TsequenceEditor::baudRatelstChange()
+{
+    writeSetting();
+}
+
+// ---- the grids
+
+void TsequenceEditor::rebuildDisplayList()
+{
+    if (m_db)
+        m_filter.apply(m_db->slots(), m_displayList, m_descriptors);
+    else
+        m_displayList.clear();
+}
+
+void TsequenceEditor::writeRow(QTableWidget *grid, int row, std::uint32_t index)
+{
+    std::array<std::string, GridColumns> texts{std::to_string(index + 1)};
+    if (m_db && index < m_db->size()) {
+        try {
+            texts = TinstGridText::row(*m_db, index, m_descriptors);
+        } catch (const std::runtime_error &) {
+            // An op code without a definition file has no name to show.
+            const TInstr &record = (*m_db)[index];
+            texts = {texts[0], CategoryDescriptors::displayText(m_descriptors, record.category), std::string(),
+                     TinstGridText::command(record)};
+        }
+    }
+    for (int c = 0; c < GridColumns; ++c)
+        grid->setItem(row, c, new QTableWidgetItem(TguiText::fromBytes(texts[std::size_t(c)])));
+}
+
+// An empty grid has no row to select.
+static void fillGrid(QTableWidget *grid, int rows, const std::function<void(int)> &writeRow, int selectRow)
+{
+    const QSignalBlocker quiet(grid);
+    grid->clearContents();
+    grid->setRowCount(rows);
+    for (int r = 0; r < rows; ++r)
+        writeRow(r);
+    for (int c = 0; c < GridColumns - 1; ++c)
+        grid->resizeColumnToContents(c);
+    if (rows > 0)
+        grid->setCurrentCell(std::clamp(selectRow, 0, rows - 1), 0);
+}
+
+void TsequenceEditor::fillInstList(int selectRow)
+{
+    fillGrid(ui->instList, int(m_displayList.size()),
+             [this](int r) { writeRow(ui->instList, r, m_displayList[std::size_t(r)]); }, selectRow);
+    // Room for the sort picture beside the captions.
+    for (int c = 0; c < GridColumns - 1; ++c)
+        ui->instList->setColumnWidth(c, ui->instList->columnWidth(c) + m_sortUp.width() + TinstGridHeader::CaptionGap);
+}
+
+void TsequenceEditor::fillAsList(int selectRow)
+{
+    fillGrid(ui->asList, m_sequence.itemCount(),
+             [this](int r) { writeRow(ui->asList, r, m_sequence.items[r] - 1u); }, selectRow);
+}
+
+void TsequenceEditor::showSortPicture()
+{
+    m_header->setSortPicture((m_sortMode - 1) / 2, m_sortMode % 2 ? m_sortUp : m_sortDown);
+}
+
+int TsequenceEditor::selectedSequenceRow() const
+{
+    const int row = ui->asList->currentRow();
+    return row >= 0 && row < m_sequence.itemCount() ? row : -1;
+}
+
+void TsequenceEditor::instListMouseDown(int column)
+{
+    switch (column) {
+    case 0:
+        m_sortMode = m_sortMode == 1 ? 2 : 1;
+        break;
+    case 1:
+        m_sortMode = m_sortMode == 3 ? 4 : 3;
+        break;
+    case 2:
+        m_sortMode = m_sortMode == 5 ? 6 : 5;
+        break;
+    default:
+        break; // commands are not sorted
+    }
+    m_filter.setSort(m_sortMode);
+    showSortPicture();
+    rebuildDisplayList();
+    fillInstList(0);
+}
+
+// ---- the item list
+
+void TsequenceEditor::btnAddClick()
+{
+    const int row = ui->instList->currentRow();
+    if (row < 0 || m_displayList.empty())
+        return;
+    if (holdsCheckitem(m_sequence.items[LastPosition])) {
+        m_sink.warning("Autosequence Full",
+                       "The selected checkitem cannot be added because\nthe autosequence is full.");
+        return;
+    }
+    std::uint16_t *end = std::find(std::begin(m_sequence.items), std::end(m_sequence.items), EndOfList);
+    if (end == std::end(m_sequence.items))
+        return;
+    *end = std::uint16_t(m_displayList[std::size_t(row)] + 1);
+    if (end + 1 != std::end(m_sequence.items))
+        end[1] = EndOfList;
+    fillAsList(ui->asList->currentRow());
+}
+
+void TsequenceEditor::btnRemoveClick()
+{
+    const int row = selectedSequenceRow();
+    if (m_sequence.itemCount() < 1 || row < 0)
+        return;
+    std::uint16_t *items = m_sequence.items;
+    std::copy(items + row + 1, items + Tautosequence::ItemCount, items + row);
+    const std::uint16_t before = items[LastPosition - 1];
+    items[LastPosition] = before == EndOfList ? Unused : holdsCheckitem(before) ? EndOfList : Unused;
+    fillAsList(row == 0 ? 0 : row - 1);
+}
+
+void TsequenceEditor::btnClearClick()
+{
+    std::fill(std::begin(m_sequence.items), std::end(m_sequence.items), Unused);
+    m_sequence.items[0] = EndOfList;
+    fillAsList(0);
+}
+
+void TsequenceEditor::btnTopClick()
+{
+    const int row = selectedSequenceRow();
+    if (m_sequence.itemCount() < 2 || row <= 0)
+        return;
+    std::rotate(m_sequence.items, m_sequence.items + row, m_sequence.items + row + 1);
+    fillAsList(0);
+}
+
+void TsequenceEditor::btnUpClick()
+{
+    const int row = selectedSequenceRow();
+    if (m_sequence.itemCount() < 2 || row <= 0)
+        return;
+    std::swap(m_sequence.items[row], m_sequence.items[row - 1]);
+    fillAsList(row - 1);
+}
+
+void TsequenceEditor::btnDownClick()
+{
+    const int row = selectedSequenceRow();
+    const int count = m_sequence.itemCount();
+    if (count < 2 || row < 0 || row == count - 1)
+        return;
+    std::swap(m_sequence.items[row], m_sequence.items[row + 1]);
+    fillAsList(row + 1);
+}
+
+void TsequenceEditor::btnBottomClick()
+{
+    const int row = selectedSequenceRow();
+    const int count = m_sequence.itemCount();
+    if (count < 2 || row < 0)
+        return;
+    std::rotate(m_sequence.items + row, m_sequence.items + row + 1, m_sequence.items + count);
+    fillAsList(count - 1);
+}
+
+// ---- filter, checkitem database, print, help
+
+void TsequenceEditor::btnFilterClick()
+{
+    if (!m_db)
+        return;
+    m_filter.reset();
+    m_filter.setSort(m_sortMode);
+    TinstructionFilterForm filterForm(this, m_offerCalls, &m_opCodes, &m_descriptors, &m_filter);
+    if (filterForm.exec() != QDialog::Accepted)
+        return;
+    rebuildDisplayList();
+    fillInstList(0);
+}
+
+void TsequenceEditor::btnEditInstClick()
+{
+    // The database editor looks for references to a checkitem in the files.
+    if (m_save)
+        m_save();
+    try {
+        TinstructionEditorForm editor(nullptr, m_offerCalls, m_hostData, m_db, &m_sink);
+        editor.exec();
+    } catch (const TinstructionEditorFormException &) {
+        // Reported by the editor; the lists are refreshed from what it left.
+    }
+    loadDefinitions();
+    loadDescriptors();
+    rebuildDisplayList();
+    fillInstList(ui->instList->currentRow());
+    fillAsList(ui->asList->currentRow());
+}
+
+bool TsequenceEditor::choosePrinter(QPrinter &printer)
+{
+    QPrintDialog printDialog(&printer, this);
+    printDialog.setObjectName(QStringLiteral("printDialog"));
+    return printDialog.exec() == QDialog::Accepted;
+}
+
+void TsequenceEditor::btnPrintClick()
+{
+    if (m_sequence.isUnused()) {
+        m_sink.show({"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.",
+                     MsgIcon::Information});
+        return;
+    }
+    QPrinter printer(QPrinter::HighResolution);
+    if (!choosePrinter(printer))
+        return;
+    if (printer.outputFormat() == QPrinter::PdfFormat)
+        printer.setResolution(TinstListingPrinter::PdfResolution);
+    // The titles as the form shows them, as OK would store them.
+    Tautosequence shown = m_sequence;
+    applyTitles(shown);
+    static const TInstrDatabase noCheckitems;
+    const TsequenceReport report =
+        TsequenceReport::make(shown, m_db ? *m_db : noCheckitems, m_descriptors, std::time(nullptr));
+    if (!TsequencePrinter::print(printer, {report}))
+        m_sink.error("Printing Error", "An error occurred while printing.\nPrint operation aborted.");
+}
+
+void TsequenceEditor::btnHelpClick()
+{
+    auto *window = new THelpWindow(m_appDir / "AUTOSEQUENCEEDITOR.qch", QStringLiteral("sequenceEditor.html"));
+    // A window of its own, yet a child of this modal dialog, so the dialog does not block it.
+    window->setParent(this, Qt::Window);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
+}
+
+// ---- OK
+
+// "(unused)" as typed leaves title 1 as it is.
+void TsequenceEditor::applyTitles(Tautosequence &target) const
+{
+    const QString title1 = ui->title1txt->text();
+    if (title1 != QLatin1String("(unused)"))
+        Tautosequence::setTitle(target.title1, Twindows1252::toUpper(TguiText::toBytes(title1)));
+    Tautosequence::setTitle(target.title2, Twindows1252::toUpper(TguiText::toBytes(ui->title2txt->text())));
+}
+
+void TsequenceEditor::btnOkClick()
+{
+    applyTitles(m_sequence);
+    writeSetting();
+    accept();
+}

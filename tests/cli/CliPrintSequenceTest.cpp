@@ -1,0 +1,150 @@
+// kt930ctl print-sequence: one autosequence or the binder of all used ones as a
+// PDF, read back with pdftotext; bad choices are named and print nothing.
+#ifdef KT930_HAS_PRINT
+#include "ByteBuilder.h"
+#include "ProgramRun.h"
+#include "TempDir.h"
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex>
+#include <sstream>
+
+namespace fs = std::filesystem;
+using namespace ByteBuilder;
+
+namespace {
+const std::string Indent = "    ";
+
+std::string unusedRecord()
+{
+    return asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
+}
+
+class CliPrintSequenceTest : public ::testing::Test {
+protected:
+    CliPrintSequenceTest()
+    {
+        fs::create_directories(temp / "app");
+        fs::copy(std::string(KT930_TEST_APPDIR) + "/Data", temp / "app/Data", fs::copy_options::recursive);
+        temp.write("app/Data/catdes.dat", "B, Electrical\n");
+        std::string mit = checkitem('B', 'M', "EB\t0.1") + checkitem(' ', 'P', "Plug ok?");
+        for (int slot = 2; slot < 1044; ++slot)
+            mit += checkitem(0, 0, "");
+        temp.write("app/Data/mit.dat", mit);
+        temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 2)
+                                                  + asqRecord("EARTH BOND", "CLASS I", 0x13, positions({1, 2}))
+                                                  + unusedRecord());
+        std::vector<std::uint16_t> full;
+        for (int n = 0; n < 24; ++n)
+            full.push_back(std::uint16_t(n % 2 + 1));
+        for (int tester = 1; tester <= 5; ++tester) {
+            std::string file = asqHeader("User Tester Autosequences", "WARD " + std::to_string(tester), 12);
+            for (int j = 1; j <= 12; ++j)
+                file += tester == 2 && j == 3 ? asqRecord("LEAKAGE", "TOUCH", 0x1E, full) : unusedRecord();
+            temp.write("app/Data/usertester" + std::to_string(tester) + ".asq", file);
+        }
+    }
+
+    ProgramRun print(std::vector<std::string> choice)
+    {
+        std::vector<std::string> args{"print-sequence"};
+        args.insert(args.end(), choice.begin(), choice.end());
+        args.insert(args.end(), {"--pdf", pdf(), "--appdir", (temp / "app").string()});
+        return ProgramRun::run("kt930ctl", args, temp.path());
+    }
+    std::string pdf() const { return (temp / "seq.pdf").string(); }
+    // The pages' non-blank lines, trailing blanks dropped.
+    std::vector<std::vector<std::string>> pages()
+    {
+        ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf(), "-"}, temp.path());
+        EXPECT_EQ(text.exitCode, 0) << text.err;
+        std::vector<std::vector<std::string>> result(1);
+        std::istringstream in(text.out.substr(0, text.out.rfind('\f')));
+        for (std::string line; std::getline(in, line);) {
+            for (std::size_t feed; (feed = line.find('\f')) != std::string::npos; line.erase(0, feed + 1))
+                result.emplace_back();
+            line.erase(line.find_last_not_of(' ') + 1);
+            if (!line.empty())
+                result.back().push_back(line);
+        }
+        return result;
+    }
+    TempDir temp;
+};
+}
+
+// The page itself is the printer's (tested there): here, which sequence, its names and the date.
+TEST_F(CliPrintSequenceTest, AnInspectionPrintsItsPage)
+{
+    ProgramRun result = print({"--inspection", "1"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, "Printed 1 autosequence to " + pdf() + "\n");
+    auto printed = pages();
+    ASSERT_EQ(printed.size(), 1u);
+    ASSERT_EQ(printed[0].size(), 9u);
+    EXPECT_TRUE(std::regex_match(printed[0][0], std::regex(Indent + "[A-Z][a-z]+ \\d\\d \\d{4} - \\d\\d:\\d\\d:\\d\\d")))
+        << printed[0][0];
+    EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
+    EXPECT_EQ(printed[0][7], Indent + "1.   Electrical  M - Measure    EB\u00BB0.1");
+    EXPECT_EQ(printed[0][8], Indent + "2.               P - Pass/Fail  Plug ok?");
+}
+
+TEST_F(CliPrintSequenceTest, ATesterSequenceAndTheBinderOfAllUsedOnes)
+{
+    ProgramRun one = print({"--tester", "2", "--sequence", "3"});
+    ASSERT_EQ(one.exitCode, 0) << one.err;
+    auto printed = pages();
+    ASSERT_EQ(printed.size(), 1u);
+    ASSERT_EQ(printed[0].size(), 7u + 24u);
+    EXPECT_EQ(printed[0][3], Indent + "AutoSequence LEAKAGE - TOUCH");
+    EXPECT_EQ(printed[0][4], Indent + "Port: 6");
+    EXPECT_EQ(printed[0][5], Indent + "Baud Rate: 19200 Baud");
+    EXPECT_EQ(printed[0][30], Indent + "24.              P - Pass/Fail  Plug ok?");
+
+    ProgramRun all = print({"--all"});
+    ASSERT_EQ(all.exitCode, 0) << all.err;
+    EXPECT_EQ(all.out, "Printed 2 autosequences to " + pdf() + "\n");
+    printed = pages();
+    ASSERT_EQ(printed.size(), 2u);
+    EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
+    EXPECT_EQ(printed[1][3], Indent + "AutoSequence LEAKAGE - TOUCH");
+}
+
+TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
+{
+    struct Case {
+        std::vector<std::string> choice;
+        int exitCode;
+        std::string errStart;
+    };
+    const std::vector<Case> cases{
+        {{"--inspection", "2"}, 1, "kt930ctl print-sequence: inspection 2 is unused; nothing printed\n"},
+        {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3: the data set has inspections 1 to 2\n"},
+        {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x: the data set has inspections 1 to 2\n"},
+        {{"--tester", "6", "--sequence", "1"}, 2,
+         "kt930ctl print-sequence: --tester 6: the data set has user testers 1 to 5\n"},
+        {{"--tester", "2", "--sequence", "13"}, 2,
+         "kt930ctl print-sequence: --sequence 13: user tester 2 has sequences 1 to 12\n"},
+        {{"--tester", "2"}, 2, "kt930ctl print-sequence: give --pdf FILE and one of"},
+        {{"--all", "--inspection", "1"}, 2, "kt930ctl print-sequence: give --pdf FILE and one of"},
+    };
+    for (const Case &c : cases) {
+        ProgramRun result = print(c.choice);
+        EXPECT_EQ(result.exitCode, c.exitCode) << c.choice[0];
+        EXPECT_EQ(result.err.rfind(c.errStart, 0), 0u) << result.err;
+        EXPECT_FALSE(fs::exists(pdf()));
+    }
+
+    for (int tester = 1; tester <= 5; ++tester) {
+        std::string file = asqHeader("User Tester Autosequences", "WARD", 12);
+        for (int j = 1; j <= 12; ++j)
+            file += unusedRecord();
+        temp.write("app/Data/usertester" + std::to_string(tester) + ".asq", file);
+    }
+    temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 1) + unusedRecord());
+    ProgramRun none = print({"--all"});
+    EXPECT_EQ(none.exitCode, 1);
+    EXPECT_EQ(none.err, "kt930ctl print-sequence: no autosequence is in use; nothing printed\n");
+    EXPECT_FALSE(fs::exists(pdf()));
+}
+#endif

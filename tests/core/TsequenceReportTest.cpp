@@ -1,0 +1,56 @@
+// What the autosequence printout is made of: titles, setting, and one row per
+// checkitem with the names the grids show.
+#include "TsequenceReport.h"
+#include <gtest/gtest.h>
+
+namespace {
+struct SequenceReportTest : ::testing::Test {
+    TInstrDatabase db;
+    TcategoryMap categories{{'B', "Electrical"}};
+    Tautosequence seq;
+
+    SequenceReportTest()
+    {
+        TInstrDatabase::setNames({{'M', {"M - Measure", 'M'}}, {'P', {"P - Pass/Fail", 'P'}}});
+        db[0].assign('B', 'M', "EB\t0.1");
+        db[1].assign('C', 'P', "Plug ok?");
+        db[2].assign(' ', 'Z', "Unknown op");
+        Tautosequence::setTitle(seq.title1, "EARTH BOND");
+        Tautosequence::setTitle(seq.title2, "");
+    }
+    ~SequenceReportTest() override { TInstrDatabase::clearNames(); }
+};
+}
+
+TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarks)
+{
+    const std::uint16_t items[] = {2, 1, 3, 2000, 0, 1};
+    std::copy(std::begin(items), std::end(items), seq.items);
+    const TsequenceReport report = TsequenceReport::make(seq, db, categories, 0);
+    EXPECT_EQ(report.title1, "EARTH BOND");
+    EXPECT_EQ(report.title2, "");
+    const std::vector<std::array<std::string, 3>> rows{{"C", "P - Pass/Fail", "Plug ok?"},
+                                                       {"Electrical", "M - Measure", "EB\xBB" "0.1"},
+                                                       {"", "", "Unknown op"}, // no definition file
+                                                       {"", "", ""}};          // not a checkitem number
+    EXPECT_EQ(report.rows, rows);
+}
+
+TEST_F(SequenceReportTest, PortAndBaudComeFromTheWordAnInvalidWordReadsAsUnused)
+{
+    seq.setting = 0x0B;
+    TsequenceReport report = TsequenceReport::make(seq, db, categories, 0);
+    EXPECT_EQ(report.port, 3);
+    EXPECT_EQ(report.baudRate, 4800);
+    seq.setting = 0x3F;
+    report = TsequenceReport::make(seq, db, categories, 0);
+    EXPECT_EQ(report.port, 0);
+    EXPECT_EQ(report.baudRate, 2400);
+}
+
+TEST_F(SequenceReportTest, DateIsMonthDayYearAndTime)
+{
+    setenv("TZ", "UTC", 1);
+    tzset();
+    EXPECT_EQ(TsequenceReport::dateText(1804143302), "March 04 2027 - 06:55:02");
+}

@@ -1,0 +1,97 @@
+// The autosequence printout on a PDF file, read back with pdftotext -layout: the
+// heading, the titles, the port and baud lines, and the numbered rows in order.
+#include "ProgramRun.h"
+#include "TempDir.h"
+#include "TinstListingPrinter.h"
+#include "TsequencePrinter.h"
+#include <QPrinter>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+const std::string Indent = "    "; // the 200-unit margin at 6 points a column
+
+std::string rstrip(std::string text)
+{
+    text.erase(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+TsequenceReport report(int rows)
+{
+    TsequenceReport r;
+    r.date = "March 04 2027 - 09:15:02";
+    r.title1 = "EARTH BOND";
+    r.title2 = "CLASS I";
+    r.port = 3;
+    r.baudRate = 9600;
+    for (int n = 1; n <= rows; ++n)
+        r.rows.push_back({n % 2 ? "Electrical" : "Visual", n % 2 ? "M - Measure" : "P - Pass/Fail",
+                          "Step " + std::to_string(n) + "\xBB" "0.1"});
+    return r;
+}
+
+class SequencePrinterTest : public ::testing::Test {
+protected:
+    // The pages of the printed PDF, blank lines and trailing blanks dropped.
+    std::vector<std::vector<std::string>> printPages(const std::vector<TsequenceReport> &reports)
+    {
+        const std::string pdf = (temp / "sequence.pdf").string();
+        QPrinter printer(QPrinter::HighResolution);
+        TinstListingPrinter::preparePdf(printer, QString::fromStdString(pdf));
+        EXPECT_TRUE(TsequencePrinter::print(printer, reports));
+        ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf, "-"}, temp.path());
+        EXPECT_EQ(text.exitCode, 0) << text.err;
+        std::vector<std::vector<std::string>> pages(1);
+        std::istringstream in(text.out.substr(0, text.out.rfind('\f')));
+        for (std::string line; std::getline(in, line);) {
+            for (std::size_t feed; (feed = line.find('\f')) != std::string::npos; line.erase(0, feed + 1))
+                pages.emplace_back();
+            if (!rstrip(line).empty())
+                pages.back().push_back(rstrip(line));
+        }
+        return pages;
+    }
+    TempDir temp;
+};
+}
+
+TEST_F(SequencePrinterTest, OneItemSequenceHasTheHeadingSettingLinesAndOneNumberedRow)
+{
+    auto pages = printPages({report(1)});
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_EQ(pages[0], (std::vector<std::string>{
+                            Indent + "March 04 2027 - 09:15:02",
+                            Indent + "KT930 Plus Safety Analyzer",
+                            Indent + "Autosequences",
+                            Indent + "AutoSequence EARTH BOND - CLASS I",
+                            Indent + "Port: 3",
+                            Indent + "Baud Rate: 9600 Baud",
+                            Indent + "No.  Category    Op Code      Command",
+                            Indent + "1.   Electrical  M - Measure  Step 1\u00BB0.1",
+                        }));
+}
+
+TEST_F(SequencePrinterTest, FullSequenceNumbersAll24RowsInOrderOnOnePage)
+{
+    auto pages = printPages({report(24)});
+    ASSERT_EQ(pages.size(), 1u);
+    ASSERT_EQ(pages[0].size(), 7u + 24u);
+    EXPECT_EQ(pages[0][6], Indent + "No.  Category    Op Code        Command");
+    for (int n = 1; n <= 24; ++n) {
+        const std::string number = std::to_string(n) + ".";
+        const std::string cells = n % 2 ? "Electrical  M - Measure    " : "Visual      P - Pass/Fail  ";
+        EXPECT_EQ(pages[0][std::size_t(6 + n)],
+                  Indent + number + std::string(5 - number.size(), ' ') + cells + "Step " + std::to_string(n)
+                      + "\u00BB0.1");
+    }
+}
+
+TEST_F(SequencePrinterTest, NothingToPrintOrNoPrinterIsAFailure)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "none.pdf").string()));
+    EXPECT_FALSE(TsequencePrinter::print(printer, {}));
+    TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "absent/x.pdf").string()));
+    EXPECT_FALSE(TsequencePrinter::print(printer, {report(1)}));
+}

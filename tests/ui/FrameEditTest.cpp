@@ -1,0 +1,183 @@
+// The frame's edit paths into the sequence editor: which autosequence is edited,
+// that the lists show the result, and which files are written afterwards.
+#include "AutoSequenceEditorFrame.h"
+#include "RecordingMessageSink.h"
+#include "TdataSet.h"
+#include "UiTestSupport.h"
+#include <QApplication>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
+#include <QTreeWidget>
+#include <gtest/gtest.h>
+
+namespace {
+const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
+                                     "usertester3.asq", "usertester4.asq", "usertester5.asq"};
+
+struct FrameEditFixture : ::testing::Test, FrameHost {
+    RecordingMessageSink sink;
+    std::unique_ptr<TAutoSeqEditFrame> frame;
+
+    FrameEditFixture()
+    {
+        for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
+            if (entry.path().extension() == ".in")
+                std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+        appDir.writeData("catdes.dat", "A, Visual\n");
+        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(),
+                                     sequence("INSULATION", "", {1, 1})},
+                                    {"WARD A", "WARD B", "WARD C", "WARD D", "WARD E"});
+        frame = std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
+        frame->resize(792, 546);
+        frame->show();
+        // Gone until a save writes them again.
+        for (const std::string &file : Files)
+            std::filesystem::remove(appDir.data(file));
+    }
+    template <class T = QWidget> T *get(const char *name) { return frame->findChild<T *>(QString::fromLatin1(name)); }
+    std::vector<std::string> writtenFiles() const
+    {
+        std::vector<std::string> written;
+        for (const std::string &file : Files)
+            if (std::filesystem::exists(appDir.data(file)))
+                written.push_back(file);
+        return written;
+    }
+    // Each file as the data set in memory must be written.
+    void expectFilesHoldTheDataSet()
+    {
+        TdataSet &data = frame->dataSet();
+        EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), mitBytes(data.checkitems.slots()));
+        EXPECT_EQ(TempDir::read(appDir.data("inspection.asq")), asqBytes("Physical Inspections", "", data.inspections));
+        for (std::size_t i = 0; i < 5; ++i)
+            EXPECT_EQ(TempDir::read(appDir.data("usertester" + std::to_string(i + 1) + ".asq")),
+                      asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
+    }
+    // In the editor: shows title 1, adds checkitem 1 and names title 2, then OK.
+    void addAndConfirm(QString *shownTitle)
+    {
+        whenModal([shownTitle](QWidget *editor) {
+            *shownTitle = editor->findChild<QLineEdit *>("title1txt")->text();
+            editor->findChild<QTableWidget *>("instList")->setCurrentCell(0, 0);
+            editor->findChild<QPushButton *>("btnAdd")->click();
+            editor->findChild<QLineEdit *>("title2txt")->setText("edited");
+            editor->findChild<QPushButton *>("btnOk")->click();
+        });
+    }
+    QTreeWidget *testerTree()
+    {
+        get<QTabWidget>("PageControl1")->setCurrentIndex(1);
+        QApplication::processEvents();
+        return get<QTreeWidget>("LstUTS");
+    }
+};
+} // namespace
+
+TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
+{
+    get<QListWidget>("lstIP")->setCurrentRow(2);
+    QString shown;
+    addAndConfirm(&shown);
+    get<QPushButton>("BtnIPEdit")->click();
+    EXPECT_EQ(shown, "INSULATION");
+    const Tautosequence &edited = frame->dataSet().inspections[2];
+    EXPECT_EQ(std::vector<std::uint16_t>(edited.items, edited.items + 4), (std::vector<std::uint16_t>{1, 1, 1, 0}));
+    EXPECT_EQ(Tautosequence::titleText(edited.title2), "EDITED            ");
+    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "<unused>", "INSULATION - EDITED"}));
+    EXPECT_EQ(get<QListWidget>("lstIP")->currentRow(), 2);
+    EXPECT_EQ(writtenFiles(), Files);
+    expectFilesHoldTheDataSet();
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItWithoutSaving)
+{
+    auto *list = get<QListWidget>("lstIP");
+    const QPoint at = list->visualItemRect(list->item(1)).center();
+    QString shown;
+    addAndConfirm(&shown);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    EXPECT_EQ(shown, "(UNUSED)");
+    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
+    EXPECT_EQ(listTexts(frame.get())[1], "(UNUSED) - EDITED");
+    EXPECT_TRUE(writtenFiles().empty());
+}
+
+TEST_F(FrameEditFixture, NoSelectionOpensNothingAndTheButtonStillSaves)
+{
+    get<QPushButton>("BtnIPEdit")->click(); // a modal editor here would hang the test
+    EXPECT_EQ(writtenFiles(), Files);
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(FrameEditFixture, TheEditorsSaveOperationWritesTheAutosequencesButNotTheCheckitems)
+{
+    std::vector<std::string> writtenWhileOpen;
+    whenModal([&](QWidget *editor) {
+        whenModal([&](QWidget *dbEditor) {
+            writtenWhileOpen = writtenFiles();
+            QTest::keyClick(dbEditor, Qt::Key_Escape);
+        });
+        editor->findChild<QPushButton *>("btnEditInst")->click();
+        QTest::keyClick(editor, Qt::Key_Escape);
+    });
+    auto *list = get<QListWidget>("lstIP");
+    const QPoint at = list->visualItemRect(list->item(0)).center();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    const std::vector<std::string> autosequenceFiles(Files.begin() + 1, Files.end());
+    EXPECT_EQ(writtenWhileOpen, autosequenceFiles);
+    EXPECT_EQ(writtenFiles(), autosequenceFiles);
+}
+
+TEST_F(FrameEditFixture, DoubleClickOnATesterSequenceEditsThatSequenceWithoutSaving)
+{
+    QTreeWidget *tree = testerTree();
+    QTreeWidgetItem *node = tree->topLevelItem(3)->child(0);
+    tree->expandItem(tree->topLevelItem(3));
+    QApplication::processEvents();
+    const QRect row = tree->visualItemRect(node);
+    const QPoint at(row.left() + 4, row.center().y());
+    QString shown;
+    addAndConfirm(&shown);
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, at);
+    QApplication::processEvents();
+    EXPECT_EQ(shown, "LEAKAGE");
+    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
+    EXPECT_EQ(frame->dataSet().userTesters[2].sequences[0].items[1], 0);
+    EXPECT_EQ(node->text(0), "1. LEAKAGE - EDITED");
+    EXPECT_TRUE(writtenFiles().empty());
+}
+
+TEST_F(FrameEditFixture, EditSequenceOnATesterSequenceEditsItAndSavesAllThree)
+{
+    QTreeWidget *tree = testerTree();
+    QTreeWidgetItem *node = tree->topLevelItem(4)->child(5);
+    tree->setCurrentItem(node);
+    QString shown;
+    addAndConfirm(&shown);
+    get<QPushButton>("BtnUTSEdit")->click();
+    EXPECT_EQ(shown, "(UNUSED)");
+    EXPECT_EQ(frame->dataSet().userTesters[4].sequences[5].items[0], 1);
+    EXPECT_EQ(node->text(0), "6. (UNUSED) - EDITED");
+    EXPECT_EQ(writtenFiles(), Files);
+    expectFilesHoldTheDataSet();
+}
+
+TEST_F(FrameEditFixture, MissingDefinitionFilesStopTheEditorWithItsMessage)
+{
+    for (const auto &entry : std::filesystem::directory_iterator(appDir.data("")))
+        if (entry.path().extension() == ".in")
+            std::filesystem::remove(entry.path());
+    get<QListWidget>("lstIP")->setCurrentRow(0);
+    get<QPushButton>("BtnIPEdit")->click();
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0].caption, "ERROR!");
+    EXPECT_NE(sink.messages[0].text.find("Instruction List Files"), std::string::npos);
+    EXPECT_EQ(writtenFiles(), Files);
+}

@@ -1,0 +1,512 @@
+// The sequence editor driven through its controls: what it shows on opening, the
+// setting word after every port and baud choice, the item list after every add,
+// remove, clear and move, the sort clicks, the filter dialog, the checkitem
+// database editor, OK and closing without OK, and its messages.
+#include "ProgramRun.h"
+#include "RecordingMessageSink.h"
+#include "TInstrDatabase.h"
+#include "TinstGridHeader.h"
+#include "UiTestSupport.h"
+#include "autoSequenceEditForm.h"
+#include <QComboBox>
+#include <QPrinter>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
+#include <QToolButton>
+#include <array>
+#include <gtest/gtest.h>
+
+namespace {
+using Items = std::array<std::uint16_t, 24>;
+constexpr std::uint16_t U = 0xFFFF;
+
+Items itemsOf(const Tautosequence &s)
+{
+    Items items;
+    std::copy(std::begin(s.items), std::end(s.items), items.begin());
+    return items;
+}
+
+// Items given, then 0 and 0xFFFF, as the editor keeps a list.
+Items list(std::initializer_list<std::uint16_t> values)
+{
+    Items items;
+    items.fill(U);
+    std::copy(values.begin(), values.end(), items.begin());
+    if (values.size() < items.size())
+        items[values.size()] = 0;
+    return items;
+}
+
+Items full() // checkitems 1, 2, 3, 5 repeated to 24 positions
+{
+    Items items;
+    for (std::size_t i = 0; i < items.size(); ++i)
+        items[i] = std::array<std::uint16_t, 4>{1, 2, 3, 5}[i % 4];
+    return items;
+}
+
+void setItems(Tautosequence &s, const Items &items)
+{
+    std::copy(items.begin(), items.end(), s.items);
+}
+
+// Prints to a PDF file where the user would have picked a printer.
+class PdfSequenceEditor : public TsequenceEditor {
+public:
+    using TsequenceEditor::TsequenceEditor;
+    std::filesystem::path pdf;
+    int printerDialogs = 0;
+
+protected:
+    bool choosePrinter(QPrinter &printer) override
+    {
+        ++printerDialogs;
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(QString::fromStdString(pdf.string()));
+        return true;
+    }
+};
+
+struct SequenceEditorFixture : ::testing::Test {
+    AppDirScope appDir;
+    RecordingMessageSink sink;
+    TInstrDatabase db;
+    Tautosequence seq = sequence("EARTH BOND", "class i", {2, 1});
+    int saves = 0;
+    std::unique_ptr<TsequenceEditor> editor;
+
+    SequenceEditorFixture()
+    {
+        for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
+            if (entry.path().extension() == ".in")
+                std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+        appDir.writeData("catdes.dat", "A, Visual\nB, Electrical\nC, Timing\n");
+        db[0].assign('B', 'M', "Earth bond\t0.10");
+        db[1].assign('A', 'P', "Visual check");
+        db[2].assign(' ', 'K', "Press OK");
+        db[3].assign('A', 'A', "PHY\t3"); // an autosequence call: never offered here
+        db[4].assign('C', 'D', "Wait\t5");
+    }
+
+    TsequenceEditor &open()
+    {
+        editor = std::make_unique<PdfSequenceEditor>(nullptr, nullptr, &db, seq, [this] { ++saves; }, false, &sink);
+        editor->show();
+        return *editor;
+    }
+    template <class T = QWidget> T *get(const char *name)
+    {
+        T *w = editor->findChild<T *>(QString::fromLatin1(name));
+        EXPECT_NE(w, nullptr) << name;
+        return w;
+    }
+    void click(const char *name) { get<QAbstractButton>(name)->click(); }
+    QStringList column(const char *grid, int c)
+    {
+        QStringList texts;
+        auto *table = get<QTableWidget>(grid);
+        for (int r = 0; r < table->rowCount(); ++r)
+            texts << (table->item(r, c) ? table->item(r, c)->text() : QString());
+        return texts;
+    }
+    QStringList header(const char *grid)
+    {
+        QStringList texts;
+        auto *table = get<QTableWidget>(grid);
+        for (int c = 0; c < table->columnCount(); ++c)
+            texts << table->horizontalHeaderItem(c)->text();
+        return texts;
+    }
+    void select(const char *grid, int row) { get<QTableWidget>(grid)->setCurrentCell(row, 0); }
+    int selected(const char *grid) { return get<QTableWidget>(grid)->currentRow(); }
+    // A user's pick in a drop-down list: keys, so the list reports it as the user's.
+    void choose(const char *name, int index)
+    {
+        auto *combo = get<QComboBox>(name);
+        while (combo->currentIndex() < index)
+            QTest::keyClick(combo, Qt::Key_Down);
+        while (combo->currentIndex() > index)
+            QTest::keyClick(combo, Qt::Key_Up);
+        ASSERT_EQ(combo->currentIndex(), index);
+    }
+    void pressHeader(int column)
+    {
+        auto *head = get<QTableWidget>("instList")->horizontalHeader();
+        // The middle of the section: near its edges a press resizes.
+        const QPoint at(head->sectionViewportPosition(column) + head->sectionSize(column) / 2, head->height() / 2);
+        QTest::mousePress(head->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseRelease(head->viewport(), Qt::LeftButton, {}, at);
+    }
+};
+} // namespace
+
+// ---- opening
+
+TEST_F(SequenceEditorFixture, OpeningShowsTrimmedTitlesAndBothGridsWithNamesAndWithoutCalls)
+{
+    open();
+    EXPECT_EQ(editor->windowTitle(), "Inspection + User Tester Editor");
+    EXPECT_TRUE(editor->usable());
+    EXPECT_EQ(get<QLineEdit>("title1txt")->text(), "EARTH BOND");
+    EXPECT_EQ(get<QLineEdit>("title2txt")->text(), "class i");
+    EXPECT_EQ(get<QLineEdit>("title1txt")->maxLength(), 18);
+    const QStringList captions{"No.", "Category", "Op Code", "Command"};
+    EXPECT_EQ(header("instList"), captions);
+    EXPECT_EQ(header("asList"), captions);
+    EXPECT_EQ(column("instList", 0), QStringList({"1", "2", "3", "5"}));
+    EXPECT_EQ(column("instList", 1), QStringList({"Electrical", "Visual", "", "Timing"}));
+    EXPECT_EQ(column("instList", 2), QStringList({"M - Measure", "P - Pass/Fail", "K - OK Prompt", "D - Delay"}));
+    EXPECT_EQ(column("instList", 3).first(), QString::fromUtf8("Earth bond»0.10"));
+    EXPECT_EQ(column("asList", 0), QStringList({"2", "1"}));
+    EXPECT_EQ(column("asList", 2), QStringList({"P - Pass/Fail", "M - Measure"}));
+    EXPECT_EQ(get<QTableWidget>("instList")->selectionBehavior(), QAbstractItemView::SelectRows);
+    auto *head = static_cast<TinstGridHeader *>(get<QTableWidget>("instList")->horizontalHeader());
+    EXPECT_EQ(head->sortColumn(), 0);
+    EXPECT_EQ(head->sortPicture().toImage(), QPixmap(":/instEdit/PIC_SORT_UP").toImage());
+    EXPECT_EQ(get<QToolButton>("btnTop")->toolTip(), "Move Checkitem To The Top Of The List");
+    EXPECT_EQ(get<QToolButton>("btnBottom")->toolTip(), "Move Checkitem To The Bottom Of The List");
+    EXPECT_TRUE(sink.messages.empty());
+}
+
+TEST_F(SequenceEditorFixture, MissingDefinitionFilesGiveTheMessageAndNoEditor)
+{
+    for (const auto &entry : std::filesystem::directory_iterator(appDir.data("")))
+        if (entry.path().extension() == ".in")
+            std::filesystem::remove(entry.path());
+    TsequenceEditor unusable(nullptr, nullptr, &db, seq, {}, false, &sink);
+    EXPECT_FALSE(unusable.usable());
+    const std::vector<Message> expected{
+        {"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
+                   "If this problem persists, contact your software vendor."}};
+    EXPECT_EQ(sink.messages, expected);
+}
+
+TEST_F(SequenceEditorFixture, MissingDescriptorsGiveTheMessageAndBareLetters)
+{
+    std::filesystem::remove(appDir.data("catdes.dat"));
+    open();
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0].caption, "ERROR");
+    EXPECT_EQ(sink.messages[0].text, CategoryDescriptors::loadErrorText());
+    EXPECT_TRUE(editor->usable());
+    EXPECT_EQ(column("instList", 1), QStringList({"B", "A", "", "C"}));
+}
+
+// ---- port, baud rate and the setting word
+
+TEST_F(SequenceEditorFixture, SettingWordIsWrittenAfterEveryPortAndBaudChoice)
+{
+    open();
+    EXPECT_EQ(get<QComboBox>("testerPortlst")->currentText(), "Port Unused");
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentIndex(), -1);
+    choose("testerPortlst", 3);
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentText(), "2400 baud");
+    EXPECT_EQ(seq.setting, 3);
+    choose("baudRatelst", 1);
+    EXPECT_EQ(seq.setting, 0x0B);
+    choose("testerPortlst", 6);
+    EXPECT_EQ(seq.setting, 14);
+    choose("baudRatelst", 3);
+    EXPECT_EQ(seq.setting, 30);
+    choose("testerPortlst", 0);
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentIndex(), -1);
+    EXPECT_EQ(seq.setting, 0);
+    choose("baudRatelst", 2); // no port: the baud rate is not kept
+    EXPECT_EQ(seq.setting, 0);
+}
+
+TEST_F(SequenceEditorFixture, StoredWordsShowTheirEntriesAnInvalidOneIsReset)
+{
+    seq.setting = 0x13; // port 3, 9600 baud
+    open();
+    EXPECT_EQ(get<QComboBox>("testerPortlst")->currentText(), "3");
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentText(), "9600 baud");
+
+    seq.setting = 0x3F;
+    open();
+    EXPECT_EQ(seq.setting, 0);
+    EXPECT_EQ(get<QComboBox>("testerPortlst")->currentText(), "Port Unused");
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentIndex(), -1);
+
+    seq.setting = 7; // a port the list does not have
+    open();
+    EXPECT_EQ(get<QComboBox>("testerPortlst")->currentIndex(), -1);
+    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentText(), "2400 baud");
+    click("btnOk");
+    EXPECT_EQ(seq.setting, 7);
+}
+
+// ---- add, remove, clear
+
+TEST_F(SequenceEditorFixture, AddPutsTheSelectedCheckitemAtTheEndUntilTheSequenceIsFull)
+{
+    open();
+    select("instList", 3); // checkitem 5
+    click("btnAdd");
+    EXPECT_EQ(itemsOf(seq), list({2, 1, 5}));
+    EXPECT_EQ(column("asList", 0), QStringList({"2", "1", "5"}));
+    for (int i = 3; i < 24; ++i)
+        click("btnAdd");
+    Items expected = list({2, 1});
+    std::fill(expected.begin() + 2, expected.end(), 5);
+    EXPECT_EQ(itemsOf(seq), expected);
+    EXPECT_TRUE(sink.messages.empty());
+
+    click("btnAdd");
+    const std::vector<Message> fullBox{{"Autosequence Full",
+                                        "The selected checkitem cannot be added because\nthe autosequence is full.",
+                                        MsgIcon::Exclamation}};
+    EXPECT_EQ(sink.messages, fullBox);
+    EXPECT_EQ(itemsOf(seq), expected);
+}
+
+TEST_F(SequenceEditorFixture, RemoveShiftsUpAndMendsTheLastPosition)
+{
+    seq = sequence("A", "B", {1, 2, 3, 5});
+    open();
+    select("asList", 1);
+    click("btnRemove");
+    EXPECT_EQ(itemsOf(seq), list({1, 3, 5}));
+    EXPECT_EQ(selected("asList"), 0);
+    select("asList", 0);
+    click("btnRemove");
+    EXPECT_EQ(itemsOf(seq), list({3, 5}));
+    EXPECT_EQ(selected("asList"), 0);
+}
+
+TEST_F(SequenceEditorFixture, RemovingFromAFullSequenceEndsItWithZero)
+{
+    setItems(seq, full());
+    open();
+    select("asList", 10);
+    click("btnRemove");
+    Items expected = full();
+    std::copy(expected.begin() + 11, expected.end(), expected.begin() + 10);
+    expected[23] = 0;
+    EXPECT_EQ(itemsOf(seq), expected);
+    EXPECT_EQ(selected("asList"), 9);
+}
+
+TEST_F(SequenceEditorFixture, RemovingTheOnlyItemAndClearingLeaveAnEmptyList)
+{
+    seq = sequence("A", "B", {5});
+    open();
+    click("btnRemove");
+    EXPECT_EQ(itemsOf(seq), list({}));
+    click("btnRemove"); // nothing left to remove
+    EXPECT_EQ(itemsOf(seq), list({}));
+
+    setItems(seq, full());
+    open();
+    click("btnClear");
+    EXPECT_EQ(itemsOf(seq), list({}));
+    EXPECT_TRUE(column("asList", 0).isEmpty());
+}
+
+// ---- moves
+
+TEST_F(SequenceEditorFixture, MovesAtTheEdgesDoNothingElsewhereTheSelectionFollows)
+{
+    seq = sequence("A", "B", {1, 2, 3, 5});
+    open();
+    select("asList", 0);
+    click("btnTop");
+    click("btnUp");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3, 5}));
+    select("asList", 3);
+    click("btnDown");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3, 5}));
+
+    click("btnUp");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 5, 3}));
+    EXPECT_EQ(selected("asList"), 2);
+    click("btnTop");
+    EXPECT_EQ(itemsOf(seq), list({5, 1, 2, 3}));
+    EXPECT_EQ(selected("asList"), 0);
+    click("btnDown");
+    EXPECT_EQ(itemsOf(seq), list({1, 5, 2, 3}));
+    EXPECT_EQ(selected("asList"), 1);
+    click("btnBottom");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3, 5}));
+    EXPECT_EQ(selected("asList"), 3);
+    click("btnBottom"); // already last
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3, 5}));
+}
+
+TEST_F(SequenceEditorFixture, BottomInAFullSequenceGoesToPosition24AndOneItemDoesNotMove)
+{
+    setItems(seq, full());
+    open();
+    select("asList", 0);
+    click("btnBottom");
+    Items expected = full();
+    std::rotate(expected.begin(), expected.begin() + 1, expected.end());
+    EXPECT_EQ(itemsOf(seq), expected);
+    EXPECT_EQ(selected("asList"), 23);
+
+    seq = sequence("A", "B", {5});
+    open();
+    for (const char *button : {"btnTop", "btnUp", "btnDown", "btnBottom"})
+        click(button);
+    EXPECT_EQ(itemsOf(seq), list({5}));
+}
+
+// ---- sorting and filtering
+
+TEST_F(SequenceEditorFixture, HeaderPressesToggleTheSortModeAndReorderTheList)
+{
+    open();
+    auto *head = static_cast<TinstGridHeader *>(get<QTableWidget>("instList")->horizontalHeader());
+    const QImage up = QPixmap(":/instEdit/PIC_SORT_UP").toImage();
+    const QImage down = QPixmap(":/instEdit/PIC_SORT_DOWN").toImage();
+    struct Step {
+        int column, mode;
+        QStringList numbers;
+        int pictureColumn;
+        bool ascending;
+    };
+    const std::vector<Step> steps{
+        {0, 2, {"5", "3", "2", "1"}, 0, false}, {0, 1, {"1", "2", "3", "5"}, 0, true},
+        {0, 2, {"5", "3", "2", "1"}, 0, false}, {1, 3, {"3", "1", "5", "2"}, 1, true},
+        {1, 4, {"2", "5", "1", "3"}, 1, false}, {2, 5, {"5", "3", "1", "2"}, 2, true},
+        {2, 6, {"2", "1", "3", "5"}, 2, false}, {3, 6, {"2", "1", "3", "5"}, 2, false},
+        {1, 3, {"3", "1", "5", "2"}, 1, true},  {0, 1, {"1", "2", "3", "5"}, 0, true},
+    };
+    for (const Step &step : steps) {
+        select("instList", 2);
+        pressHeader(step.column);
+        SCOPED_TRACE(step.mode);
+        EXPECT_EQ(editor->sortMode(), step.mode);
+        EXPECT_EQ(column("instList", 0), step.numbers);
+        EXPECT_EQ(selected("instList"), 0);
+        EXPECT_EQ(head->sortColumn(), step.pictureColumn);
+        EXPECT_EQ(head->sortPicture().toImage(), step.ascending ? up : down);
+    }
+}
+
+TEST_F(SequenceEditorFixture, FilterOkShowsTheChosenCategoryCancelLeavesTheListUntilTheNextSort)
+{
+    open();
+    whenModal([](QWidget *dialog) {
+        auto *categories = dialog->findChild<QComboBox *>("lstBasicCat");
+        categories->setCurrentIndex(categories->findText("Electrical"));
+        dialog->findChild<QPushButton *>("btnOk")->click();
+    });
+    click("btnFilter");
+    EXPECT_EQ(column("instList", 0), QStringList({"1"}));
+
+    whenModal([](QWidget *dialog) {
+        auto *categories = dialog->findChild<QComboBox *>("lstBasicCat");
+        categories->setCurrentIndex(categories->findText("Timing"));
+        dialog->findChild<QPushButton *>("btnCancel")->click();
+    });
+    click("btnFilter");
+    EXPECT_EQ(column("instList", 0), QStringList({"1"}));
+    pressHeader(0); // the dialog wrote its choice into the filter all the same
+    EXPECT_EQ(column("instList", 0), QStringList({"5"}));
+    select("instList", 0);
+    click("btnAdd");
+    EXPECT_EQ(itemsOf(seq), list({2, 1, 5}));
+}
+
+// ---- the checkitem database editor
+
+TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenRefreshesNamesAndBothGrids)
+{
+    open();
+    int savesBefore = -1;
+    whenModal([&](QWidget *dbEditor) {
+        savesBefore = saves;
+        EXPECT_EQ(dbEditor->objectName(), "instructionEditorForm");
+        db[1].assign('C', 'P', "Visual check, covers");
+        db[6].assign('B', 'K', "New step");
+        appDir.writeData("catdes.dat", "A, Visual\nB, Electrical\nC, Timers\n");
+        QTest::keyClick(dbEditor, Qt::Key_Escape);
+    });
+    click("btnEditInst");
+    EXPECT_EQ(savesBefore, 1);
+    EXPECT_EQ(column("instList", 0), QStringList({"1", "2", "3", "5", "7"}));
+    EXPECT_EQ(column("instList", 1), QStringList({"Electrical", "Timers", "", "Timers", "Electrical"}));
+    EXPECT_EQ(column("asList", 1), QStringList({"Timers", "Electrical"}));
+    EXPECT_EQ(column("asList", 3).first(), "Visual check, covers");
+}
+
+// ---- OK and closing
+
+TEST_F(SequenceEditorFixture, OkUppercasesAndPadsTitlesButKeepsTitle1ForUnused)
+{
+    seq.setting = 0x0B;
+    open();
+    get<QLineEdit>("title1txt")->setText("abc");
+    get<QLineEdit>("title2txt")->setText("ward 3");
+    click("btnOk");
+    EXPECT_EQ(editor->result(), QDialog::Accepted);
+    EXPECT_EQ(std::string(seq.title1, 19), std::string("ABC") + std::string(15, ' ') + '\0');
+    EXPECT_EQ(std::string(seq.title2, 19), std::string("WARD 3") + std::string(12, ' ') + '\0');
+    EXPECT_EQ(seq.setting, 0x0B);
+
+    seq.makeUnused();
+    open();
+    EXPECT_EQ(get<QLineEdit>("title1txt")->text(), "(UNUSED)");
+    get<QLineEdit>("title1txt")->setText("(unused)");
+    click("btnOk");
+    EXPECT_TRUE(seq.isUnused());
+}
+
+TEST_F(SequenceEditorFixture, ClosingWithoutOkKeepsItemsAndSettingButNotTitles)
+{
+    open();
+    get<QLineEdit>("title1txt")->setText("changed");
+    choose("testerPortlst", 2);
+    select("instList", 0);
+    click("btnAdd");
+    editor->reject();
+    EXPECT_EQ(editor->result(), QDialog::Rejected);
+    EXPECT_EQ(Tautosequence::titleText(seq.title1), "EARTH BOND        ");
+    EXPECT_EQ(itemsOf(seq), list({2, 1, 1}));
+    EXPECT_EQ(seq.setting, 2);
+    EXPECT_EQ(saves, 0);
+}
+
+// ---- print
+
+TEST_F(SequenceEditorFixture, PrintWritesTheSequencesPageWithItsNames)
+{
+    seq.setting = 0x0B;
+    auto &printing = static_cast<PdfSequenceEditor &>(open());
+    printing.pdf = appDir.dir().path() / "printed.pdf";
+    get<QLineEdit>("title1txt")->setText("mains lead"); // printed as OK would store it, yet not stored
+    click("btnPrint");
+    EXPECT_EQ(Tautosequence::titleText(seq.title1), "EARTH BOND        ");
+    EXPECT_TRUE(sink.messages.empty());
+    ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", printing.pdf.string(), "-"},
+                                          appDir.dir().path());
+    ASSERT_EQ(text.exitCode, 0) << text.err;
+    // The page's own margins come on top of the layout's: lines are looked for, not columns.
+    for (const char *line : {" AutoSequence MAINS LEAD - CLASS I\n", " Port: 3\n", " Baud Rate: 4800 Baud\n",
+                             " 1.   Visual      P - Pass/Fail  Visual check\n",
+                             " 2.   Electrical  M - Measure    Earth bond\u00BB0.10\n"})
+        EXPECT_NE(text.out.find(line), std::string::npos) << line << text.out;
+}
+
+TEST_F(SequenceEditorFixture, AnUnusedSequenceIsNotPrintedAFailedPrintIsReported)
+{
+    seq.makeUnused();
+    auto &printing = static_cast<PdfSequenceEditor &>(open());
+    click("btnPrint");
+    const Message empty{"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.",
+                        MsgIcon::Information};
+    EXPECT_EQ(sink.messages, std::vector<Message>{empty});
+    EXPECT_EQ(printing.printerDialogs, 0);
+
+    seq = sequence("A", "B", {1});
+    auto &failing = static_cast<PdfSequenceEditor &>(open());
+    failing.pdf = appDir.dir().path() / "absent" / "printed.pdf";
+    click("btnPrint");
+    const Message error{"Printing Error", "An error occurred while printing.\nPrint operation aborted."};
+    EXPECT_EQ(sink.messages, (std::vector<Message>{empty, error}));
+}
