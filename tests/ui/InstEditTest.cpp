@@ -331,7 +331,10 @@ TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDe
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"2", "3", "5"}));
     std::filesystem::remove(appDir.data("inspection.asq"));
     for (int left = 3; left > 0; --left) {
-        whenModal([](QWidget *dialog) { click(dialog, "btnNo"); }); // without .asq files it goes anyway
+        whenModal([](QWidget *dialog) { // without .asq files it goes anyway
+            EXPECT_EQ(get<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText(), "No Autosequences Found!");
+            click(dialog, "btnNo");
+        });
         click(editor.get(), "btnDelete");
     }
     EXPECT_EQ(column(editor.get(), 0), QStringList{""});
