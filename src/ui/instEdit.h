@@ -8,6 +8,7 @@
 #include "TinstStruct.h"
 #include <QDialog>
 #include <QPixmap>
+#include <QPointer>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -21,6 +22,7 @@ class MessageSink;
 class QFileDialog;
 class QPrinter;
 class TInstrDatabase;
+class THelpWindow;
 class TInstrPanel;
 class TinstGridHeader;
 struct TInstr;
@@ -140,4 +142,5 @@ private:
 
     TinstGridHeader *m_header = nullptr;
     QFileDialog *instTableOpenDlg = nullptr;
+    QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

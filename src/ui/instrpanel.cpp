@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QLineEdit>
+#include <QValidator>
 #include <algorithm>
 #include <charconv>
 
@@ -56,6 +57,14 @@ std::string shortest(double value)
 }
 
 // Digits with at most one '.', and one '-' only in front.
+// Only "a" to "z" are raised, as the key filter does.
+std::string upperCased(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+    return text;
+}
+
 bool isDecimalText(const std::string &text)
 {
     bool point = false;
@@ -72,6 +81,30 @@ bool isDecimalText(const std::string &text)
     }
     return true;
 }
+
+// Text that reaches a box without a key press (pasted, dropped) obeys the key filter's rules.
+class TfieldValidator : public QValidator {
+public:
+    TfieldValidator(int tag, QObject *parent) : QValidator(parent), m_tag(tag) {}
+    State validate(QString &input, int &) const override
+    {
+        const std::string text = TguiText::toBytes(input);
+        switch (m_tag) {
+        case TInstrPanel::WholeNumber:
+            return std::all_of(text.begin(), text.end(), isDigit) ? Acceptable : Invalid;
+        case TInstrPanel::DecimalNumber:
+            return isDecimalText(text) ? Acceptable : Invalid;
+        case TInstrPanel::UpperCaseText:
+            input = TguiText::fromBytes(upperCased(text));
+            return Acceptable;
+        default:
+            return Acceptable;
+        }
+    }
+
+private:
+    int m_tag;
+};
 }
 
 TInstrPanel::TInstrPanel(QWidget *owner, const std::filesystem::path &fileName,
@@ -146,6 +179,7 @@ void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
         int row = int(m_boxes.size());
         addFieldRow(row, field.leftLabel, field.rightLabel);
         m_tags.push_back(field.typeTag);
+        m_boxes.back()->setValidator(new TfieldValidator(field.typeTag, m_boxes.back()));
         m_ranges.push_back(range);
     }
 }
@@ -248,8 +282,7 @@ void TInstrPanel::SetInstr(const _instructionStruct &record)
         value.erase(value.find_last_not_of(' ') + 1);
         switch (m_tags[k]) {
         case UpperCaseText:
-            std::transform(value.begin(), value.end(), value.begin(),
-                           [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
+            value = upperCased(value);
             break;
         case WholeNumber:
             if (!std::all_of(value.begin(), value.end(), isDigit))

@@ -36,15 +36,6 @@ QString line(const std::string &title1, const std::string &title2)
 }
 } // namespace
 
-TEST(DeleteCheckitem, WithoutAutosequenceFilesItSaysSoAndAllowsEvenAfterNo)
-{
-    AppDirScope app;
-    Answered answered = confirm(app, 7, "btnNo");
-    EXPECT_TRUE(answered.result);
-    EXPECT_EQ(answered.lines, QStringList{"No Autosequences Found!"});
-    EXPECT_TRUE(answered.focusOnNo);
-}
-
 TEST(DeleteCheckitem, ListsEachFileWithItsAffectedSequencesAndFollowsTheAnswer)
 {
     AppDirScope app;

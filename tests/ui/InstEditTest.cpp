@@ -222,7 +222,12 @@ TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
 {
     std::filesystem::remove(appDir.data("catdes.dat"));
     appDir.writeData("zz.in", "Z - Zap\nN 11\n\"Level\"\t\"\"\n"); // a field line the panel cannot read
-    EXPECT_EQ(items(open().get(), "lstCat").mid(0, 2), (QStringList{"A", "B"}));
+    {
+        // Bare letters, still one item per category: the first checkitem's "E" stands at "E".
+        auto editor = open();
+        EXPECT_EQ(items(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "A", "B"}));
+        EXPECT_EQ(get<QComboBox>(editor.get(), "lstCat")->currentText(), "E");
+    }
     EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nCheckitem Database Files Appear Corrupt!\nPlease "
                                                   "restart program.\nIf this problem persists, contact your software "
                                                   "vendor."},
@@ -326,7 +331,10 @@ TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDe
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"2", "3", "5"}));
     std::filesystem::remove(appDir.data("inspection.asq"));
     for (int left = 3; left > 0; --left) {
-        whenModal([](QWidget *dialog) { click(dialog, "btnNo"); }); // without .asq files it goes anyway
+        whenModal([](QWidget *dialog) { // without .asq files it goes anyway
+            EXPECT_EQ(get<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText(), "No Autosequences Found!");
+            click(dialog, "btnNo");
+        });
         click(editor.get(), "btnDelete");
     }
     EXPECT_EQ(column(editor.get(), 0), QStringList{""});
@@ -515,8 +523,9 @@ TEST_F(Editor, PrintsTheGridAsItStandsAndHelpOpensInAWindowOfTheEditor)
                                    "5 Functional checks C - Control AUX»1"))
         << listing.toStdString();
     click(editor.get(), "btnHelp");
+    click(editor.get(), "btnHelp"); // a second press brings the one window back
+    ASSERT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
     auto *help = editor->findChild<THelpWindow *>();
-    ASSERT_NE(help, nullptr);
     EXPECT_TRUE(help->isWindow() && help->isVisible() && help->topicLoaded());
     EXPECT_EQ(help->windowTitle(), "TestProcedureEditor Help");
 }

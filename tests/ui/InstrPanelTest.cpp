@@ -7,7 +7,9 @@
 #include "TempDir.h"
 #include "UiTestSupport.h"
 #include "instrpanel.h"
+#include <QClipboard>
 #include <QComboBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
@@ -223,6 +225,22 @@ TEST_F(InstrPanelTest, TextBoxesTakeAnyKeyAndUpperCaseBoxesRaiseIt)
     EXPECT_EQ(box(0)->text(), "AB-1.");
     QTest::keyClicks(box(1), "ab-1.");
     EXPECT_EQ(box(1)->text(), "ab-1.");
+}
+
+TEST_F(InstrPanelTest, PastedTextObeysTheSameRulesAsKeys)
+{
+    build("R - Remote\nN\n\"N\"\t\"\"\t\"N\"\n\"F\"\t\"\"\t\"F\"\n\"U\"\t\"\"\t\"U\"\n\"A\"\t\"\"\t\"A\"\n");
+    auto paste = [](QLineEdit *box, const QString &text) {
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+        return box->text();
+    };
+    EXPECT_EQ(paste(box(0), "1a2"), "");
+    EXPECT_EQ(paste(box(0), "12"), "12");
+    EXPECT_EQ(paste(box(1), "1.5.2"), "");
+    EXPECT_EQ(paste(box(1), "-1.5"), "-1.5");
+    EXPECT_EQ(paste(box(2), "ab"), "AB");
+    EXPECT_EQ(paste(box(3), "ab"), "ab");
 }
 
 // --- The "A" panel -------------------------------------------------------------------
