@@ -355,6 +355,25 @@ TEST_F(SequenceEditorFixture, BottomInAFullSequenceGoesToPosition24AndOneItemDoe
     EXPECT_EQ(itemsOf(seq), list({5}));
 }
 
+TEST_F(SequenceEditorFixture, ARowWithFocusButNoSelectionIsNotActedOn)
+{
+    seq = sequence("A", "B", {1, 2, 3});
+    open();
+    auto *sequenceGrid = get<QTableWidget>("asList");
+    select("asList", 0);
+    QTest::keyClick(sequenceGrid, Qt::Key_Space, Qt::ControlModifier); // deselects, keeps the focus
+    ASSERT_TRUE(sequenceGrid->selectedItems().isEmpty());
+    for (const char *button : {"btnBottom", "btnDown", "btnRemove"})
+        click(button);
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3}));
+
+    auto *checkitems = get<QTableWidget>("instList");
+    QTest::keyClick(checkitems, Qt::Key_Space, Qt::ControlModifier);
+    ASSERT_TRUE(checkitems->selectedItems().isEmpty());
+    click("btnAdd");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3}));
+}
+
 // ---- sorting and filtering
 
 TEST_F(SequenceEditorFixture, HeaderPressesToggleTheSortModeAndReorderTheList)
