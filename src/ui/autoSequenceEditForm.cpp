@@ -14,6 +14,7 @@
 #include "TsequencePrinter.h"
 #include "TsequenceReport.h"
 #include "Twindows1252.h"
+#include "Twindows1252Validator.h"
 #include "asEdFilterPopup.h"
 #include "instEdit.h"
 #include <QItemSelectionModel>
@@ -58,6 +59,8 @@ TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TIns
     setUpControls();
     ui->title1txt->setText(rightTrimmed(m_sequence.title1));
     ui->title2txt->setText(rightTrimmed(m_sequence.title2));
+    new Twindows1252Validator(ui->title1txt);
+    new Twindows1252Validator(ui->title2txt);
     if (!loadDefinitions())
         return;
     loadDescriptors();
