@@ -174,19 +174,6 @@ TEST_F(SequenceEditorFixture, OpeningShowsTrimmedTitlesAndBothGridsWithNamesAndW
     EXPECT_TRUE(sink.messages.empty());
 }
 
-TEST_F(SequenceEditorFixture, MissingDefinitionFilesGiveTheMessageAndNoEditor)
-{
-    for (const auto &entry : std::filesystem::directory_iterator(appDir.data("")))
-        if (entry.path().extension() == ".in")
-            std::filesystem::remove(entry.path());
-    TsequenceEditor unusable(nullptr, nullptr, &db, seq, {}, false, &sink);
-    EXPECT_FALSE(unusable.usable());
-    const std::vector<Message> expected{
-        {"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
-                   "If this problem persists, contact your software vendor."}};
-    EXPECT_EQ(sink.messages, expected);
-}
-
 TEST_F(SequenceEditorFixture, MissingDescriptorsGiveTheMessageAndBareLetters)
 {
     std::filesystem::remove(appDir.data("catdes.dat"));
