@@ -14,8 +14,10 @@
 #include "TsequencePrinter.h"
 #include "TsequenceReport.h"
 #include "Twindows1252.h"
+#include "Twindows1252Validator.h"
 #include "asEdFilterPopup.h"
 #include "instEdit.h"
+#include <QItemSelectionModel>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <algorithm>
@@ -57,6 +59,8 @@ TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TIns
     setUpControls();
     ui->title1txt->setText(rightTrimmed(m_sequence.title1));
     ui->title2txt->setText(rightTrimmed(m_sequence.title2));
+    new Twindows1252Validator(ui->title1txt);
+    new Twindows1252Validator(ui->title2txt);
     if (!loadDefinitions())
         return;
     loadDescriptors();
@@ -233,9 +237,17 @@ void TsequenceEditor::showSortPicture()
     m_header->setSortPicture((m_sortMode - 1) / 2, m_sortMode % 2 ? m_sortUp : m_sortDown);
 }
 
+// The selected row, -1 for none. The current row alone does not count: the user can
+// take the selection away from it and keep the focus there.
+static int selectedRow(const QTableWidget *grid)
+{
+    const QModelIndexList rows = grid->selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
 int TsequenceEditor::selectedSequenceRow() const
 {
-    const int row = ui->asList->currentRow();
+    const int row = selectedRow(ui->asList);
     return row >= 0 && row < m_sequence.itemCount() ? row : -1;
 }
 
@@ -264,8 +276,8 @@ void TsequenceEditor::instListMouseDown(int column)
 
 void TsequenceEditor::btnAddClick()
 {
-    const int row = ui->instList->currentRow();
-    if (row < 0 || m_displayList.empty())
+    const int row = selectedRow(ui->instList);
+    if (row < 0 || std::size_t(row) >= m_displayList.size())
         return;
     if (holdsCheckitem(m_sequence.items[LastPosition])) {
         m_sink.warning("Autosequence Full",

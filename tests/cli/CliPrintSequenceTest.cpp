@@ -73,12 +73,13 @@ protected:
 };
 }
 
-// The page itself is the printer's (tested there): here, which sequence, its names and the date.
-TEST_F(CliPrintSequenceTest, AnInspectionPrintsItsPage)
+// The page layout is the printer's (tested there): here, which sequences are printed,
+// their names, setting lines and dates, and the binder's order.
+TEST_F(CliPrintSequenceTest, EachChoicePrintsItsSequenceTheBinderEveryUsedOne)
 {
-    ProgramRun result = print({"--inspection", "1"});
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_EQ(result.out, "Printed 1 autosequence to " + pdf() + "\n");
+    ProgramRun one = print({"--inspection", "1"});
+    ASSERT_EQ(one.exitCode, 0) << one.err;
+    EXPECT_EQ(one.out, "Printed 1 autosequence to " + pdf() + "\n");
     auto printed = pages();
     ASSERT_EQ(printed.size(), 1u);
     ASSERT_EQ(printed[0].size(), 9u);
@@ -87,19 +88,15 @@ TEST_F(CliPrintSequenceTest, AnInspectionPrintsItsPage)
     EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
     EXPECT_EQ(printed[0][7], Indent + "1.   Electrical  M - Measure    EB\u00BB0.1");
     EXPECT_EQ(printed[0][8], Indent + "2.               P - Pass/Fail  Plug ok?");
-}
 
-TEST_F(CliPrintSequenceTest, ATesterSequenceAndTheBinderOfAllUsedOnes)
-{
-    ProgramRun one = print({"--tester", "2", "--sequence", "3"});
+    one = print({"--tester", "2", "--sequence", "3"});
     ASSERT_EQ(one.exitCode, 0) << one.err;
-    auto printed = pages();
+    printed = pages();
     ASSERT_EQ(printed.size(), 1u);
-    ASSERT_EQ(printed[0].size(), 7u + 24u);
-    EXPECT_EQ(printed[0][3], Indent + "AutoSequence LEAKAGE - TOUCH");
-    EXPECT_EQ(printed[0][4], Indent + "Port: 6");
-    EXPECT_EQ(printed[0][5], Indent + "Baud Rate: 19200 Baud");
-    EXPECT_EQ(printed[0][30], Indent + "24.              P - Pass/Fail  Plug ok?");
+    EXPECT_EQ(std::vector<std::string>(printed[0].begin() + 3, printed[0].begin() + 6),
+              (std::vector<std::string>{Indent + "AutoSequence LEAKAGE - TOUCH", Indent + "Port: 6",
+                                        Indent + "Baud Rate: 19200 Baud"}));
+    EXPECT_EQ(printed[0].size(), 7u + 24u);
 
     ProgramRun all = print({"--all"});
     ASSERT_EQ(all.exitCode, 0) << all.err;
@@ -119,6 +116,7 @@ TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
     };
     const std::vector<Case> cases{
         {{"--inspection", "2"}, 1, "kt930ctl print-sequence: inspection 2 is unused; nothing printed\n"},
+        {{"--inspection", "0"}, 2, "kt930ctl print-sequence: --inspection 0: the data set has inspections 1 to 2\n"},
         {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3: the data set has inspections 1 to 2\n"},
         {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x: the data set has inspections 1 to 2\n"},
         {{"--tester", "6", "--sequence", "1"}, 2,
@@ -134,6 +132,13 @@ TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
         EXPECT_EQ(result.err.rfind(c.errStart, 0), 0u) << result.err;
         EXPECT_FALSE(fs::exists(pdf()));
     }
+
+    fs::create_directory(pdf());
+    ProgramRun folder = print({"--inspection", "1"});
+    EXPECT_EQ(folder.exitCode, 1);
+    EXPECT_EQ(folder.err, "kt930ctl print-sequence: " + pdf() + " is a folder, not a file\n");
+    EXPECT_TRUE(fs::is_empty(pdf()));
+    fs::remove(pdf());
 
     for (int tester = 1; tester <= 5; ++tester) {
         std::string file = asqHeader("User Tester Autosequences", "WARD", 12);

@@ -176,8 +176,9 @@ TEST_F(FrameEditFixture, MissingDefinitionFilesStopTheEditorWithItsMessage)
             std::filesystem::remove(entry.path());
     get<QListWidget>("lstIP")->setCurrentRow(0);
     get<QPushButton>("BtnIPEdit")->click();
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0].caption, "ERROR!");
-    EXPECT_NE(sink.messages[0].text.find("Instruction List Files"), std::string::npos);
+    const std::vector<Message> expected{
+        {"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
+                   "If this problem persists, contact your software vendor."}};
+    EXPECT_EQ(sink.messages, expected);
     EXPECT_EQ(writtenFiles(), Files);
 }

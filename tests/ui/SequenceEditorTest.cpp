@@ -8,7 +8,9 @@
 #include "TinstGridHeader.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
+#include <QClipboard>
 #include <QComboBox>
+#include <QGuiApplication>
 #include <QPrinter>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -170,19 +172,6 @@ TEST_F(SequenceEditorFixture, OpeningShowsTrimmedTitlesAndBothGridsWithNamesAndW
     EXPECT_EQ(get<QToolButton>("btnTop")->toolTip(), "Move Checkitem To The Top Of The List");
     EXPECT_EQ(get<QToolButton>("btnBottom")->toolTip(), "Move Checkitem To The Bottom Of The List");
     EXPECT_TRUE(sink.messages.empty());
-}
-
-TEST_F(SequenceEditorFixture, MissingDefinitionFilesGiveTheMessageAndNoEditor)
-{
-    for (const auto &entry : std::filesystem::directory_iterator(appDir.data("")))
-        if (entry.path().extension() == ".in")
-            std::filesystem::remove(entry.path());
-    TsequenceEditor unusable(nullptr, nullptr, &db, seq, {}, false, &sink);
-    EXPECT_FALSE(unusable.usable());
-    const std::vector<Message> expected{
-        {"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
-                   "If this problem persists, contact your software vendor."}};
-    EXPECT_EQ(sink.messages, expected);
 }
 
 TEST_F(SequenceEditorFixture, MissingDescriptorsGiveTheMessageAndBareLetters)
@@ -355,6 +344,25 @@ TEST_F(SequenceEditorFixture, BottomInAFullSequenceGoesToPosition24AndOneItemDoe
     EXPECT_EQ(itemsOf(seq), list({5}));
 }
 
+TEST_F(SequenceEditorFixture, ARowWithFocusButNoSelectionIsNotActedOn)
+{
+    seq = sequence("A", "B", {1, 2, 3});
+    open();
+    auto *sequenceGrid = get<QTableWidget>("asList");
+    select("asList", 0);
+    QTest::keyClick(sequenceGrid, Qt::Key_Space, Qt::ControlModifier); // deselects, keeps the focus
+    ASSERT_TRUE(sequenceGrid->selectedItems().isEmpty());
+    for (const char *button : {"btnBottom", "btnDown", "btnRemove"})
+        click(button);
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3}));
+
+    auto *checkitems = get<QTableWidget>("instList");
+    QTest::keyClick(checkitems, Qt::Key_Space, Qt::ControlModifier);
+    ASSERT_TRUE(checkitems->selectedItems().isEmpty());
+    click("btnAdd");
+    EXPECT_EQ(itemsOf(seq), list({1, 2, 3}));
+}
+
 // ---- sorting and filtering
 
 TEST_F(SequenceEditorFixture, HeaderPressesToggleTheSortModeAndReorderTheList)
@@ -455,6 +463,27 @@ TEST_F(SequenceEditorFixture, OkUppercasesAndPadsTitlesButKeepsTitle1ForUnused)
     get<QLineEdit>("title1txt")->setText("(unused)");
     click("btnOk");
     EXPECT_TRUE(seq.isUnused());
+}
+
+TEST_F(SequenceEditorFixture, TitlesTakeWindows1252TextsAndRefuseWhatTheFilesCannotHold)
+{
+    seq = sequence("PR\xDC" "F \x80\x81\x9A", "B");
+    open();
+    auto *title1 = get<QLineEdit>("title1txt");
+    auto *title2 = get<QLineEdit>("title2txt");
+    EXPECT_EQ(title1->text(), QString::fromUtf8("PRÜF €\u0081š"));
+    title2->clear();
+    // Typed one character at a time, as a keyboard with these keys would.
+    for (char32_t c : QString::fromUtf8("\u03A9 größe \U0001F600é").toUcs4())
+        QTest::sendKeyEvent(QTest::Click, title2, Qt::Key_unknown, QString::fromUcs4(&c, 1), Qt::NoModifier);
+    EXPECT_EQ(title2->text(), QString::fromUtf8(" größe é"));
+    title2->selectAll();
+    QGuiApplication::clipboard()->setText(QString::fromUtf8("\u03A9\u03A9x€ and a long tail to be cut"));
+    title2->paste();
+    EXPECT_EQ(title2->text(), QString::fromUtf8("x€ and a long ta")); // cut to 18 first
+    click("btnOk");
+    EXPECT_EQ(std::string(seq.title1, 19), "PR\xDC" "F \x80\x81\x8A" + std::string(10, ' ') + '\0');
+    EXPECT_EQ(std::string(seq.title2, 19), "X\x80 AND A LONG TA  " + std::string(1, '\0'));
 }
 
 TEST_F(SequenceEditorFixture, ClosingWithoutOkKeepsItemsAndSettingButNotTitles)
