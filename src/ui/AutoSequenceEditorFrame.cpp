@@ -484,15 +484,8 @@ void TAutoSeqEditFrame::BtnDownloadClick()
 
 void TAutoSeqEditFrame::BtnHelpClick()
 {
-    if (!m_helpWindow) {
-        const auto helpFile = TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch";
-        m_helpWindow = new THelpWindow(helpFile, QStringLiteral("autoSequenceEditor.html"));
-    }
-    // One window per frame: a second press brings it back to the front.
-    m_helpWindow->setWindowState(m_helpWindow->windowState() & ~Qt::WindowMinimized);
-    m_helpWindow->show();
-    m_helpWindow->raise();
-    m_helpWindow->activateWindow();
+    THelpWindow::showTopic(m_helpWindow, TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch",
+                           QStringLiteral("autoSequenceEditor.html"));
 }
 
 void TAutoSeqEditFrame::BtnExitClick()

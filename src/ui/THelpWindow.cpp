@@ -31,6 +31,20 @@ THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &t
 
 THelpWindow::~THelpWindow() = default;
 
+void THelpWindow::showTopic(QPointer<THelpWindow> &window, const std::filesystem::path &helpFile,
+                            const QString &topic, QWidget *modalOwner)
+{
+    if (!window) {
+        window = new THelpWindow(helpFile, topic);
+        if (modalOwner)
+            window->setParent(modalOwner, Qt::Window);
+    }
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
 QVariant THelpWindow::loadResource(int type, const QUrl &name)
 {
     if (name.scheme() == QLatin1String("qthelp"))

@@ -1,6 +1,7 @@
 #pragma once
 // A help window showing one topic of a compiled help file (.qch) and following
 // its links. Each window has its own help collection in a temporary folder.
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <filesystem>
@@ -15,6 +16,11 @@ public:
     // topic leaves the window with a short note instead of the page.
     THelpWindow(const std::filesystem::path &helpFile, const QString &topic);
     ~THelpWindow() override;
+
+    // One window per owner: opens it in window when there is none (as a child window of
+    // modalOwner, if given, so that a modal dialog does not block it), else brings it back.
+    static void showTopic(QPointer<THelpWindow> &window, const std::filesystem::path &helpFile,
+                          const QString &topic, QWidget *modalOwner = nullptr);
 
     bool topicLoaded() const { return m_loaded; }
     QVariant loadResource(int type, const QUrl &name) override;

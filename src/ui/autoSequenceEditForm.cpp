@@ -414,11 +414,7 @@ void TsequenceEditor::btnPrintClick()
 
 void TsequenceEditor::btnHelpClick()
 {
-    auto *window = new THelpWindow(m_appDir / "AUTOSEQUENCEEDITOR.qch", QStringLiteral("sequenceEditor.html"));
-    // A window of its own, yet a child of this modal dialog, so the dialog does not block it.
-    window->setParent(this, Qt::Window);
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    window->show();
+    THelpWindow::showTopic(m_helpWindow, m_appDir / "AUTOSEQUENCEEDITOR.qch", QStringLiteral("sequenceEditor.html"), this);
 }
 
 // ---- OK

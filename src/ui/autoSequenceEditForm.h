@@ -7,6 +7,7 @@
 #include "TinstStruct.h"
 #include <QDialog>
 #include <QPixmap>
+#include <QPointer>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -18,6 +19,7 @@ class MessageSink;
 class QPrinter;
 class TInstrDatabase;
 class TinstGridHeader;
+class THelpWindow;
 struct Tautosequence;
 struct TPluginHostInfo;
 
@@ -91,4 +93,5 @@ private:
     std::uint8_t m_sortMode = 1;
     QPixmap m_sortUp, m_sortDown;
     TinstGridHeader *m_header = nullptr;
+    QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

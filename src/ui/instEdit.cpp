@@ -727,18 +727,8 @@ void TinstructionEditorForm::btnPrintClick()
 
 void TinstructionEditorForm::btnHelpClick()
 {
-    if (!m_helpWindow) {
-        const char *file = m_checklistMode ? "TestProcedureEditor.qch" : "AUTOSEQUENCEEDITOR.qch";
-        m_helpWindow = new THelpWindow(m_appDir / file, QStringLiteral("InstructionEditor.html"));
-        // A window of its own, yet a child of this modal dialog, so the dialog does not block it.
-        m_helpWindow->setParent(this, Qt::Window);
-        m_helpWindow->setAttribute(Qt::WA_DeleteOnClose);
-    }
-    // One window per editor: a second press brings it back to the front.
-    m_helpWindow->setWindowState(m_helpWindow->windowState() & ~Qt::WindowMinimized);
-    m_helpWindow->show();
-    m_helpWindow->raise();
-    m_helpWindow->activateWindow();
+    const char *file = m_checklistMode ? "TestProcedureEditor.qch" : "AUTOSEQUENCEEDITOR.qch";
+    THelpWindow::showTopic(m_helpWindow, m_appDir / file, QStringLiteral("InstructionEditor.html"), this);
 }
 
 // ---- sync

@@ -2,6 +2,8 @@
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "THelpWindow.h"
+#include "TInstrDatabase.h"
+#include "autoSequenceEditForm.h"
 #include "UiTestSupport.h"
 #include <QApplication>
 #include <QPushButton>
@@ -72,4 +74,23 @@ TEST(Help, ASecondPressRaisesTheFramesOneHelpWindowInsteadOfOpeningAnother)
     ASSERT_TRUE(window.isNull());
     QTest::mouseClick(help, Qt::LeftButton);
     EXPECT_EQ(helpWindows().size(), 1);
+}
+
+TEST(Help, TheSequenceEditorKeepsOneHelpWindowThatGoesWithIt)
+{
+    AppDirScope appDir;
+    for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
+        if (entry.path().extension() == ".in")
+            std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+    RecordingMessageSink sink;
+    TInstrDatabase db;
+    Tautosequence seq = unusedSequence();
+    auto editor = std::make_unique<TsequenceEditor>(nullptr, nullptr, &db, seq, [] {}, false, &sink);
+    auto *help = editor->findChild<QPushButton *>("btnHelp");
+    help->click();
+    help->click();
+    ASSERT_EQ(helpWindows().size(), 1);
+    QPointer<THelpWindow> window = helpWindows().first();
+    editor.reset();
+    EXPECT_TRUE(window.isNull());
 }
