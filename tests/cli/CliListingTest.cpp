@@ -1,11 +1,10 @@
 // kt930ctl listing: the checkitem listing as a PDF, read back with pdftotext.
 #ifdef KT930_HAS_PRINT
-#include "ProgramRun.h"
+#include "../print/PdfText.h"
 #include "TInstrDatabase.h"
 #include "TempDir.h"
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -30,18 +29,6 @@ protected:
         return ProgramRun::run("kt930ctl", {"listing", "--pdf", pdf, "--appdir", (temp / "app").string()},
                                temp.path());
     }
-    // The PDF's text, one text column per 6 points (the pitch of the 10-point face).
-    std::vector<std::string> textLines(const fs::path &pdf)
-    {
-        ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf.string(), "-"}, temp.path());
-        EXPECT_EQ(text.exitCode, 0) << text.err;
-        std::vector<std::string> lines;
-        std::istringstream in(text.out);
-        for (std::string line; std::getline(in, line);)
-            if (line.find_first_not_of(" \f") != std::string::npos)
-                lines.push_back(line);
-        return lines;
-    }
 
     TempDir temp;
 };
@@ -57,12 +44,12 @@ TEST_F(CliListingTest, PrintsTheEditorsFirstViewOfTheDatabase)
     ProgramRun result = listing((temp / "list.pdf").string());
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out, "Printed 3 rows to " + (temp / "list.pdf").string() + "\n");
-    EXPECT_EQ(textLines(temp / "list.pdf"),
-              (std::vector<std::string>{"    KT930pc Instruction Listing",
+    EXPECT_EQ(pdfPages(temp / "list.pdf", true),
+              (PdfPages{{"    KT930pc Instruction Listing",
                                         "    No.  Category    Op Code        Command",
                                         "    1    Q           P - Pass/Fail  Plug ok?",
                                         "    3                K - OK Prompt  Caf\u00E9 break",
-                                        "    5    Earth bond  M - Measure    EB\u00BB0\u00BB5"}));
+                                        "    5    Earth bond  M - Measure    EB\u00BB0\u00BB5"}}));
 }
 
 TEST_F(CliListingTest, BadInputIsNamedAndFails)

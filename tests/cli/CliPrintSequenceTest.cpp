@@ -1,13 +1,12 @@
 // kt930ctl print-sequence: one autosequence or the binder of all used ones as a
 // PDF, read back with pdftotext; bad choices are named and print nothing.
 #ifdef KT930_HAS_PRINT
+#include "../print/PdfText.h"
 #include "ByteBuilder.h"
-#include "ProgramRun.h"
 #include "TempDir.h"
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
-#include <sstream>
 
 namespace fs = std::filesystem;
 using namespace ByteBuilder;
@@ -53,22 +52,7 @@ protected:
         return ProgramRun::run("kt930ctl", args, temp.path());
     }
     std::string pdf() const { return (temp / "seq.pdf").string(); }
-    // The pages' non-blank lines, trailing blanks dropped.
-    std::vector<std::vector<std::string>> pages()
-    {
-        ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf(), "-"}, temp.path());
-        EXPECT_EQ(text.exitCode, 0) << text.err;
-        std::vector<std::vector<std::string>> result(1);
-        std::istringstream in(text.out.substr(0, text.out.rfind('\f')));
-        for (std::string line; std::getline(in, line);) {
-            for (std::size_t feed; (feed = line.find('\f')) != std::string::npos; line.erase(0, feed + 1))
-                result.emplace_back();
-            line.erase(line.find_last_not_of(' ') + 1);
-            if (!line.empty())
-                result.back().push_back(line);
-        }
-        return result;
-    }
+    PdfPages pages() { return pdfPages(pdf(), true); }
     TempDir temp;
 };
 }

@@ -1,12 +1,11 @@
 // The listing printed to a PDF file through the printer's own code and read back
 // as text with pdftotext -layout.
-#include "ProgramRun.h"
+#include "PdfText.h"
 #include "TempDir.h"
 #include "TinstListingPrinter.h"
 #include <QFontMetrics>
 #include <QPrinter>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 const QStringList Header{"No.", "Category", "Op Code", "Command"};
@@ -15,25 +14,12 @@ const std::string Indent = "    ";
 class ListingPrinterTest : public ::testing::Test {
 protected:
     // Pages of the printed PDF, each as its text lines.
-    std::vector<std::vector<std::string>> printPages(const QList<QStringList> &rows)
+    PdfPages printPages(const QList<QStringList> &rows, bool textOnly = false)
     {
         QPrinter printer(QPrinter::HighResolution);
         TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "list.pdf").string()));
         EXPECT_TRUE(TinstListingPrinter::print(printer, rows));
-        // One text column per 6 points, the pitch of a 10-point fixed-pitch face: blanks
-        // come back exactly, and the 200-unit margin (1/3 inch) as four of them.
-        ProgramRun text = ProgramRun::runTool(
-            "pdftotext", {"-layout", "-fixed", "6", (temp / "list.pdf").string(), "-"}, temp.path());
-        EXPECT_EQ(text.exitCode, 0) << text.err;
-        // pdftotext ends every page, the last one too, with a form feed.
-        std::vector<std::vector<std::string>> pages(1);
-        std::istringstream in(text.out.substr(0, text.out.rfind('\f')));
-        for (std::string line; std::getline(in, line);) {
-            for (std::size_t feed; (feed = line.find('\f')) != std::string::npos; line.erase(0, feed + 1))
-                pages.emplace_back();
-            pages.back().push_back(line);
-        }
-        return pages;
+        return pdfPages(temp / "list.pdf", textOnly);
     }
 
     // Lines per page worked out from the page and font alone, as a reader of the
@@ -55,28 +41,14 @@ protected:
 
     TempDir temp;
 };
-
-std::string rstrip(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
 }
 
 TEST_F(ListingPrinterTest, ColumnsArePaddedToTheWidestCellPlusTwo)
 {
-    auto pages = printPages({Header, row(7, "EB\u00BB0\u00BB5"), {"10", "B", "P - Pass/Fail", "Plug ok?"}});
-    ASSERT_EQ(pages.size(), 1u);
-    const std::vector<std::string> expected{Indent + "KT930pc Instruction Listing", "",
-                                            Indent + "No.  Category    Op Code        Command",
-                                            Indent + "7    Earth bond  M - Measure    EB\u00BB0\u00BB5",
-                                            Indent + "10   B           P - Pass/Fail  Plug ok?"};
-    std::vector<std::string> lines;
-    for (const std::string &line : pages[0])
-        lines.push_back(rstrip(line));
-    while (!lines.empty() && lines.back().empty())
-        lines.pop_back();
-    EXPECT_EQ(lines, expected);
+    auto pages = printPages({Header, row(7, "EB\u00BB0\u00BB5"), {"10", "B", "P - Pass/Fail", "Plug ok?"}}, true);
+    EXPECT_EQ(pages, (PdfPages{{Indent + "KT930pc Instruction Listing", Indent + "No.  Category    Op Code        Command",
+                               Indent + "7    Earth bond  M - Measure    EB\u00BB0\u00BB5",
+                               Indent + "10   B           P - Pass/Fail  Plug ok?"}}));
 }
 
 TEST_F(ListingPrinterTest, EveryPageRepeatsTitleAndHeaderAndHoldsTheComputedLineCount)
@@ -129,11 +101,6 @@ TEST_F(ListingPrinterTest, LongCommandsAreCutAtThePageEdgeNotWrapped)
 
 TEST_F(ListingPrinterTest, EmptyListIsOnePageWithHeadingAndHeader)
 {
-    auto pages = printPages({Header, {"", "", "", ""}});
-    ASSERT_EQ(pages.size(), 1u);
-    std::vector<std::string> lines = pages[0];
-    while (!lines.empty() && lines.back().empty())
-        lines.pop_back();
-    EXPECT_EQ(lines, (std::vector<std::string>{Indent + "KT930pc Instruction Listing", "",
-                                               Indent + "No.  Category  Op Code  Command"}));
+    EXPECT_EQ(printPages({Header, {"", "", "", ""}}, true),
+              (PdfPages{{Indent + "KT930pc Instruction Listing", Indent + "No.  Category  Op Code  Command"}}));
 }

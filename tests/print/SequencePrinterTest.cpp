@@ -1,21 +1,14 @@
 // The autosequence printout on a PDF file, read back with pdftotext -layout: the
 // heading, the titles, the port and baud lines, and the numbered rows in order.
-#include "ProgramRun.h"
+#include "PdfText.h"
 #include "TempDir.h"
 #include "TinstListingPrinter.h"
 #include "TsequencePrinter.h"
 #include <QPrinter>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 const std::string Indent = "    "; // the 200-unit margin at 6 points a column
-
-std::string rstrip(std::string text)
-{
-    text.erase(text.find_last_not_of(' ') + 1);
-    return text;
-}
 
 TsequenceReport report(int rows)
 {
@@ -34,23 +27,12 @@ TsequenceReport report(int rows)
 class SequencePrinterTest : public ::testing::Test {
 protected:
     // The pages of the printed PDF, blank lines and trailing blanks dropped.
-    std::vector<std::vector<std::string>> printPages(const std::vector<TsequenceReport> &reports)
+    PdfPages printPages(const std::vector<TsequenceReport> &reports)
     {
-        const std::string pdf = (temp / "sequence.pdf").string();
         QPrinter printer(QPrinter::HighResolution);
-        TinstListingPrinter::preparePdf(printer, QString::fromStdString(pdf));
+        TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "sequence.pdf").string()));
         EXPECT_TRUE(TsequencePrinter::print(printer, reports));
-        ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf, "-"}, temp.path());
-        EXPECT_EQ(text.exitCode, 0) << text.err;
-        std::vector<std::vector<std::string>> pages(1);
-        std::istringstream in(text.out.substr(0, text.out.rfind('\f')));
-        for (std::string line; std::getline(in, line);) {
-            for (std::size_t feed; (feed = line.find('\f')) != std::string::npos; line.erase(0, feed + 1))
-                pages.emplace_back();
-            if (!rstrip(line).empty())
-                pages.back().push_back(rstrip(line));
-        }
-        return pages;
+        return pdfPages(temp / "sequence.pdf", true);
     }
     TempDir temp;
 };
@@ -58,9 +40,7 @@ protected:
 
 TEST_F(SequencePrinterTest, OneItemSequenceHasTheHeadingSettingLinesAndOneNumberedRow)
 {
-    auto pages = printPages({report(1)});
-    ASSERT_EQ(pages.size(), 1u);
-    EXPECT_EQ(pages[0], (std::vector<std::string>{
+    EXPECT_EQ(printPages({report(1)}), (PdfPages{{
                             Indent + "March 04 2027 - 09:15:02",
                             Indent + "KT930 Plus Safety Analyzer",
                             Indent + "Autosequences",
@@ -69,7 +49,7 @@ TEST_F(SequencePrinterTest, OneItemSequenceHasTheHeadingSettingLinesAndOneNumber
                             Indent + "Baud Rate: 9600 Baud",
                             Indent + "No.  Category    Op Code      Command",
                             Indent + "1.   Electrical  M - Measure  Step 1\u00BB0.1",
-                        }));
+                        }}));
 }
 
 TEST_F(SequencePrinterTest, FullSequenceNumbersAll24RowsInOrderOnOnePage)

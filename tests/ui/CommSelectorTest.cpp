@@ -23,18 +23,25 @@ struct SelectorFixture : ::testing::Test {
     AppDirScope appDir;
     RecordingMessageSink sink;
     QString ini() const { return QString::fromStdString((appDir.dir().path() / "KT930pc.ini").string()); }
+    // Writes these keys into the settings file, after clearing it if asked.
+    void store(const std::vector<std::pair<QString, QVariant>> &values, bool clear = false) const
+    {
+        QSettings settings(ini(), QSettings::IniFormat);
+        if (clear)
+            settings.clear();
+        for (const auto &[key, value] : values)
+            settings.setValue(key, value);
+    }
+    QVariant stored(const char *key) const { return QSettings(ini(), QSettings::IniFormat).value(key); }
     template <class T> static T *find(QWidget *w, const char *name) { return w->findChild<T *>(QString::fromLatin1(name)); }
 };
 } // namespace
 
 TEST(SerialPortMap, NumbersMapToDeviceFamilies)
 {
-    EXPECT_EQ(TserialPortMap::defaultDevice(1), "/dev/ttyS0");
-    EXPECT_EQ(TserialPortMap::defaultDevice(32), "/dev/ttyS31");
-    EXPECT_EQ(TserialPortMap::defaultDevice(33), "/dev/ttyUSB0");
-    EXPECT_EQ(TserialPortMap::defaultDevice(65), "/dev/ttyACM0");
-    EXPECT_EQ(TserialPortMap::defaultDevice(96), "/dev/ttyACM31");
-    EXPECT_EQ(TserialPortMap::defaultDevice(97), "");
+    for (auto [port, device] : {std::pair{1, "/dev/ttyS0"}, {32, "/dev/ttyS31"}, {33, "/dev/ttyUSB0"},
+                                {65, "/dev/ttyACM0"}, {96, "/dev/ttyACM31"}, {97, ""}})
+        EXPECT_EQ(TserialPortMap::defaultDevice(port), device) << port;
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)"), 12);
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM3"), 3);
 }
@@ -79,12 +86,8 @@ TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
 TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
 {
     PtyPair pty;
-    {
-        QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("SERIALPORTS/COM200", QString::fromStdString(pty.slavePath));
-        settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
-        settings.setValue("COMM/DEFAULTSERIAL", 200);
-    }
+    store({{"SERIALPORTS/COM200", QString::fromStdString(pty.slavePath)}, {"COMM/DEFAULTCOMMMETHOD", 3},
+           {"COMM/DEFAULTSERIAL", 200}});
     TcomSelectFrm form(nullptr, false, &sink);
     auto *ports = find<QComboBox>(&form, "serialPortSelector");
     const QString entry = QStringLiteral("COM200 (%1)").arg(QString::fromStdString(pty.slavePath));
@@ -95,23 +98,18 @@ TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
 
     find<QPushButton>(&form, "btnConnect")->click();
     EXPECT_EQ(form.result(), 1);
-    QSettings saved(ini(), QSettings::IniFormat);
-    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 3);
-    EXPECT_EQ(saved.value("COMM/DEFAULTSERIAL").toInt(), 200);
+    EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 3);
+    EXPECT_EQ(stored("COMM/DEFAULTSERIAL").toInt(), 200);
 }
 
 TEST_F(SelectorFixture, StoredSerialPortIsSelectedOnlyWhileItIsStillFree)
 {
     PtyPair first, second;
     auto open = [&](const QVariant &defaultSerial) {
-        {
-            QSettings settings(ini(), QSettings::IniFormat);
-            settings.clear();
-            settings.setValue("SERIALPORTS/COM250", QString::fromStdString(first.slavePath));
-            settings.setValue("SERIALPORTS/COM251", QString::fromStdString(second.slavePath));
-            if (defaultSerial.isValid())
-                settings.setValue("COMM/DEFAULTSERIAL", defaultSerial);
-        }
+        store({{"SERIALPORTS/COM250", QString::fromStdString(first.slavePath)},
+               {"SERIALPORTS/COM251", QString::fromStdString(second.slavePath)}}, true);
+        if (defaultSerial.isValid())
+            store({{"COMM/DEFAULTSERIAL", defaultSerial}});
         return std::make_unique<TcomSelectFrm>(nullptr, false, &sink);
     };
     const QString entry250 = QStringLiteral("COM250 (%1)").arg(QString::fromStdString(first.slavePath));
@@ -142,38 +140,22 @@ TEST_F(SelectorFixture, AddressFieldsLetReturnAndEscapeReachTheDialog)
     EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar('7')));
     EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar(8)));
     EXPECT_FALSE(TcomSelectFrm::IPKeyPress(QChar('.')));
-    {
-        QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
+    store({{"COMM/DEFAULTCOMMMETHOD", 2}});
+    for (auto [field, key, result] : {std::tuple{"IP2", Qt::Key_Return, 1}, std::tuple{"IP3", Qt::Key_Escape, 2}}) {
+        TcomSelectFrm form(nullptr, false, &sink);
+        form.show();
+        auto *ip = find<QLineEdit>(&form, field);
+        ip->setFocus();
+        QTest::keyClick(ip, key);
+        EXPECT_FALSE(form.isVisible()) << field;
+        EXPECT_EQ(form.result(), result) << field;
     }
-    TcomSelectFrm confirmed(nullptr, false, &sink);
-    confirmed.show();
-    auto *ip2 = find<QLineEdit>(&confirmed, "IP2");
-    ip2->setFocus();
-    QTest::keyClick(ip2, Qt::Key_Return);
-    EXPECT_FALSE(confirmed.isVisible());
-    EXPECT_EQ(confirmed.result(), 1);
-
-    TcomSelectFrm cancelled(nullptr, false, &sink);
-    cancelled.show();
-    auto *ip3 = find<QLineEdit>(&cancelled, "IP3");
-    ip3->setFocus();
-    QTest::keyClick(ip3, Qt::Key_Escape);
-    EXPECT_FALSE(cancelled.isVisible());
-    EXPECT_EQ(cancelled.result(), 2);
     EXPECT_TRUE(sink.messages.empty());
 }
 
 TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
 {
-    {
-        QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
-        settings.setValue("COMM/IP1", "10");
-        settings.setValue("COMM/IP2", "1");
-        settings.setValue("COMM/IP3", "2");
-        settings.setValue("COMM/IP4", "3");
-    }
+    store({{"COMM/DEFAULTCOMMMETHOD", 2}, {"COMM/IP1", "10"}, {"COMM/IP2", "1"}, {"COMM/IP3", "2"}, {"COMM/IP4", "3"}});
     TcomSelectFrm form(nullptr, true, &sink);
     EXPECT_TRUE(find<QRadioButton>(&form, "radEthernet")->isChecked());
     EXPECT_TRUE(find<QLineEdit>(&form, "IP4")->isEnabled());
@@ -193,22 +175,15 @@ TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
     find<QPushButton>(&form, "btnConnect")->click();
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(form.result(), 1);
-    QSettings saved(ini(), QSettings::IniFormat);
-    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
-    EXPECT_EQ(saved.value("COMM/IP4").toString(), "42");
-    EXPECT_EQ(saved.value("COMM/IP1").toString(), "10");
+    EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
+    EXPECT_EQ(stored("COMM/IP1").toString() + "." + stored("COMM/IP4").toString(), "10.42");
 }
 
 // Keys that type no character edit as in any text field; only typed characters
 // other than digits are dropped, and a digit replaces a selection even in a full field.
 TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
 {
-    {
-        QSettings settings(ini(), QSettings::IniFormat);
-        settings.setValue("COMM/DEFAULTCOMMMETHOD", 2);
-        settings.setValue("COMM/IP1", "192");
-        settings.setValue("COMM/IP4", "12");
-    }
+    store({{"COMM/DEFAULTCOMMMETHOD", 2}, {"COMM/IP1", "192"}, {"COMM/IP4", "12"}});
     TcomSelectFrm form(nullptr, false, &sink);
     form.show();
     QApplication::setActiveWindow(&form);
@@ -253,9 +228,8 @@ TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
     EXPECT_TRUE(find<QLineEdit>(&form, "IP1")->isEnabled());
     find<QPushButton>(&form, "btnCancel")->click();
     EXPECT_EQ(form.result(), 2);
-    QSettings saved(ini(), QSettings::IniFormat);
-    EXPECT_EQ(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
-    EXPECT_EQ(saved.value("COMM/IP1").toString(), "127");
+    EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
+    EXPECT_EQ(stored("COMM/IP1").toString(), "127");
 }
 
 // Serial stored but no port free: the dialog shows USB. Cancel leaves the stored
@@ -263,16 +237,13 @@ TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
 TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
 {
     auto storeSerialWithoutFreePorts = [&] {
-        QSettings settings(ini(), QSettings::IniFormat);
-        settings.clear();
+        std::vector<std::pair<QString, QVariant>> values{{"COMM/DEFAULTCOMMMETHOD", 3}, {"COMM/DEFAULTSERIAL", 7}};
         for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
-            settings.setValue(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
-        settings.setValue("COMM/DEFAULTCOMMMETHOD", 3);
-        settings.setValue("COMM/DEFAULTSERIAL", 7);
+            values.emplace_back(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
+        store(values, true);
     };
-    auto stored = [&] {
-        QSettings saved(ini(), QSettings::IniFormat);
-        return std::make_pair(saved.value("COMM/DEFAULTCOMMMETHOD").toInt(), saved.value("COMM/DEFAULTSERIAL").toInt());
+    auto method = [&] {
+        return std::make_pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt());
     };
 
     storeSerialWithoutFreePorts();
@@ -284,20 +255,20 @@ TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
         find<QPushButton>(&form, "btnCancel")->click();
         EXPECT_EQ(form.result(), 2);
     }
-    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    EXPECT_EQ(method(), std::make_pair(3, 7));
     {
         TcomSelectFrm form(nullptr, false, &sink);
         form.show();
         QTest::keyClick(&form, Qt::Key_Escape);
         EXPECT_EQ(form.result(), 2);
     }
-    EXPECT_EQ(stored(), std::make_pair(3, 7));
+    EXPECT_EQ(method(), std::make_pair(3, 7));
     {
         TcomSelectFrm form(nullptr, false, &sink);
         find<QPushButton>(&form, "btnConnect")->click();
         EXPECT_EQ(form.result(), 1);
     }
-    EXPECT_EQ(stored().first, 1);
+    EXPECT_EQ(method().first, 1);
 
     storeSerialWithoutFreePorts();
     {
@@ -305,6 +276,6 @@ TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
         find<QRadioButton>(&form, "radEthernet")->click();
         find<QPushButton>(&form, "btnCancel")->click();
     }
-    EXPECT_EQ(stored().first, 2);
+    EXPECT_EQ(method().first, 2);
     EXPECT_TRUE(sink.messages.empty());
 }

@@ -23,9 +23,7 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
 
     FrameEditFixture()
     {
-        for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
-            if (entry.path().extension() == ".in")
-                std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+        appDir.copyDemoDefinitions();
         appDir.writeData("catdes.dat", "A, Visual\n");
         appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(),
                                      sequence("INSULATION", "", {1, 1})},
@@ -67,6 +65,18 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
             editor->findChild<QPushButton *>("btnOk")->click();
         });
     }
+    // Selects the row, then double-clicks it, as a user opens a row.
+    static void doubleClick(QAbstractItemView *view, QPoint at)
+    {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+        QApplication::processEvents();
+    }
+    void doubleClickInspection(int row)
+    {
+        auto *list = get<QListWidget>("lstIP");
+        doubleClick(list, list->visualItemRect(list->item(row)).center());
+    }
     QTreeWidget *testerTree()
     {
         get<QTabWidget>("PageControl1")->setCurrentIndex(1);
@@ -95,12 +105,9 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
 
 TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItWithoutSaving)
 {
-    auto *list = get<QListWidget>("lstIP");
-    const QPoint at = list->visualItemRect(list->item(1)).center();
     QString shown;
     addAndConfirm(&shown);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    doubleClickInspection(1);
     EXPECT_EQ(shown, "(UNUSED)");
     EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
     EXPECT_EQ(listTexts(frame.get())[1], "(UNUSED) - EDITED");
@@ -125,10 +132,7 @@ TEST_F(FrameEditFixture, TheEditorsSaveOperationWritesTheAutosequencesButNotTheC
         editor->findChild<QPushButton *>("btnEditInst")->click();
         QTest::keyClick(editor, Qt::Key_Escape);
     });
-    auto *list = get<QListWidget>("lstIP");
-    const QPoint at = list->visualItemRect(list->item(0)).center();
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+    doubleClickInspection(0);
     const std::vector<std::string> autosequenceFiles(Files.begin() + 1, Files.end());
     EXPECT_EQ(writtenWhileOpen, autosequenceFiles);
     EXPECT_EQ(writtenFiles(), autosequenceFiles);
@@ -140,13 +144,9 @@ TEST_F(FrameEditFixture, DoubleClickOnATesterSequenceEditsThatSequenceWithoutSav
     QTreeWidgetItem *node = tree->topLevelItem(3)->child(0);
     tree->expandItem(tree->topLevelItem(3));
     QApplication::processEvents();
-    const QRect row = tree->visualItemRect(node);
-    const QPoint at(row.left() + 4, row.center().y());
     QString shown;
     addAndConfirm(&shown);
-    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
-    QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, at);
-    QApplication::processEvents();
+    doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()});
     EXPECT_EQ(shown, "LEAKAGE");
     EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
     EXPECT_EQ(frame->dataSet().userTesters[2].sequences[0].items[1], 0);

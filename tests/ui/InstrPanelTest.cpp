@@ -182,16 +182,11 @@ TEST_F(InstrPanelTest, GetInstrClampsNumbersToTheNearerBoundAndShowsIt)
 
 // --- The key filter, with real key presses -----------------------------------------
 
-TEST_F(InstrPanelTest, WholeNumberBoxTakesDigitsOnly)
+TEST_F(InstrPanelTest, WholeNumbersTakeDigitsDecimalsOneLeadingMinusAndOnePoint)
 {
     build(NumberAndDecimal);
     QTest::keyClicks(box(0), "1a2.-3 x");
     EXPECT_EQ(box(0)->text(), "123");
-}
-
-TEST_F(InstrPanelTest, DecimalBoxTakesOneLeadingMinusAndOnePoint)
-{
-    build(NumberAndDecimal);
     QLineEdit *decimal = box(1);
     QTest::keyClicks(decimal, "1.5.-2x");
     EXPECT_EQ(decimal->text(), "1.52");
@@ -274,13 +269,6 @@ TEST_F(AutoPanelTest, ListsTheTypesAndTheFirstTypesNumbers)
     EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
 }
 
-TEST_F(AutoPanelTest, ChoosingATypeRebuildsTheNumbers)
-{
-    combo("comboAutoNum")->setCurrentIndex(15);
-    combo("comboAutoType")->setCurrentIndex(2);
-    EXPECT_EQ(items(combo("comboAutoNum")), numbers(12));
-    EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
-}
 
 TEST_F(AutoPanelTest, RecordsConvertToTypeCodeAndTwoDigitNumber)
 {
@@ -341,8 +329,12 @@ TEST_F(InstrPanelTest, ShowHideEnableDisableAndClear)
     EXPECT_EQ(box(1)->text(), "");
 }
 
-TEST_F(AutoPanelTest, DisableCoversBothLists)
+TEST_F(AutoPanelTest, ChoosingATypeRebuildsTheNumbersAndDisableCoversBothLists)
 {
+    combo("comboAutoNum")->setCurrentIndex(15);
+    combo("comboAutoType")->setCurrentIndex(2);
+    EXPECT_EQ(items(combo("comboAutoNum")), numbers(12));
+    EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
     panel->Disable();
     EXPECT_FALSE(combo("comboAutoType")->isEnabled());
     EXPECT_FALSE(combo("comboAutoNum")->isEnabled());

@@ -87,6 +87,29 @@ void AppDirScope::writeCompleteDataSet(const std::vector<Tautosequence> &inspect
     writeData("testProc.asq", asqBytes("Checklists", "", {sequence("CHECKLIST", "ONE", {1})}));
 }
 
+void AppDirScope::copyDemoDefinitions(bool withDescriptors) const
+{
+    for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
+        if (entry.path().extension() == ".in" || (withDescriptors && entry.path().filename() == "catdes.dat"))
+            std::filesystem::copy_file(entry.path(), data(entry.path().filename().string()));
+}
+
+QStringList comboTexts(const QComboBox *list)
+{
+    QStringList texts;
+    for (int i = 0; i < list->count(); ++i)
+        texts << list->itemText(i);
+    return texts;
+}
+
+QStringList numberTexts(int count)
+{
+    QStringList texts;
+    for (int n = 1; n <= count; ++n)
+        texts << QString::number(n);
+    return texts;
+}
+
 QStringList listTexts(QWidget *frame)
 {
     QStringList texts;

@@ -7,6 +7,7 @@
 #include "Tautosequence.h"
 #include "VAROAutoSeqEditor.h"
 #include <QStringList>
+#include <QComboBox>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -22,6 +23,8 @@ public:
     const TempDir &dir() const { return m_dir; }
     std::filesystem::path data(const std::string &name) const { return m_dir.path() / "Data" / name; }
     void writeData(const std::string &name, const std::string &bytes) const { m_dir.write("Data/" + name, bytes); }
+    // The demo folder's op code definitions (*.in), and its catdes.dat if asked.
+    void copyDemoDefinitions(bool withDescriptors = false) const;
     // mit.dat, inspection.asq, usertester1..5.asq, testProc.asq, all valid.
     void writeCompleteDataSet(const std::vector<Tautosequence> &inspections,
                               const std::vector<std::string> &testerNames) const;
@@ -51,6 +54,10 @@ struct FrameHost {
     TPluginHostInfo host;
     int hostData2 = 0;
 };
+
+// The entries of a drop-down list; "1" to "count".
+QStringList comboTexts(const QComboBox *list);
+QStringList numberTexts(int count);
 
 // The rows of the frame's inspection list.
 QStringList listTexts(QWidget *frame);
