@@ -1,6 +1,4 @@
 #include "TlistingCommand.h"
-#include "CategoryDescriptors.h"
-#include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
 #include "TdataSet.h"
@@ -75,13 +73,9 @@ int TlistingCommand::run(const std::vector<std::string> &arguments)
     data.loadCheckitems();
     if (!sink.messages().empty())
         return 1; // no table to list
-    TopCodeTable opCodes;
-    if (OpCodeDefinitions::load(data.dataFolder(), opCodes, sink) != 0)
-        return 1; // throws, after its message, for a corrupt file
-    TInstrDatabase::setNames(opCodes);
     TcategoryMap categories;
-    if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
-        sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+    if (!TpdfOutput::loadNames(data, sink, categories))
+        return 1;
 
     auto rows = gridRows(data, categories);
     if (!rows)

@@ -1,4 +1,8 @@
 #include "TpdfOutput.h"
+#include "MessageSink.h"
+#include "OpCodeDefinitions.h"
+#include "TInstrDatabase.h"
+#include "TdataSet.h"
 #include "TinstListingPrinter.h"
 #include <filesystem>
 
@@ -7,6 +11,17 @@ std::string TpdfOutput::refusal(const std::string &path)
     if (std::filesystem::is_directory(path))
         return path + " is a folder, not a file";
     return {};
+}
+
+bool TpdfOutput::loadNames(const TdataSet &data, MessageSink &sink, TcategoryMap &categories)
+{
+    TopCodeTable opCodes;
+    if (OpCodeDefinitions::load(data.dataFolder(), opCodes, sink) != 0)
+        return false; // throws, after its message, for a corrupt file
+    TInstrDatabase::setNames(opCodes);
+    if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
+        sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+    return true;
 }
 
 std::unique_ptr<QGuiApplication> TpdfOutput::application()

@@ -1,6 +1,4 @@
 #include "TprintSequenceCommand.h"
-#include "CategoryDescriptors.h"
-#include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
 #include "TdataSet.h"
@@ -67,13 +65,9 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
     data.loadUserTesters();
     if (!sink.messages().empty())
         return 1; // the data set is not what the analyzer would carry
-    TopCodeTable opCodes;
-    if (OpCodeDefinitions::load(data.dataFolder(), opCodes, sink) != 0)
-        return 1; // throws, after its message, for a corrupt file
-    TInstrDatabase::setNames(opCodes);
     TcategoryMap categories;
-    if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
-        sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
+    if (!TpdfOutput::loadNames(data, sink, categories))
+        return 1;
 
     std::vector<Choice> chosen;
     if (args.has("--all")) {

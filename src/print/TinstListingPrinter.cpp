@@ -1,4 +1,5 @@
 #include "TinstListingPrinter.h"
+#include "TprintFonts.h"
 #include <QFont>
 #include <QFontMetrics>
 #include <QPageSize>
@@ -67,13 +68,8 @@ bool TinstListingPrinter::print(QPrinter &printer, const QList<QStringList> &row
     QPainter painter;
     if (!painter.begin(&printer))
         return false;
-    QFont regular(QStringLiteral("Courier New"), PointSize);
-    regular.setStyleHint(QFont::TypeWriter);
-    QFont bold = regular;
-    bold.setBold(true);
-    QFont heading = bold;
-    heading.setUnderline(true);
-    painter.setFont(regular);
+    const TprintFonts fonts(PointSize);
+    painter.setFont(fonts.regular);
 
     const int pageWidth = painter.device()->width();
     const int height = lineHeight(painter);
@@ -92,11 +88,11 @@ bool TinstListingPrinter::print(QPrinter &printer, const QList<QStringList> &row
             lineCount = 0;
         }
         if (lineCount == 0) {
-            drawLine(0, bold, QStringLiteral("KT930pc Instruction Listing"));
+            drawLine(0, fonts.bold, QStringLiteral("KT930pc Instruction Listing"));
             lineCount = 2;
-            drawLine(lineCount++, heading, paddedLine(rows.front(), widths));
+            drawLine(lineCount++, fonts.header, paddedLine(rows.front(), widths));
         }
-        drawLine(lineCount++, regular, paddedLine(rows[r], widths));
+        drawLine(lineCount++, fonts.regular, paddedLine(rows[r], widths));
     }
     return painter.end();
 }

@@ -1,5 +1,6 @@
 #include "TsequencePrinter.h"
 #include "TinstListingPrinter.h"
+#include "TprintFonts.h"
 #include <QFont>
 #include <QPainter>
 #include <QPrinter>
@@ -45,13 +46,8 @@ bool TsequencePrinter::print(QPrinter &printer, const std::vector<TsequenceRepor
     QPainter painter;
     if (reports.empty() || !painter.begin(&printer))
         return false;
-    QFont regular(QStringLiteral("Courier New"), PointSize);
-    regular.setStyleHint(QFont::TypeWriter);
-    QFont bold = regular;
-    bold.setBold(true);
-    QFont header = bold;
-    header.setUnderline(true);
-    painter.setFont(regular);
+    const TprintFonts fonts(PointSize);
+    painter.setFont(fonts.regular);
 
     const int width = painter.device()->width() - 2 * TinstListingPrinter::Margin;
     const int height = TinstListingPrinter::lineHeight(painter);
@@ -68,7 +64,7 @@ bool TsequencePrinter::print(QPrinter &printer, const std::vector<TsequenceRepor
         first = false;
         const QStringList heading = headingLines(report);
         for (int line = 0; line < heading.size(); ++line)
-            drawLine(line, line == 1 || line == 2 ? bold : regular, heading[line]);
+            drawLine(line, line == 1 || line == 2 ? fonts.bold : fonts.regular, heading[line]);
 
         const QList<QStringList> rows = tableRows(report);
         QList<int> widths(rows.front().size(), 0);
@@ -76,9 +72,9 @@ bool TsequencePrinter::print(QPrinter &printer, const std::vector<TsequenceRepor
             for (qsizetype c = 0; c < widths.size(); ++c)
                 widths[c] = std::max(widths[c], int(row[c].size()));
         int line = int(heading.size());
-        drawLine(line++, header, TinstListingPrinter::paddedLine(rows.front(), widths));
+        drawLine(line++, fonts.header, TinstListingPrinter::paddedLine(rows.front(), widths));
         for (qsizetype r = 1; r < rows.size(); ++r)
-            drawLine(line++, regular, TinstListingPrinter::paddedLine(rows[r], widths));
+            drawLine(line++, fonts.regular, TinstListingPrinter::paddedLine(rows[r], widths));
     }
     return painter.end();
 }
