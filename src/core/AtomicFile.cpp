@@ -160,13 +160,8 @@ AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_vie
         return discard(AtomicWriteResult::ShortWrite);
     if (unnamed && !nameUnnamed(fd, target, temp))
         return discard(AtomicWriteResult::CannotCreate);
-    if (::close(fd) != 0) {
-        ::unlink(temp.c_str());
-        return AtomicWriteResult::ShortWrite;
-    }
-    if (std::rename(temp.c_str(), target.c_str()) != 0) {
-        ::unlink(temp.c_str());
-        return AtomicWriteResult::CannotCreate;
-    }
-    return AtomicWriteResult::Ok;
+    // Renamed straight after naming: the name lives for as short a time as it can.
+    if (std::rename(temp.c_str(), target.c_str()) != 0)
+        return discard(AtomicWriteResult::CannotCreate);
+    return ::close(fd) == 0 ? AtomicWriteResult::Ok : AtomicWriteResult::ShortWrite;
 }
