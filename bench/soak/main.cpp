@@ -257,8 +257,7 @@ private:
 
 void printResources(const char *when, const Resources &r)
 {
-    std::printf("| %-28s | %6ld descriptors | %3ld threads | %7ld KB resident |\n", when, r.descriptors, r.threads,
-                r.residentKb);
+    std::printf("| %s | %ld | %ld | %ld KB |\n", when, r.descriptors, r.threads, r.residentKb);
 }
 }
 
@@ -307,7 +306,8 @@ int main(int argc, char **argv)
         TransferFigures f;
         QElapsedTimer elapsed;
         elapsed.start();
-        Resources start;
+        const Resources initial = Resources::now();
+        Resources start = initial;
         const qint64 end = qint64(minutes * 60000);
         while (elapsed.elapsed() < end) {
             soak.runOne(f);
@@ -323,6 +323,8 @@ int main(int argc, char **argv)
         std::printf("| %ld | %ld / %ld / %ld | %ld / %ld / %ld | %ld | %ld | %ld | %ld | %ld |\n\n", f.transfers,
                     f.perKind[0], f.perKind[1], f.perKind[2], f.perLink[0], f.perLink[1], f.perLink[2], f.faults,
                     f.failures, f.overtime, f.uploadsNotStored, f.filesChangedByFailures);
+        std::printf("| process | open descriptors | threads | resident memory |\n|---|---|---|---|\n");
+        printResources("at the start", initial);
         printResources("after the first 20 transfers", start);
         printResources("at the end", last);
         std::printf("\n");
