@@ -7,14 +7,19 @@
 #include "FuzzInput.h"
 #include "OpCodeDefinitions.h"
 #include "TInstr.h"
+#include "TguiText.h"
 #include "instrpanel.h"
 #include <QApplication>
 #include <QLineEdit>
+#include <QTest>
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication app(*argc, *argv);
+    // Kept to the end of the process: destroyed among the exit handlers it would
+    // outlive the toolkit's own statics.
+    static QApplication *app = new QApplication(*argc, *argv);
+    (void)app;
     return 0;
 }
 
@@ -41,6 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         panel->SetInstr(record);
     } catch (const TInstrPanelError &) {
     }
+    // Real key presses, so the panel's own filter decides and the box edits as it would.
     const QList<QLineEdit *> boxes = panel->findChildren<QLineEdit *>();
     int field = 0;
     for (char key : keys) {
@@ -51,9 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         if (boxes.isEmpty())
             break;
         QLineEdit *box = boxes[field % boxes.size()];
-        panel->calcChar(box, key);
-        if (key != 0)
-            box->insert(QString(QLatin1Char(key)));
+        if (key == 8 || key == 127)
+            QTest::keyClick(box, key == 8 ? Qt::Key_Backspace : Qt::Key_Delete);
+        else
+            QTest::sendKeyEvent(QTest::KeyAction::Click, box, Qt::Key_unknown,
+                                TguiText::fromBytes(std::string(1, key)), Qt::NoModifier);
     }
     panel->GetInstr(record);
     // What the panel writes it must read again: every value passes its field's check
