@@ -9,23 +9,21 @@
 
 namespace {
 constexpr int WriteTimeoutMs = 10000; // a PC that stops reading for this long is gone
+constexpr int PieceMs = 10;           // bytes go in pieces of about this much line time
 }
 
 TsimLink::TsimLink(int fd, std::string name, int baud) : m_fd(fd), m_name(std::move(name)), m_baud(baud) {}
 
-std::chrono::steady_clock::time_point TsimLink::Pace::due(std::size_t count, double bytesPerSecond) const
+std::chrono::steady_clock::time_point TsimLink::Pace::due(double count, double bytesPerSecond) const
 {
     using namespace std::chrono;
     return start + duration_cast<steady_clock::duration>(duration<double>(count / bytesPerSecond));
 }
 
-void TsimLink::Pace::restartIfIdle(double bytesPerSecond)
+void TsimLink::Pace::restart()
 {
-    const auto now = std::chrono::steady_clock::now();
-    if (now > due(bytes, bytesPerSecond)) {
-        start = now;
-        bytes = 0;
-    }
+    start = std::chrono::steady_clock::now();
+    bytes = 0;
 }
 
 TsimLink::Wait TsimLink::waitFor(short events, int timeoutMs)
@@ -63,10 +61,11 @@ TsimLink::Result TsimLink::write(const void *data, std::size_t size)
 {
     const auto *bytes = static_cast<const std::uint8_t *>(data);
     const double bytesPerSecond = m_baud / 10.0;
-    if (m_baud > 0)
-        m_out.restartIfIdle(bytesPerSecond);
-    // Pieces of about 10 ms of line time keep the pace smooth.
-    const std::size_t piece = m_baud > 0 ? std::max<std::size_t>(1, m_baud / 1000) : size;
+    // A line that was idle starts its clock anew.
+    if (m_baud > 0 && std::chrono::steady_clock::now() > m_out.due(m_out.bytes, bytesPerSecond))
+        m_out.restart();
+    // Pieces keep the pace smooth.
+    const std::size_t piece = m_baud > 0 ? std::max<std::size_t>(1, m_baud * PieceMs / 10000) : size;
     std::size_t done = 0;
     while (done < size) {
         Wait wait = waitFor(POLLOUT, WriteTimeoutMs);
@@ -117,15 +116,19 @@ TsimLink::Result TsimLink::readPending()
         return readUpTo(SIZE_MAX);
     // The bytes the PC wrote wait in the kernel (whose small pseudo-terminal buffer
     // then holds the PC's writes back) until the line would have carried them.
+    // Bytes that find nothing waiting before them start their way when they are seen;
+    // behind a backlog they follow on without a gap.
     const double bytesPerSecond = m_baud / 10.0;
-    m_in.restartIfIdle(bytesPerSecond);
+    if (!m_inBacklog)
+        m_in.restart();
     const std::size_t piece = std::min<std::size_t>(static_cast<std::size_t>(pending),
-                                                    std::max<std::size_t>(1, m_baud / 1000));
+                                                    std::max<std::size_t>(1, m_baud * PieceMs / 10000));
     if (!pauseUntil(m_in.due(m_in.bytes + piece, bytesPerSecond)))
         return Result::Stopped;
     const std::size_t before = m_input.size();
     Result result = readUpTo(piece);
     m_in.bytes += m_input.size() - before;
+    m_inBacklog = static_cast<std::size_t>(pending) > m_input.size() - before;
     return result;
 }
 

@@ -35,9 +35,8 @@ private:
     struct Pace {
         std::chrono::steady_clock::time_point start;
         std::size_t bytes = 0;
-        // Restarts the clock when the line has been idle (nothing due any more).
-        void restartIfIdle(double bytesPerSecond);
-        std::chrono::steady_clock::time_point due(std::size_t count, double bytesPerSecond) const;
+        void restart();
+        std::chrono::steady_clock::time_point due(double count, double bytesPerSecond) const;
     };
 
     int m_fd;
@@ -46,4 +45,5 @@ private:
     std::string m_input;
     Pace m_out;
     Pace m_in;
+    bool m_inBacklog = false; // the last paced read left bytes waiting
 };
