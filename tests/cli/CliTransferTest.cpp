@@ -136,6 +136,7 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
     EXPECT_EQ(ctl({"upload", "--ethernet", "127.0.0.256"}), 2);
     EXPECT_NE(stderrText.find("Invalid IP Address!"), std::string::npos);
     EXPECT_EQ(ctl({"sync", "--serial", "COM3"}), 2);
+    EXPECT_EQ(ctl({"download", "--verify", "--ethernet", "127.0.0.1"}), 2); // only an upload is verified
     EXPECT_EQ(ctl({"download", "--help"}), 0);
     EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
 }
