@@ -1,118 +1,136 @@
-// Times the checkitem editor opened from the frame on 250 checkitems: from the press
-// of "Edit Checkitem Database" until the editor is on screen with its grid painted.
-//   bench_editor [--runs N]      (offscreen unless a display platform is chosen)
-#include "AutoSequenceEditorFrame.h"
+// Start-up and editor figures of the frame inside the host window: construction of
+// the frame with its data set up to its first paint, ReloadData, the save of the
+// checkitems, physical inspections and user testers, and the process's peak resident
+// memory with the frame shown. One data set per run, printed as one table row.
+//   bench_editor demo     the demo application folder
+//   bench_editor full     250 checkitems, every sequence of 24 items, 500 checklists of 96
+#include "AutosequenceConversions.h"
+#include "FullDataSet.h"
 #include "MessageSink.h"
-#include "TInstrDatabase.h"
-#include "instEdit.h"
+#include "TdataSet.h"
+#include "TempDir.h"
+#include "ThostMainWindow.h"
+#include "VAROAutoSeqEditor.h"
+#include "autosequenceFileStructs.h"
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTemporaryDir>
-#include <QTimer>
+#include <QTest>
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <iostream>
+#include <fstream>
 #include <vector>
 
 namespace fs = std::filesystem;
 
 namespace {
-constexpr double TargetMs = 150.0;
-constexpr int CheckitemCount = 250;
+constexpr double FirstPaintTargetMs = 150, SaveTargetMs = 50;
+constexpr int Repeats = 7;
 
-class BenchMessageSink : public MessageSink {
+class NullSink : public MessageSink {
 public:
-    MsgAnswer show(const Message &message) override
+    MsgAnswer show(const Message &m) override
     {
-        std::cerr << "bench_editor: " << message.caption << ": " << message.text << "\n";
-        failed = true;
+        std::fprintf(stderr, "bench_editor: %s: %s\n", m.caption.c_str(), m.text.c_str());
         return MsgAnswer::Ok;
     }
-    bool failed = false;
 };
 
-// The demo application folder with the first 250 slots all in use, every op code
-// and category taking turns and commands of full length.
-void prepareFolder(const fs::path &folder)
+// An application folder with the built plug-in and op codes, and the full data set.
+void makeFullAppDir(const fs::path &dir)
 {
-    fs::copy(KT930_BENCH_APPDIR "/Data", folder / "Data", fs::copy_options::recursive);
-    struct Sample {
-        char opCode;
-        const char *command;
-    };
-    const Sample samples[] = {{'P', "Mains plug free of damage and strain relief"}, {'K', "Connect the device"},
-                              {'M', "EB\t0\t5"}, {'L', "IR\t2\t9999\t500\t5"}, {'C', "MAINS\t1"},
-                              {'I', "Enter asset number\t12"}, {'T', "Operate all controls\t120"}, {'D', "30"}};
-    const char categories[] = " AEFILP";
-    TInstrDatabase checkitems;
-    for (int i = 0; i < CheckitemCount; ++i) {
-        const Sample &sample = samples[i % std::size(samples)];
-        checkitems[std::size_t(i)].assign(categories[i % (sizeof categories - 1)], sample.opCode, sample.command);
-    }
-    TInstrDatabase::saveMasterTable(checkitems.slots(), folder / "Data" / "mit.dat");
+    const fs::path built(KT930_BENCH_APPDIR);
+    fs::create_directory_symlink(built / "Plugins", dir / "Plugins");
+    fs::create_directories(dir / "Data");
+    for (const auto &entry : fs::directory_iterator(built / "Data"))
+        if (entry.path().extension() == ".in" || entry.path().filename() == "catdes.dat")
+            fs::copy_file(entry.path(), dir / "Data" / entry.path().filename());
+    NullSink sink;
+    TdataSet set(dir, sink);
+    FullDataSet::fill(set, 0);
+    set.backup();
+    TautosequenceFile checklists;
+    AutosequenceConversions::checklistsToFile(set.checklists, checklists);
+    checklists.write(set.dataFile("testProc.asq"));
 }
 
-// One opening: the press, the modal editor, its grid painted; then OK closes it.
-double openOnce(TAutoSeqEditFrame &frame)
+// Notes the first paint of the frame or of anything inside it.
+class FirstPaint : public QObject {
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && !painted && watched->isWidgetType()) {
+            for (QObject *o = watched; o; o = o->parent())
+                if (dynamic_cast<Tkt930Frame *>(o)) {
+                    painted = true;
+                    break;
+                }
+        }
+        return false;
+    }
+    bool painted = false;
+};
+
+template <typename Action> double medianMs(Action action)
 {
-    QElapsedTimer timer;
-    double milliseconds = -1;
-    auto *poll = new QTimer(&frame);
-    poll->setInterval(0);
-    QObject::connect(poll, &QTimer::timeout, [&] {
-        auto *editor = qobject_cast<TinstructionEditorForm *>(QApplication::activeModalWidget());
-        if (!editor || !editor->isVisible())
-            return;
-        poll->stop();
-        auto *grid = editor->findChild<QTableWidget *>("instList");
-        grid->viewport()->repaint();
-        milliseconds = timer.nsecsElapsed() / 1e6;
-        if (grid->rowCount() != CheckitemCount)
-            std::fprintf(stderr, "bench_editor: the grid has %d rows\n", grid->rowCount());
-        editor->findChild<QPushButton *>("btnOk")->click();
-    });
-    poll->start();
-    timer.start();
-    frame.findChild<QPushButton *>("BtnInstEd")->click();
-    delete poll;
-    return milliseconds;
+    std::vector<double> times;
+    for (int i = 0; i < Repeats; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        action();
+        times.push_back(timer.nsecsElapsed() / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+long peakResidentKb()
+{
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.rfind("VmHWM:", 0) == 0)
+            return std::atol(line.c_str() + 6);
+    return -1;
 }
 }
 
 int main(int argc, char **argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const bool full = argc > 1 && std::strcmp(argv[1], "full") == 0;
+    TempDir scratch;
+    const fs::path appDir = full ? scratch.path() : fs::path(KT930_BENCH_APPDIR);
+    if (full)
+        makeFullAppDir(appDir);
+    qputenv("KT930PC_APPDIR", appDir.string().c_str());
     QApplication app(argc, argv);
-    int runs = 10;
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::strcmp(argv[i], "--runs") == 0)
-            runs = std::max(1, std::atoi(argv[i + 1]));
 
-    QTemporaryDir folder;
-    prepareFolder(folder.path().toStdString());
-    qputenv("KT930PC_APPDIR", folder.path().toLocal8Bit());
-    // The editor writes its trace to the current folder.
-    QDir::setCurrent(folder.path());
+    ThostMainWindow window(QString::fromStdString(appDir.string()));
+    window.show();
+    if (!QTest::qWaitForWindowExposed(&window) || window.pluginCount() != 1) {
+        std::fprintf(stderr, "bench_editor: the host window did not come up with its plug-in\n");
+        return 1;
+    }
+    FirstPaint watcher;
+    app.installEventFilter(&watcher);
+    QElapsedTimer timer;
+    timer.start();
+    window.showPlugin(0);
+    const double constructedMs = timer.nsecsElapsed() / 1e6;
+    (void)QTest::qWaitFor([&] { return watcher.painted; }, 10000);
+    const double paintedMs = timer.nsecsElapsed() / 1e6;
+    app.removeEventFilter(&watcher);
+    auto *frame = window.container()->findChild<Tkt930Frame *>();
+    if (!watcher.painted || !frame) {
+        std::fprintf(stderr, "bench_editor: the frame was not painted\n");
+        return 1;
+    }
+    const double reloadMs = medianMs([&] { frame->ReloadData(); });
+    const double saveMs = medianMs([&] { QMetaObject::invokeMethod(frame, "BtnBackupClick"); });
 
-    BenchMessageSink messages;
-    TPluginHostInfo host;
-    TAutoSeqEditFrame frame(nullptr, &host, nullptr, &messages);
-    std::vector<double> times;
-    for (int run = 0; run < runs; ++run)
-        times.push_back(openOnce(frame));
-    const double first = times.front();
-    std::sort(times.begin(), times.end());
-    const double median = times[times.size() / 2], worst = times.back();
-    const bool ok = !messages.failed && worst >= 0 && worst < TargetMs;
-    std::printf("editor from the frame, %d checkitems: first %.1f ms, median %.1f ms, worst %.1f ms of %d runs"
-                "  target < %.0f ms %s\n",
-                CheckitemCount, first, median, worst, runs, TargetMs, ok ? "ok" : "MISSED");
-    return ok ? 0 : 1;
+    std::printf("| %s | %.1f ms | %.1f ms (< %.0f ms %s) | %.1f ms | %.1f ms (< %.0f ms %s) | %.1f MB |\n",
+                full ? "full (250 checkitems, 78 sequences of 24, 500 checklists of 96)" : "demo", constructedMs,
+                paintedMs, FirstPaintTargetMs, paintedMs < FirstPaintTargetMs ? "ok" : "MISSED", reloadMs, saveMs,
+                SaveTargetMs, saveMs < SaveTargetMs ? "ok" : "MISSED", peakResidentKb() / 1024.0);
+    return 0;
 }

@@ -10,7 +10,7 @@ namespace {
 constexpr int ReadyGuardMs = 5000;
 }
 
-BenchSimulator::BenchSimulator(bool pty, int baud) : m_pty(pty)
+BenchSimulator::BenchSimulator(bool pty, int baud, const QStringList &extra) : m_pty(pty)
 {
     QStringList arguments{"--appdir", KT930_BENCH_APPDIR};
     if (pty) {
@@ -24,6 +24,7 @@ BenchSimulator::BenchSimulator(bool pty, int baud) : m_pty(pty)
     }
     if (baud > 0)
         arguments << "--baud" << QString::number(baud);
+    arguments << extra;
     m_process.setStandardErrorFile(QProcess::nullDevice());
     m_process.start(QString(KT930_BENCH_APPDIR) + "/kt930sim", arguments);
 }

@@ -3,6 +3,7 @@
 // loopback address or a pseudo-terminal (optionally paced like a serial line).
 #include "TcommSettings.h"
 #include <QProcess>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <string>
 
@@ -10,8 +11,8 @@ class BenchSimulator {
 public:
     static constexpr int PtyComPort = 251;
 
-    // baud 0: as fast as the link goes.
-    BenchSimulator(bool pty, int baud);
+    // baud 0: as fast as the link goes; extra: more options (faults, a memory file).
+    BenchSimulator(bool pty, int baud, const QStringList &extra = {});
     ~BenchSimulator();
 
     // False when the simulator did not come up within 5 s.

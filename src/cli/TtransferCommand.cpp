@@ -6,6 +6,7 @@
 #include "TcliProgressSink.h"
 #include "TdataSet.h"
 #include "TransferWorkers.h"
+#include "TuploadVerifier.h"
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QSettings>
@@ -86,7 +87,8 @@ std::string TtransferCommand::summary() const
 
 std::string TtransferCommand::usage() const
 {
-    std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N) [--appdir DIR]\n";
+    std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N)"
+        + (m_kind == Kind::Upload ? " [--verify]" : "") + " [--appdir DIR]\n";
     switch (m_kind) {
     case Kind::Download:
         text += "Fetches the whole data set from the analyzer. When the transfer completed, checks every\n"
@@ -95,7 +97,10 @@ std::string TtransferCommand::usage() const
         break;
     case Kind::Upload:
         text += "Sends the data set saved in DIR/Data to the analyzer. Refuses to send when a file of the\n"
-                "data set could not be read, so defaults never overwrite the analyzer's content.\n";
+                "data set could not be read, so defaults never overwrite the analyzer's content.\n"
+                "  --verify         after a completed upload, read the analyzer's memory back (into memory,\n"
+                "                   touching no file) and compare it byte for byte with what was sent;\n"
+                "                   a difference is named by its first place and exits with code 3\n";
         break;
     case Kind::Sync:
         text += "Fetches the analyzer's checkitem database alone and saves it as DIR/Data/mit.dat.\n";
@@ -153,7 +158,10 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &
 int TtransferCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    if (auto exitCode = parseArguments(arguments, args, {"--usb"}, 0, {"--ethernet", "--serial"}))
+    std::set<std::string> flags{"--usb"};
+    if (m_kind == Kind::Upload)
+        flags.insert("--verify");
+    if (auto exitCode = parseArguments(arguments, args, flags, 0, {"--ethernet", "--serial"}))
         return *exitCode;
     TcommSettings settings;
     std::string why;
@@ -227,6 +235,31 @@ int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &set
     if (!runWorker(worker, progress))
         return 1;
     std::cout << "Uploaded the data set of " << data.dataFolder().string() << "\n";
+    return args.has("--verify") ? verify(*record, settings) : 0;
+}
+
+int TtransferCommand::verify(const TtransferRecord &sent, const TcommSettings &settings)
+{
+    TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
+    TtransferMessageSink messages(progress);
+    // Scratch containers: the read-back must not touch the data set or its files.
+    TdataSet scratch({}, messages);
+    auto readBack = std::make_unique<TdownloadCommStruct>(&scratch.checkitems, &scratch.checklists,
+                                                          &scratch.userTesters, &scratch.inspections);
+    readBack->data.header.settings = settings;
+    readBack->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
+    readBack->data.selection = SelectAll;
+    TdownloadThread worker(&scratch, &progress, &messages, readBack.get());
+    if (!runWorker(worker, progress)) {
+        std::cerr << "kt930ctl upload --verify: the analyzer's memory could not be read back\n";
+        return 1;
+    }
+    if (auto place = TuploadVerifier::firstDifference(sent.data, readBack->data)) {
+        std::cerr << "kt930ctl upload --verify: the analyzer holds something else than was sent, first at "
+                  << *place << "\n";
+        return 3;
+    }
+    std::cout << "Verified: the analyzer's memory equals what was sent\n";
     return 0;
 }
 

@@ -5,6 +5,7 @@
 
 struct TcommSettings;
 struct TcliArguments;
+class TtransferRecord;
 
 class TtransferCommand : public TcliCommand {
 public:
@@ -23,6 +24,8 @@ private:
     int download(const TcliArguments &args, const TcommSettings &settings);
     int upload(const TcliArguments &args, const TcommSettings &settings);
     int sync(const TcliArguments &args, const TcommSettings &settings);
+    // Reads the analyzer's memory back after an upload; 0 when it equals what was sent.
+    int verify(const TtransferRecord &sent, const TcommSettings &settings);
 
     Kind m_kind;
 };

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <random>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,6 +49,47 @@ bool writeAll(int fd, std::string_view bytes)
     return true;
 }
 
+// A save killed in the instant between naming its finished temporary file and the
+// rename leaves "<name>.tmpXXXXXX" behind (no reader takes such a name for data).
+// The next save of the same file removes it.
+void removeLeftovers(const fs::path &target)
+{
+    const std::string prefix = target.filename().string() + ".tmp";
+    std::error_code ec;
+    for (fs::directory_iterator it(target.parent_path().empty() ? "." : target.parent_path(), ec), end;
+         !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        if (name.size() == prefix.size() + 6 && name.compare(0, prefix.size(), prefix) == 0)
+            fs::remove(it->path(), ec);
+    }
+}
+
+// The new content is written into a file without a name (O_TMPFILE), so a save
+// killed while writing leaves nothing. -1 where the file system has no such files.
+int openUnnamed(const fs::path &target)
+{
+    const fs::path folder = target.parent_path().empty() ? fs::path(".") : target.parent_path();
+    return ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+}
+
+// Gives the unnamed file a temporary name beside the target; false when it cannot.
+bool nameUnnamed(int fd, const fs::path &target, std::string &temp)
+{
+    static std::mt19937 random{std::random_device{}()};
+    static const char letters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    const std::string self = "/proc/self/fd/" + std::to_string(fd);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        temp = target.string() + ".tmp";
+        for (int i = 0; i < 6; ++i)
+            temp += letters[random() % (sizeof letters - 1)];
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, temp.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            return true;
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
 // A FIFO, terminal or device cannot be replaced by a file: it gets the bytes
 // itself. A folder or a socket fails to open and is refused.
 AtomicWriteResult writeInPlace(const fs::path &target, std::string_view bytes)
@@ -91,8 +133,14 @@ AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_vie
             return AtomicWriteResult::CannotCreate;
     }
 
-    std::string temp = target.string() + ".tmpXXXXXX";
-    int fd = ::mkstemp(temp.data());
+    removeLeftovers(target);
+    std::string temp;
+    int fd = openUnnamed(target);
+    const bool unnamed = fd >= 0;
+    if (!unnamed) {
+        temp = target.string() + ".tmpXXXXXX";
+        fd = ::mkstemp(temp.data());
+    }
     if (fd < 0)
         return AtomicWriteResult::CannotCreate;
     if (exists)
@@ -100,18 +148,20 @@ AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_vie
     else
         ::fchmod(fd, S_IRUSR | S_IWUSR);
 
-    if (!writeAll(fd, bytes)) {
+    auto discard = [&](AtomicWriteResult result) {
         ::close(fd);
-        ::unlink(temp.c_str());
-        return AtomicWriteResult::ShortWrite;
-    }
-    if (::fsync(fd) != 0 || ::close(fd) != 0) {
-        ::unlink(temp.c_str());
-        return AtomicWriteResult::ShortWrite;
-    }
-    if (std::rename(temp.c_str(), target.c_str()) != 0) {
-        ::unlink(temp.c_str());
-        return AtomicWriteResult::CannotCreate;
-    }
-    return AtomicWriteResult::Ok;
+        if (!temp.empty())
+            ::unlink(temp.c_str());
+        return result;
+    };
+    if (!writeAll(fd, bytes))
+        return discard(AtomicWriteResult::ShortWrite);
+    if (::fsync(fd) != 0)
+        return discard(AtomicWriteResult::ShortWrite);
+    if (unnamed && !nameUnnamed(fd, target, temp))
+        return discard(AtomicWriteResult::CannotCreate);
+    // Renamed straight after naming: the name lives for as short a time as it can.
+    if (std::rename(temp.c_str(), target.c_str()) != 0)
+        return discard(AtomicWriteResult::CannotCreate);
+    return ::close(fd) == 0 ? AtomicWriteResult::Ok : AtomicWriteResult::ShortWrite;
 }

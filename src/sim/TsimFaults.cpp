@@ -6,6 +6,7 @@ const std::map<std::string, TsimFaults::Kind> kinds = {
     {"silent-after", TsimFaults::Kind::SilentAfter},     {"stop-after-block", TsimFaults::Kind::StopAfterBlock},
     {"short-block", TsimFaults::Kind::ShortBlock},       {"close-at-block", TsimFaults::Kind::CloseAtBlock},
     {"bad-ack-block", TsimFaults::Kind::BadAckBlock},    {"no-ack-block", TsimFaults::Kind::NoAckBlock},
+    {"wrong-store", TsimFaults::Kind::WrongStore},
 };
 
 bool isCommand(const std::string &text)
@@ -76,6 +77,8 @@ const char *TsimFaults::help()
            "  bad-ack-block=K       a put answers block K with the wrong acknowledgement\n"
            "                        (\"*\\r\" for an intermediate block, \"C\\r\" for the last)\n"
            "  no-ack-block=K        a put does not acknowledge block K\n"
+           "  wrong-store=K         a put acknowledges block K as usual but stores it with its\n"
+           "                        first byte inverted (for checking uploads by reading back)\n"
            "  Blocks count from 0. Append @CMD (e.g. stop-after-block=9@GTSP) to limit a block\n"
            "  fault to one command. --fault may be given more than once.\n";
 }

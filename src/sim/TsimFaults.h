@@ -6,6 +6,7 @@
 //   close-at-block=K      a get or put drops the connection where block K is due
 //   bad-ack-block=K       a put acknowledges block K with the wrong letter ("*" / "C")
 //   no-ack-block=K        a put does not acknowledge block K
+//   wrong-store=K         a put acknowledges block K but stores it with its first byte inverted
 // Block numbers count from 0. A block fault may end in "@CMD" to apply to that command only.
 #include <optional>
 #include <string>
@@ -13,7 +14,7 @@
 
 class TsimFaults {
 public:
-    enum class Kind { SilentAfter, StopAfterBlock, ShortBlock, CloseAtBlock, BadAckBlock, NoAckBlock };
+    enum class Kind { SilentAfter, StopAfterBlock, ShortBlock, CloseAtBlock, BadAckBlock, NoAckBlock, WrongStore };
     struct Fault {
         Kind kind;
         int block = -1;

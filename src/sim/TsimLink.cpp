@@ -4,13 +4,27 @@
 #include <cerrno>
 #include <cstring>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
 constexpr int WriteTimeoutMs = 10000; // a PC that stops reading for this long is gone
+constexpr int PieceMs = 10;           // bytes go in pieces of about this much line time
 }
 
 TsimLink::TsimLink(int fd, std::string name, int baud) : m_fd(fd), m_name(std::move(name)), m_baud(baud) {}
+
+std::chrono::steady_clock::time_point TsimLink::Pace::due(double count, double bytesPerSecond) const
+{
+    using namespace std::chrono;
+    return start + duration_cast<steady_clock::duration>(duration<double>(count / bytesPerSecond));
+}
+
+void TsimLink::Pace::restart()
+{
+    start = std::chrono::steady_clock::now();
+    bytes = 0;
+}
 
 TsimLink::Wait TsimLink::waitFor(short events, int timeoutMs)
 {
@@ -45,17 +59,13 @@ bool TsimLink::pauseUntil(std::chrono::steady_clock::time_point due)
 
 TsimLink::Result TsimLink::write(const void *data, std::size_t size)
 {
-    using namespace std::chrono;
     const auto *bytes = static_cast<const std::uint8_t *>(data);
     const double bytesPerSecond = m_baud / 10.0;
-    // A line that was idle starts its pacing clock anew.
-    const auto now = steady_clock::now();
-    if (m_baud > 0 && now > m_paceStart + duration<double>(m_pacedBytes / bytesPerSecond)) {
-        m_paceStart = now;
-        m_pacedBytes = 0;
-    }
-    // Pieces of about 10 ms of line time keep the pace smooth.
-    const std::size_t piece = m_baud > 0 ? std::max<std::size_t>(1, m_baud / 1000) : size;
+    // A line that was idle starts its clock anew.
+    if (m_baud > 0 && std::chrono::steady_clock::now() > m_out.due(m_out.bytes, bytesPerSecond))
+        m_out.restart();
+    // Pieces keep the pace smooth.
+    const std::size_t piece = m_baud > 0 ? std::max<std::size_t>(1, m_baud * PieceMs / 10000) : size;
     std::size_t done = 0;
     while (done < size) {
         Wait wait = waitFor(POLLOUT, WriteTimeoutMs);
@@ -70,23 +80,23 @@ TsimLink::Result TsimLink::write(const void *data, std::size_t size)
             return Result::Closed;
         done += static_cast<std::size_t>(n);
         if (m_baud > 0) {
-            m_pacedBytes += static_cast<std::size_t>(n);
-            auto due = m_paceStart + duration_cast<steady_clock::duration>(duration<double>(m_pacedBytes / bytesPerSecond));
-            if (!pauseUntil(due))
+            m_out.bytes += static_cast<std::size_t>(n);
+            if (!pauseUntil(m_out.due(m_out.bytes, bytesPerSecond)))
                 return Result::Stopped;
         }
     }
     return Result::Ok;
 }
 
-TsimLink::Result TsimLink::readPending()
+TsimLink::Result TsimLink::readUpTo(std::size_t limit)
 {
     char buffer[4096];
     for (;;) {
-        ssize_t n = ::read(m_fd, buffer, sizeof buffer);
+        ssize_t n = ::read(m_fd, buffer, std::min(limit, sizeof buffer));
         if (n > 0) {
             m_input.append(buffer, static_cast<std::size_t>(n));
-            if (static_cast<std::size_t>(n) < sizeof buffer)
+            limit -= static_cast<std::size_t>(n);
+            if (limit == 0 || static_cast<std::size_t>(n) < sizeof buffer)
                 return Result::Ok;
             continue;
         }
@@ -96,6 +106,30 @@ TsimLink::Result TsimLink::readPending()
             return Result::Ok;
         return Result::Closed; // end of stream, or EIO on a hung-up terminal
     }
+}
+
+TsimLink::Result TsimLink::readPending()
+{
+    int pending = 0;
+    // Nothing counted but readable: the end of the stream or a hang-up, which a read shows.
+    if (m_baud <= 0 || ::ioctl(m_fd, FIONREAD, &pending) != 0 || pending <= 0)
+        return readUpTo(SIZE_MAX);
+    // The bytes the PC wrote wait in the kernel (whose small pseudo-terminal buffer
+    // then holds the PC's writes back) until the line would have carried them.
+    // Bytes that find nothing waiting before them start their way when they are seen;
+    // behind a backlog they follow on without a gap.
+    const double bytesPerSecond = m_baud / 10.0;
+    if (!m_inBacklog)
+        m_in.restart();
+    const std::size_t piece = std::min<std::size_t>(static_cast<std::size_t>(pending),
+                                                    std::max<std::size_t>(1, m_baud * PieceMs / 10000));
+    if (!pauseUntil(m_in.due(m_in.bytes + piece, bytesPerSecond)))
+        return Result::Stopped;
+    const std::size_t before = m_input.size();
+    Result result = readUpTo(piece);
+    m_in.bytes += m_input.size() - before;
+    m_inBacklog = static_cast<std::size_t>(pending) > m_input.size() - before;
+    return result;
 }
 
 TsimLink::Result TsimLink::readExact(std::uint8_t *target, std::size_t size, int timeoutMs)

@@ -83,7 +83,8 @@ std::string TsimOptions::usage()
                "                       (without --memory the memory lives in the process only)\n"
                "  --appdir DIR         application folder whose Data/ seeds a new memory\n"
                "                       (default KT930PC_APPDIR, else the folder of kt930sim)\n"
-               "  --baud N             send at most N/10 bytes a second, like a serial line\n"
+               "  --baud N             send and take in at most N/10 bytes a second each way, like\n"
+               "                       a serial line\n"
                "  --put-timeout MS     drop a put whose next block is late (default 5000)\n"
                "  --fault FAULT        inject a fault:\n")
         + TsimFaults::help()

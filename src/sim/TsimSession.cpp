@@ -148,6 +148,10 @@ TsimSession::Outcome TsimSession::receiveBlocks(const std::string &command, Tsim
             log("fault: block " + std::to_string(block) + " acknowledged wrongly, put dropped");
             return Outcome::Done;
         }
+        if (m_faults.hits(Kind::WrongStore, command, block)) {
+            staging[i * BlockSize] ^= 0xFF;
+            log("fault: block " + std::to_string(block) + " stored wrongly");
+        }
         result = m_link.write(last ? "*\r" : "C\r");
         if (result != TsimLink::Result::Ok)
             return failed(result, command + " block " + std::to_string(block) + ", put dropped");

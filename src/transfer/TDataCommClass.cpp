@@ -1,6 +1,16 @@
 #include "TDataCommClass.h"
 #include <QThread>
+#include <atomic>
 #include <cstring>
+
+namespace {
+std::atomic<unsigned> blockPauseMs{1};
+}
+
+void TDataCommClass::setBlockPauseMs(unsigned ms)
+{
+    blockPauseMs = ms;
+}
 
 TDataCommClass::TDataCommClass(QRTcommClass *holder, std::uint8_t mode, std::uint32_t timeout,
                                std::uint32_t blockSize, TtransportParams *parameters,
@@ -91,7 +101,8 @@ int TDataCommClass::getData(const std::uint8_t *command, std::size_t commandLeng
             }
             module.setProgress(int(50 + 40 * (i + 1) / blockCount));
             TgenericCommmunicationsModule::processMessages();
-            QThread::msleep(1);
+            if (const unsigned pause = blockPauseMs.load())
+                QThread::msleep(pause);
             received = true;
         }
         if (!received) {

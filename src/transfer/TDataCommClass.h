@@ -34,6 +34,9 @@ public:
     TgenericCommmunicationsModule *module() const { return m_module; }
 
     static constexpr int DownloadPollMs = 50, AckPollMs = 10;
+    // The pause after each received block: 1 ms, as the analyzer has always been
+    // read. The fuzz target of the workers sets 0 to run thousands of transfers.
+    static void setBlockPauseMs(unsigned ms);
 
 private:
     TgenericCommmunicationsModule &checkedModule();

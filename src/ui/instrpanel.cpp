@@ -13,6 +13,7 @@
 #include <QValidator>
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace {
 constexpr std::size_t CommandLength = 41;
@@ -49,10 +50,15 @@ bool toDouble(const std::string &text, double &value)
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
-std::string shortest(double value)
+// A bound written back into a box must pass the box's own check when the record is
+// shown again: no exponent ("1e+20"), and a whole number in a whole-number field,
+// rounded into the range. 400 characters hold any double in fixed notation.
+std::string boundText(double bound, bool wholeNumber, bool isMinimum)
 {
-    char buffer[32];
-    auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    if (wholeNumber)
+        bound = isMinimum ? std::ceil(bound) : std::floor(bound);
+    char buffer[400];
+    auto result = std::to_chars(buffer, buffer + sizeof buffer, bound, std::chars_format::fixed);
     return std::string(buffer, result.ptr);
 }
 
@@ -314,7 +320,8 @@ void TInstrPanel::GetInstr(_instructionStruct &record)
             double number = 0;
             if ((m_tags[k] == WholeNumber || m_tags[k] == DecimalNumber) && range.hasRange && toDouble(value, number)
                 && (number < range.minimum || number > range.maximum)) {
-                value = shortest(number < range.minimum ? range.minimum : range.maximum);
+                const bool below = number < range.minimum;
+                value = boundText(below ? range.minimum : range.maximum, m_tags[k] == WholeNumber, below);
                 m_boxes[k]->setText(TguiText::fromBytes(value));
             }
             if (k > 0)

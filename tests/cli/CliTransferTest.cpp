@@ -27,10 +27,12 @@ protected:
 
     static std::string address(int test) { return LoopbackAddress(test, 32).text(); }
 
-    std::unique_ptr<TsimProcess> startSimulator(const std::string &at)
+    std::unique_ptr<TsimProcess> startSimulator(const std::string &at, std::vector<std::string> extra = {})
     {
-        auto sim = std::make_unique<TsimProcess>(std::vector<std::string>{
-            "--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
+        std::vector<std::string> arguments{"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR,
+                                           "--memory", (temp / "memory.bin").string()};
+        arguments.insert(arguments.end(), extra.begin(), extra.end());
+        auto sim = std::make_unique<TsimProcess>(arguments);
         EXPECT_TRUE(sim->waitForLog("ready")) << sim->log();
         return sim;
     }
@@ -102,6 +104,31 @@ TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
         EXPECT_FALSE(fs::exists(pcData(name))) << name;
 }
 
+TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
+{
+    for (const char *name : DataFiles)
+        fs::copy_file(demoData() / name, pcData(name));
+    const std::string files = TempDir::read(pcData("mit.dat")) + TempDir::read(pcData("testProc.asq"));
+    {
+        const std::string at = address(5);
+        auto sim = startSimulator(at);
+        ASSERT_EQ(ctl({"upload", "--verify", "--ethernet", at}), 0) << stderrText;
+        EXPECT_EQ(stdoutText, "Uploaded the data set of " + (temp / "pc/Data").string()
+                      + "\nVerified: the analyzer's memory equals what was sent\n");
+        EXPECT_TRUE(sim->waitForLog("GTSP sent 500 blocks"));
+    }
+    // Block 3 of the checkitems starts at byte 792, inside checkitem 19 (44 bytes each).
+    const std::string at = address(6);
+    auto faulty = startSimulator(at, {"--fault", "wrong-store=3@PUIN", "--fault", "wrong-store=20@PASQ"});
+    EXPECT_EQ(ctl({"upload", "--verify", "--ethernet", at}), 3);
+    const std::string expected = "Completed!\nkt930ctl upload --verify: the analyzer holds something else than was "
+                                 "sent, first at checkitem 19 (byte 792 of the checkitem area)\n";
+    ASSERT_GE(stderrText.size(), expected.size());
+    EXPECT_EQ(stderrText.substr(stderrText.size() - expected.size()), expected);
+    // The read-back went to memory only.
+    EXPECT_EQ(TempDir::read(pcData("mit.dat")) + TempDir::read(pcData("testProc.asq")), files);
+}
+
 TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
 {
     EXPECT_EQ(ctl({"download"}), 2);
@@ -109,6 +136,7 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
     EXPECT_EQ(ctl({"upload", "--ethernet", "127.0.0.256"}), 2);
     EXPECT_NE(stderrText.find("Invalid IP Address!"), std::string::npos);
     EXPECT_EQ(ctl({"sync", "--serial", "COM3"}), 2);
+    EXPECT_EQ(ctl({"download", "--verify", "--ethernet", "127.0.0.1"}), 2); // only an upload is verified
     EXPECT_EQ(ctl({"download", "--help"}), 0);
     EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
 }

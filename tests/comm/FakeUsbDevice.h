@@ -12,6 +12,7 @@ struct FakeUsbScript {
     std::set<std::string> descriptions; // descriptions that open
     std::vector<int> vendors;           // vendor id per device index
     std::string incoming;               // bytes the device has for us
+    std::size_t consumed = 0;           // of incoming, read already (no erasing: a full transfer is 185 KB)
     // A slow line: when set, incoming becomes readable this many bytes a poll
     // (a waitForData call), and polls are counted. Polls take no time here.
     std::size_t perPoll = 0;
@@ -45,8 +46,8 @@ public:
     int read(std::uint8_t *buffer, std::size_t n) override
     {
         std::size_t count = std::min(n, pending());
-        std::copy_n(m_script->incoming.begin(), count, buffer);
-        m_script->incoming.erase(0, count);
+        std::copy_n(m_script->incoming.begin() + std::ptrdiff_t(m_script->consumed), count, buffer);
+        m_script->consumed += count;
         if (m_script->perPoll)
             m_script->readable -= count;
         return int(count);
@@ -62,7 +63,7 @@ public:
         if (!m_script->perPoll)
             return;
         ++m_script->polls;
-        m_script->readable = std::min(m_script->incoming.size(), m_script->readable + m_script->perPoll);
+        m_script->readable = std::min(unread(), m_script->readable + m_script->perPoll);
     }
     void close() override
     {
@@ -72,7 +73,8 @@ public:
     }
 
 private:
-    std::size_t pending() const { return m_script->perPoll ? m_script->readable : m_script->incoming.size(); }
+    std::size_t unread() const { return m_script->incoming.size() - m_script->consumed; }
+    std::size_t pending() const { return m_script->perPoll ? m_script->readable : unread(); }
 
     std::shared_ptr<FakeUsbScript> m_script;
     bool m_open = false;

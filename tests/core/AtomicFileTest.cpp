@@ -99,3 +99,19 @@ TEST(AtomicWriteOwnership, ReplacedFileKeepsOwnerGroupAndMode)
     EXPECT_EQ(st.st_gid, 12346u);
     EXPECT_EQ(st.st_mode & 07777, 0640u);
 }
+
+TEST(AtomicWriteLeftovers, NextSaveRemovesItsOwnStaleTemporaryOnly)
+{
+    TempDir dir;
+    auto target = dir.write("Data/mit.dat", "old");
+    dir.write("Data/mit.dat.tmpAb3xYz", "stale");
+    dir.write("Data/mit.dat.tmpshort", "not ours");
+    dir.write("Data/inspection.asq.tmpAb3xYz", "another file's");
+
+    ASSERT_EQ(writeFileAtomically(target, "new"), AtomicWriteResult::Ok);
+    EXPECT_EQ(TempDir::read(target), "new");
+    EXPECT_FALSE(fs::exists(dir / "Data/mit.dat.tmpAb3xYz"));
+    EXPECT_TRUE(fs::exists(dir / "Data/mit.dat.tmpshort"));
+    EXPECT_TRUE(fs::exists(dir / "Data/inspection.asq.tmpAb3xYz"));
+    EXPECT_EQ(entriesIn(dir / "Data"), 3u);
+}

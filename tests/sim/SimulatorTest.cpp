@@ -282,6 +282,43 @@ TEST_F(SimulatorTest, BaudRatePacesTheOutput)
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(260));
 }
 
+TEST_F(SimulatorTest, BaudRatePacesTheInput)
+{
+    TsimProcess sim(tcpArguments({"--baud", "9600"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    TrawClient client = connect();
+    client.send("PASQ\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    auto start = std::chrono::steady_clock::now();
+    client.send(pattern(Block, 1));
+    EXPECT_EQ(client.receive(2), "C\r");
+    // The block is taken in no faster than 960 bytes a second: 275 ms.
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(260));
+}
+
+TEST_F(SimulatorTest, WrongStoreFaultAcknowledgesAndStoresTheBlockChanged)
+{
+    TsimProcess sim(tcpArguments({"--fault", "wrong-store=2@PASQ"}));
+    ASSERT_TRUE(sim.waitForLog("ready"));
+    TrawClient client = connect();
+    client.send("PASQ\r");
+    ASSERT_EQ(client.receive(2), "*\r");
+    std::string sent, received;
+    for (int i = 0; i < 27; ++i) {
+        sent += pattern(Block, i);
+        client.send(pattern(Block, i));
+        received += client.receive(2);
+    }
+    EXPECT_EQ(received, acks(27));
+    ASSERT_TRUE(sim.waitForLog("PASQ stored 27 blocks"));
+
+    std::string stored = sent;
+    stored[2 * Block] = static_cast<char>(stored[2 * Block] ^ 0xFF);
+    client.send("GASQ\r");
+    EXPECT_EQ(client.receive(27 * Block), stored);
+    EXPECT_EQ(TempDir::read(memoryFile), memory.checkitems + stored + memory.checklists);
+}
+
 TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
 {
     TsimProcess badFault({"--fault", "slow-block=3"});

@@ -263,9 +263,14 @@ TEST_F(FrameFixture, TheNameOpensWithTheCaretAtItsEndSoTypingAddsToIt)
     bool focused = false;
     whenModal([&](QWidget *form) {
         auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        focused = QApplication::focusWidget() == edit;
-        QTest::keyClicks(QApplication::focusWidget(), " EAST");
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        // The focus arrives with the form's activation, which may follow its showing.
+        focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
+        if (!focused) {
+            form->close();
+            return;
+        }
+        QTest::keyClicks(edit, " EAST");
+        QTest::keyClick(edit, Qt::Key_Return);
     });
     find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
     EXPECT_TRUE(focused);

@@ -1,0 +1,193 @@
+#include "SaveUnderFaults.h"
+#include "FullDataSet.h"
+#include "RecordingMessageSink.h"
+#include "TdataSet.h"
+#include "TempDir.h"
+#include <chrono>
+#include <fstream>
+#include <csignal>
+#include <random>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace SaveUnderFaults {
+namespace {
+Files readFiles(const fs::path &folder, int &others)
+{
+    Files files;
+    others = 0;
+    for (const auto &entry : fs::directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (name == "mit.dat" || name == "inspection.asq" || (name.rfind("usertester", 0) == 0 && name.size() == 15))
+            files[name] = TempDir::read(entry.path());
+        else
+            ++others;
+    }
+    return files;
+}
+
+void writeFiles(const fs::path &folder, const Files &files)
+{
+    fs::create_directories(folder);
+    for (const auto &[name, bytes] : files)
+        std::ofstream(folder / name, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+// Starts the program with a pipe on its stdout and waits for its first line.
+pid_t startSaver(const fs::path &program, const fs::path &appDir, bool once)
+{
+    int out[2];
+    if (::pipe(out) != 0)
+        throw std::runtime_error("pipe failed");
+    pid_t pid = ::fork();
+    if (pid == 0) {
+        ::dup2(out[1], STDOUT_FILENO);
+        ::close(out[0]);
+        ::close(out[1]);
+        if (once)
+            ::execl(program.c_str(), program.c_str(), appDir.c_str(), "--once", nullptr);
+        else
+            ::execl(program.c_str(), program.c_str(), appDir.c_str(), nullptr);
+        ::_exit(127);
+    }
+    ::close(out[1]);
+    char c = 0;
+    while (::read(out[0], &c, 1) == 1 && c != '\n') {
+    }
+    ::close(out[0]);
+    return pid;
+}
+
+std::chrono::microseconds oneSaveTakes(const fs::path &appDir)
+{
+    RecordingMessageSink sink;
+    TdataSet set(appDir, sink);
+    FullDataSet::fill(set, 0);
+    auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 3; ++i)
+        set.backup();
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start) / 3;
+}
+}
+
+Files savedFiles(int variant)
+{
+    TempDir scratch;
+    fs::create_directories(scratch / "Data");
+    RecordingMessageSink sink;
+    TdataSet set(scratch.path(), sink);
+    FullDataSet::fill(set, variant);
+    set.backup();
+    if (!sink.messages.empty())
+        throw std::runtime_error("the reference save failed: " + sink.messages.front().text);
+    int others = 0;
+    return readFiles(scratch / "Data", others);
+}
+
+std::vector<std::pair<std::string, std::string>> fileErrorTexts()
+{
+    std::vector<std::pair<std::string, std::string>> texts{
+        {"mit.dat", "An error occured while backing up the master checkitem database"},
+        {"inspection.asq", "An error occured while backing up the data for Physical Inspections"}};
+    for (int t = 1; t <= TdataSet::UserTesterCount; ++t)
+        texts.emplace_back("usertester" + std::to_string(t) + ".asq",
+                           "An error occured while backing up the data for User Tester Sequence " + std::to_string(t));
+    return texts;
+}
+
+KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
+{
+    const Files variants[2] = {savedFiles(0), savedFiles(1)};
+    TempDir appDir;
+    const fs::path data = appDir / "Data";
+    // The loop saves variant 0 first, so the first save changes every file.
+    writeFiles(data, variants[1]);
+    const auto spread = 3 * oneSaveTakes(appDir.path());
+    writeFiles(data, variants[1]);
+
+    std::mt19937 random(seed);
+    KilledFigures figures;
+    for (int k = 0; k < kills; ++k) {
+        pid_t pid = startSaver(program, appDir.path(), false);
+        // The kill moment is the point of the test, so this sleep waits for nothing.
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % std::uint64_t(spread.count() + 1)));
+        ::kill(pid, SIGKILL);
+        int status = 0;
+        ::waitpid(pid, &status, 0);
+        ++figures.kills;
+
+        int others = 0;
+        const Files found = readFiles(data, others);
+        figures.leftoversAfterKill += others;
+        bool sawOld = false, sawNew = false;
+        for (const auto &[name, bytes] : variants[0]) {
+            ++figures.filesChecked;
+            auto it = found.find(name);
+            if (it == found.end() || (it->second != bytes && it->second != variants[1].at(name))) {
+                ++figures.torn;
+                continue;
+            }
+            (it->second == bytes ? sawNew : sawOld) = true;
+        }
+        if (sawOld && sawNew)
+            ++figures.killedBetweenFiles;
+    }
+    pid_t pid = startSaver(program, appDir.path(), true);
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    int others = 0;
+    readFiles(data, others);
+    figures.leftoversAtEnd = others;
+    return figures;
+}
+
+StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
+{
+    const Files before = savedFiles(0), after = savedFiles(1);
+    StarvedFigures figures;
+    for (std::size_t limit : limits) {
+        TempDir appDir;
+        writeFiles(appDir / "Data", before);
+        RecordingMessageSink sink;
+        TdataSet set(appDir.path(), sink);
+        FullDataSet::fill(set, 1);
+
+        // Past the limit a write fails with EFBIG instead of raising SIGXFSZ.
+        struct sigaction ignore {}, old {};
+        ignore.sa_handler = SIG_IGN;
+        ::sigaction(SIGXFSZ, &ignore, &old);
+        rlimit saved{};
+        ::getrlimit(RLIMIT_FSIZE, &saved);
+        rlimit starved = saved;
+        starved.rlim_cur = limit;
+        ::setrlimit(RLIMIT_FSIZE, &starved);
+        set.backup();
+        ::setrlimit(RLIMIT_FSIZE, &saved);
+        ::sigaction(SIGXFSZ, &old, nullptr);
+
+        ++figures.saves;
+        int others = 0;
+        const Files found = readFiles(appDir / "Data", others);
+        figures.leftovers += others;
+        std::vector<Message> expected;
+        for (const auto &[name, text] : fileErrorTexts()) {
+            const bool fits = after.at(name).size() <= limit;
+            if (!fits) {
+                ++figures.filesFailed;
+                expected.push_back({"File Error", text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
+            }
+            auto it = found.find(name);
+            if (it == found.end() || it->second != (fits ? after : before).at(name))
+                ++figures.changedByFailure;
+        }
+        if (sink.messages != expected)
+            ++figures.wrongMessages;
+    }
+    return figures;
+}
+}
