@@ -1,6 +1,6 @@
 // Times the checkitem editor opened from the frame on 250 checkitems: from the press
 // of "Edit Checkitem Database" until the editor is on screen with its grid painted.
-//   bench_editor [--runs N]      (offscreen unless a display platform is chosen)
+//   bench_checkitem_editor [--runs N]      (offscreen unless a display platform is chosen)
 #include "AutoSequenceEditorFrame.h"
 #include "MessageSink.h"
 #include "TInstrDatabase.h"
@@ -74,7 +74,7 @@ double openOnce(TAutoSeqEditFrame &frame)
         grid->viewport()->repaint();
         milliseconds = timer.nsecsElapsed() / 1e6;
         if (grid->rowCount() != CheckitemCount)
-            std::fprintf(stderr, "bench_editor: the grid has %d rows\n", grid->rowCount());
+            std::fprintf(stderr, "bench_checkitem_editor: the grid has %d rows\n", grid->rowCount());
         editor->findChild<QPushButton *>("btnOk")->click();
     });
     poll->start();
