@@ -17,6 +17,7 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
                 return false;
             }
             appDir = arguments[++i];
+            appDirGiven = true;
         } else if (valueOptions.count(argument)) {
             if (i + 1 >= arguments.size()) {
                 why = argument + " needs a value";
@@ -37,7 +38,11 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
                 + positional.front();
         return false;
     }
-    if (appDir.empty())
-        appDir = TappDir::applicationFolder();
+    folders = TappDir::folders();
+    if (appDirGiven) {
+        folders.application = appDir;
+        folders.reason = "--appdir was given";
+    }
+    appDir = folders.application;
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 // The arguments after a subcommand's name: --appdir DIR, --help, flags, positionals.
+#include "AppDir.h"
 #include <filesystem>
 #include <map>
 #include <set>
@@ -7,7 +8,9 @@
 #include <vector>
 
 struct TcliArguments {
-    std::filesystem::path appDir; // KT930PC_APPDIR or the executable's folder unless --appdir
+    std::filesystem::path appDir; // --appdir, else the application folder of TappDir
+    TappFolders folders;          // the folders in use; application is appDir
+    bool appDirGiven = false;
     std::set<std::string> flags;
     std::map<std::string, std::string> options; // options that take a value, e.g. --serial 3
     std::vector<std::string> positional;

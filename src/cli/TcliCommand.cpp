@@ -15,5 +15,13 @@ std::optional<int> TcliCommand::parseArguments(const std::vector<std::string> &a
         std::cout << usage();
         return 0;
     }
+    if (needsDataFolder()) {
+        std::string message;
+        const TappDir::Seeding seeding = TappDir::seed(args.folders, message);
+        if (!message.empty())
+            std::cerr << "kt930ctl: " << message << "\n";
+        if (seeding == TappDir::Seeding::Failed)
+            return 1;
+    }
     return std::nullopt;
 }

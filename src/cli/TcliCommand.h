@@ -16,6 +16,8 @@ public:
     virtual int run(const std::vector<std::string> &arguments) = 0;
 
 protected:
+    // Whether the command works on the data set, so a new per-user folder is made for it.
+    virtual bool needsDataFolder() const { return true; }
     // Parses the arguments into args. On a bad command line (usage on stderr, 2) or
     // --help (usage on stdout, 0) it returns the exit code to end with.
     std::optional<int> parseArguments(const std::vector<std::string> &arguments, TcliArguments &args,

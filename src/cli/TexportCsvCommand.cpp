@@ -10,7 +10,7 @@ std::string TexportCsvCommand::usage() const
            "Writes the checkitems of DIR/Data/mit.dat to FILE, one \"category,op code,command\" line\n"
            "each, in slot order. Free slots are left out unless --all is given.\n"
            "  --all          write all 1044 slots, free ones included, as the checkitem editor's export does\n"
-           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+           "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
 int TexportCsvCommand::run(const std::vector<std::string> &arguments)

@@ -20,7 +20,7 @@ std::string TimportCsvCommand::usage() const
            "Adds every \"category,op code,command\" line of FILE to the free slots of the checkitem\n"
            "table and saves DIR/Data/mit.dat; existing checkitems are kept. Lines without two\n"
            "commas are skipped. When the table fills up, what fitted is saved and the exit code is 1.\n"
-           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+           "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
 std::string TimportCsvCommand::importErrorText(int code)

@@ -50,7 +50,7 @@ std::string TlistingCommand::usage() const
            "Prints the checkitem listing of DIR/Data/mit.dat (the first 250 slots, in number order,\n"
            "as the checkitem editor first shows them) to the PDF file FILE. Needs no display.\n"
            "  --pdf FILE     the PDF file to write\n"
-           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+           "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
 int TlistingCommand::run(const std::vector<std::string> &arguments)

@@ -37,7 +37,7 @@ std::string TprintSequenceCommand::usage() const
            "  --tester I       user tester I (1 to 5), with --sequence J (1 to 12)\n"
            "  --all            every autosequence in use: the inspections, then the testers'\n"
            "  --pdf FILE       the PDF file to write\n"
-           "  --appdir DIR     application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+           "  --appdir DIR     application folder (default: as kt930ctl where says)\n";
 }
 
 int TprintSequenceCommand::run(const std::vector<std::string> &arguments)

@@ -185,7 +185,7 @@ std::string TshowCommand::usage() const
            "the used checkitems (number, category, op code, command with tabs shown as \xC2\xBB),\n"
            "the physical inspections, the user tester sequences and the used checklists.\n"
            "  --json         print the same as one JSON document\n"
-           "  --appdir DIR   application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n";
+           "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
 int TshowCommand::run(const std::vector<std::string> &arguments)

@@ -111,7 +111,7 @@ std::string TtransferCommand::usage() const
             "  --serial N       the analyzer on serial port COMN (19200 baud, 8N1); COM1-32 are\n"
             "                   /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31, and\n"
             "                   section SERIALPORTS of DIR/KT930pc.ini may map COMn=/any/path\n"
-            "  --appdir DIR     application folder (default KT930PC_APPDIR, else the folder of kt930ctl)\n"
+            "  --appdir DIR     application folder (default: as kt930ctl where says)\n"
             "Progress goes to stderr (a bar on a terminal, one line per stage otherwise), and so do the\n"
             "analyzer's messages. Ctrl+C cancels. Exit code 0 only when the transfer completed.\n";
     return text;

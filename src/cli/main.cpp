@@ -7,6 +7,7 @@
 #include "TimportCsvCommand.h"
 #include "TshowCommand.h"
 #include "TtransferCommand.h"
+#include "TwhereCommand.h"
 #include <iostream>
 #include <memory>
 
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Sync));
+    commands.push_back(std::make_unique<TwhereCommand>());
     return commands;
 }
 
@@ -35,8 +37,8 @@ std::string overview(const std::vector<std::unique_ptr<TcliCommand>> &commands)
         std::string name = command->name();
         text += "  " + name + std::string(name.size() < 12 ? 12 - name.size() : 1, ' ') + command->summary() + "\n";
     }
-    text += "\nEvery command takes --appdir DIR (default KT930PC_APPDIR, else the folder of\n"
-            "kt930ctl) and --help. Exit codes: 0 success, 1 failure, 2 bad command line.\n";
+    text += "\nEvery command takes --appdir DIR (default: as kt930ctl where says) and --help.\n"
+            "Exit codes: 0 success, 1 failure, 2 bad command line.\n";
     return text;
 }
 }

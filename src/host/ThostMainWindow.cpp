@@ -1,16 +1,42 @@
 #include "ThostMainWindow.h"
+#include "THelpWindow.h"
+#include <QApplication>
+#include <QCloseEvent>
 #include <QDir>
+#include <QFileInfo>
 #include <QEvent>
 #include <QLabel>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
+#include <QSettings>
+#include <QStatusBar>
 #include <QVBoxLayout>
 
-ThostMainWindow::ThostMainWindow(const QString &appDir)
+#ifndef KT930_VERSION
+#define KT930_VERSION "0"
+#endif
+
+namespace {
+const QString ProgramName = QStringLiteral("KT930 Plus PC");
+
+QString text(const std::filesystem::path &path)
 {
-    setWindowTitle(QStringLiteral("KT930 Plus PC"));
-    fitToScreen();
+    return QString::fromStdString(path.string());
+}
+
+QString settingsFile(const TappFolders &folders)
+{
+    return text(folders.application / "KT930pc.ini");
+}
+}
+
+ThostMainWindow::ThostMainWindow(const TappFolders &folders) : m_folders(folders)
+{
+    setWindowTitle(ProgramName);
+    setWindowIcon(QIcon(QStringLiteral(":/kt930pc.svg")));
+    restoreWindowGeometry();
     m_container = new QWidget(this);
     m_container->setObjectName(QStringLiteral("container"));
     m_containerLayout = new QVBoxLayout(m_container);
@@ -28,10 +54,70 @@ ThostMainWindow::ThostMainWindow(const QString &appDir)
     m_buttonLayout->addWidget(title);
     m_containerLayout->addWidget(m_mainView);
 
-    loadPlugins(QDir(appDir).filePath(QStringLiteral("Plugins")));
+    const QString pluginFolder = text(folders.plugins);
+    loadPlugins(pluginFolder);
     if (m_plugins.empty())
-        m_buttonLayout->addWidget(new QLabel(QStringLiteral("No plug-ins were found in %1.").arg(QDir(appDir).filePath(QStringLiteral("Plugins"))), m_mainView));
+        m_buttonLayout->addWidget(new QLabel(QStringLiteral("No plug-ins were found in %1.").arg(pluginFolder), m_mainView));
     m_buttonLayout->addStretch();
+    createMenus();
+
+    // A permanent widget: transient status messages never hide which data is in use.
+    auto *folderLabel = new QLabel(QStringLiteral("Application folder: %1").arg(text(folders.application)), this);
+    folderLabel->setObjectName(QStringLiteral("applicationFolder"));
+    folderLabel->setToolTip(QString::fromStdString(folders.reason));
+    statusBar()->addWidget(folderLabel, 1);
+}
+
+void ThostMainWindow::createMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    QAction *quit = file->addAction(QStringLiteral("&Quit"), this, &QWidget::close);
+    quit->setObjectName(QStringLiteral("actionQuit"));
+    quit->setShortcut(QKeySequence::Quit);
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->setObjectName(QStringLiteral("menuHelp"));
+    const QDir helpFolder(text(m_folders.help));
+    for (const QString &file : helpFolder.entryList({QStringLiteral("*.qch")}, QDir::Files, QDir::Name)) {
+        const std::filesystem::path path = m_folders.help / file.toStdString();
+        help->addAction(QFileInfo(file).completeBaseName() + QStringLiteral(" Help"), this,
+                        [this, path] { THelpWindow::showTopic(m_helpWindow, path, QString()); });
+    }
+    if (!help->isEmpty())
+        help->addSeparator();
+    help->addAction(QStringLiteral("&About %1").arg(ProgramName), this, &ThostMainWindow::showAbout)
+        ->setObjectName(QStringLiteral("actionAbout"));
+    help->addAction(QStringLiteral("About &Qt"), qApp, &QApplication::aboutQt)->setObjectName(QStringLiteral("actionAboutQt"));
+}
+
+QString ThostMainWindow::aboutText()
+{
+    return QStringLiteral("<h3>%1 %2</h3>"
+                          "<p>Edits the test content of the KT930 Plus safety analyzer and moves it to and from "
+                          "the analyzer over USB, a serial port or Ethernet.</p>"
+                          "<p>Built with these libraries, each under its own licence:</p><ul>"
+                          "<li>Qt %3: GNU LGPL version 3</li>"
+                          "<li>libftdi1: GNU LGPL version 2.1</li>"
+                          "<li>libusb-1.0: GNU LGPL version 2.1</li>"
+                          "<li>Boost: Boost Software License 1.0</li></ul>")
+        .arg(ProgramName, QStringLiteral(KT930_VERSION), QString::fromLatin1(qVersion()));
+}
+
+void ThostMainWindow::showAbout()
+{
+    QMessageBox::about(this, QStringLiteral("About %1").arg(ProgramName), aboutText());
+}
+
+void ThostMainWindow::prepareDataFolder(const TappFolders &folders)
+{
+    std::string message;
+    const TappDir::Seeding seeding = TappDir::seed(folders, message);
+    if (seeding == TappDir::Seeding::Present)
+        return;
+    QMessageBox box(seeding == TappDir::Seeding::Created ? QMessageBox::Information : QMessageBox::Warning, ProgramName,
+                    QString::fromStdString(message));
+    box.setWindowModality(Qt::ApplicationModal);
+    box.exec();
 }
 
 ThostMainWindow::~ThostMainWindow()
@@ -41,6 +127,28 @@ ThostMainWindow::~ThostMainWindow()
         delete plugin.frame.data();
     while (!m_plugins.empty())
         m_plugins.pop_back();
+}
+
+// The size and place of the last run, when they still fit on a screen (a screen
+// may have gone away or shrunk since); else the design size fitted to the screen.
+void ThostMainWindow::restoreWindowGeometry()
+{
+    const QByteArray saved = QSettings(settingsFile(m_folders), QSettings::IniFormat).value(QStringLiteral("HOST/geometry")).toByteArray();
+    if (!saved.isEmpty() && restoreGeometry(saved)) {
+        // Not shown yet, so the frame is not known: allow for one as fitToScreen does.
+        const QRect framed = geometry().adjusted(-8, -40, 8, 8);
+        const QScreen *target = QGuiApplication::screenAt(framed.center());
+        if (target && target->availableGeometry().contains(framed))
+            return;
+    }
+    fitToScreen();
+}
+
+void ThostMainWindow::closeEvent(QCloseEvent *event)
+{
+    QSettings settings(settingsFile(m_folders), QSettings::IniFormat);
+    settings.setValue(QStringLiteral("HOST/geometry"), saveGeometry());
+    QMainWindow::closeEvent(event);
 }
 
 // The frame's design size, but never more than the screen leaves free: with a

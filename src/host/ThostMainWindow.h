@@ -1,30 +1,42 @@
 #pragma once
-// The host's main window: one button per plug-in found in <appdir>/Plugins.
+// The host's main window: one button per plug-in found in the plug-in folder.
 // A button swaps the main view for the plug-in's frame; the frame swaps back
-// itself through the host record ("Return To Main Window").
+// itself through the host record ("Return To Main Window"). Menus give Quit, the
+// help files, About and About Qt; the status line names the application folder.
+#include "AppDir.h"
 #include "TpluginModule.h"
 #include <QMainWindow>
 #include <QPointer>
 #include <memory>
 #include <vector>
 
+class QLabel;
 class QPushButton;
 class QVBoxLayout;
+class THelpWindow;
 
 class ThostMainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    explicit ThostMainWindow(const QString &appDir);
+    explicit ThostMainWindow(const TappFolders &folders);
     ~ThostMainWindow() override;
 
     QWidget *mainView() const { return m_mainView; }
     QWidget *container() const { return m_container; }
     int pluginCount() const { return int(m_plugins.size()); }
+    QString pluginPath(int index) const { return m_plugins[std::size_t(index)].module->path(); }
+    QString pluginName(int index) const { return m_plugins[std::size_t(index)].module->displayName(); }
 
     void showPlugin(int index);
+    void showAbout();
+
+    // Makes a missing per-user data folder from the shipped defaults and says where it is.
+    static void prepareDataFolder(const TappFolders &folders);
+    static QString aboutText();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     struct Plugin {
@@ -32,13 +44,17 @@ private:
         std::unique_ptr<TPluginHostInfo> hostInfo;
         QPointer<Tkt930Frame> frame;
     };
+    void createMenus();
     void fitToScreen();
+    void restoreWindowGeometry();
     void loadPlugins(const QString &folder);
     void report(const QString &text);
 
+    TappFolders m_folders;
     QWidget *m_container;
     QVBoxLayout *m_containerLayout;
     QWidget *m_mainView;
     QVBoxLayout *m_buttonLayout;
     std::vector<Plugin> m_plugins;
+    QPointer<THelpWindow> m_helpWindow;
 };

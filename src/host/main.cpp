@@ -1,20 +1,62 @@
-// kt930pc: the PC host. Loads the plug-ins of <appdir>/Plugins and offers one
-// button per plug-in. The application folder is KT930PC_APPDIR when set, else
-// the executable's folder.
+// kt930pc: the PC host. Loads the plug-ins of the plug-in folder and offers one
+// button per plug-in, on the application folder TappDir chooses.
 #include "ThostMainWindow.h"
 #include <QApplication>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+const char Usage[] = "Usage: kt930pc [--self-test]\n"
+                     "The KT930 Plus PC application. kt930ctl where names the folders it uses.\n"
+                     "  --self-test   load every plug-in, show the first one's window, print what was\n"
+                     "                loaded and quit (exit code 0 when a window was shown)\n";
+
+// Checks an installation without a user: nothing may wait for an answer.
+int selfTest(ThostMainWindow &window)
+{
+    // A message box would wait for ever; a self-test that hangs has failed.
+    QTimer::singleShot(30000, [] {
+        std::fputs("kt930pc: self-test timed out (a message box is waiting?)\n", stderr);
+        std::_Exit(1);
+    });
+    if (window.pluginCount() == 0) {
+        std::fputs("kt930pc: no plug-in was loaded\n", stderr);
+        return 1;
+    }
+    for (int i = 0; i < window.pluginCount(); ++i)
+        std::printf("plug-in \"%s\" from %s\n", window.pluginName(i).toLocal8Bit().constData(),
+                    window.pluginPath(i).toLocal8Bit().constData());
+    window.showPlugin(0);
+    const bool shown = !window.mainView()->isVisible();
+    std::printf("%s\n", shown ? "window shown" : "window not shown");
+    return shown ? 0 : 1;
+}
+}
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     app.setApplicationName(QStringLiteral("kt930pc"));
-    const QByteArray overridden = qgetenv("KT930PC_APPDIR");
-    const QString appDir = overridden.isEmpty() ? QCoreApplication::applicationDirPath() : QString::fromLocal8Bit(overridden);
+    app.setApplicationVersion(QStringLiteral(KT930_VERSION));
+    app.setDesktopFileName(QStringLiteral("com.kt930.kt930pc"));
+    const QStringList arguments = app.arguments().mid(1);
+    const bool test = arguments == QStringList{QStringLiteral("--self-test")};
+    if (arguments == QStringList{QStringLiteral("--help")}) {
+        std::fputs(Usage, stdout);
+        return 0;
+    }
+    if (!arguments.isEmpty() && !test) {
+        std::fprintf(stderr, "kt930pc: unknown argument %s\n%s", arguments.first().toLocal8Bit().constData(), Usage);
+        return 2;
+    }
+    const TappFolders folders = TappDir::folders();
+    ThostMainWindow::prepareDataFolder(folders);
     int result = 0;
     {
-        ThostMainWindow window(appDir);
+        ThostMainWindow window(folders);
         window.show();
-        result = app.exec();
+        result = test ? selfTest(window) : app.exec();
     }
     return result;
 }

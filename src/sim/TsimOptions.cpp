@@ -63,8 +63,10 @@ bool TsimOptions::parse(int argc, char **argv, std::string &why)
         listenAddress = "127.0.0.1";
         listenPort = 60601;
     }
-    if (appDir.empty())
-        appDir = TappDir::applicationFolder();
+    if (appDir.empty()) {
+        folders = TappDir::folders();
+        appDir = folders.application;
+    }
     return true;
 }
 
@@ -82,7 +84,7 @@ std::string TsimOptions::usage()
                "                       completed put; made from the demo data set when missing\n"
                "                       (without --memory the memory lives in the process only)\n"
                "  --appdir DIR         application folder whose Data/ seeds a new memory\n"
-               "                       (default KT930PC_APPDIR, else the folder of kt930sim)\n"
+               "                       (default: as kt930ctl where says)\n"
                "  --baud N             send and take in at most N/10 bytes a second each way, like\n"
                "                       a serial line\n"
                "  --put-timeout MS     drop a put whose next block is late (default 5000)\n"

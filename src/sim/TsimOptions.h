@@ -1,5 +1,6 @@
 #pragma once
 // Command line of kt930sim.
+#include "AppDir.h"
 #include "TsimFaults.h"
 #include <filesystem>
 #include <string>
@@ -10,6 +11,7 @@ struct TsimOptions {
     std::filesystem::path ptyLink;  // empty: no pseudo-terminal
     std::filesystem::path memoryFile;
     std::filesystem::path appDir;
+    TappFolders folders; // resolved when no --appdir is given
     int baud = 0;                   // 0: as fast as the link goes
     int putTimeoutMs = 5000;
     TsimFaults faults;

@@ -18,6 +18,13 @@ int main(int argc, char **argv)
         return 0;
     }
     TstopSignal::install();
+    std::string message;
+    if (TappDir::seed(options.folders, message) == TappDir::Seeding::Failed) {
+        std::cerr << "kt930sim: " << message << "\n";
+        return 1;
+    }
+    if (!message.empty())
+        std::cerr << "kt930sim: " << message << "\n";
 
     TsimMemory memory;
     std::error_code ec;

@@ -484,7 +484,7 @@ void TAutoSeqEditFrame::BtnDownloadClick()
 
 void TAutoSeqEditFrame::BtnHelpClick()
 {
-    THelpWindow::showTopic(m_helpWindow, TappDir::applicationFolder() / "AUTOSEQUENCEEDITOR.qch",
+    THelpWindow::showTopic(m_helpWindow, TappDir::helpFolder() / "AUTOSEQUENCEEDITOR.qch",
                            QStringLiteral("autoSequenceEditor.html"));
 }
 

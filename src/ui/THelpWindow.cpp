@@ -18,9 +18,15 @@ THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &t
         if (!m_namespace.isEmpty())
             m_engine->registerDocumentation(qch);
     }
-    const QUrl url = m_namespace.isEmpty()
-        ? QUrl()
-        : m_engine->findFile(QUrl(QStringLiteral("qthelp://%1/doc/%2").arg(m_namespace, topic)));
+    QUrl url;
+    if (!m_namespace.isEmpty() && topic.isEmpty()) {
+        // No topic: the first page the help file lists.
+        const QList<QUrl> pages = m_engine->files(m_namespace, QString(), QStringLiteral("html"));
+        if (!pages.isEmpty())
+            url = pages.first();
+    } else if (!m_namespace.isEmpty()) {
+        url = m_engine->findFile(QUrl(QStringLiteral("qthelp://%1/doc/%2").arg(m_namespace, topic)));
+    }
     if (url.isValid()) {
         setSource(url);
         m_loaded = !toPlainText().isEmpty();

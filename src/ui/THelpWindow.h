@@ -12,7 +12,8 @@ class QHelpEngineCore;
 class THelpWindow : public QTextBrowser {
     Q_OBJECT
 public:
-    // Opens topic (e.g. "autoSequenceEditor.html") of helpFile. A missing file or
+    // Opens topic (e.g. "autoSequenceEditor.html") of helpFile, or its first page when
+    // topic is empty. A missing file or
     // topic leaves the window with a short note instead of the page.
     THelpWindow(const std::filesystem::path &helpFile, const QString &topic);
     ~THelpWindow() override;

@@ -414,7 +414,7 @@ void TsequenceEditor::btnPrintClick()
 
 void TsequenceEditor::btnHelpClick()
 {
-    THelpWindow::showTopic(m_helpWindow, m_appDir / "AUTOSEQUENCEEDITOR.qch", QStringLiteral("sequenceEditor.html"), this);
+    THelpWindow::showTopic(m_helpWindow, TappDir::helpFolder() / "AUTOSEQUENCEEDITOR.qch", QStringLiteral("sequenceEditor.html"), this);
 }
 
 // ---- OK

@@ -728,7 +728,7 @@ void TinstructionEditorForm::btnPrintClick()
 void TinstructionEditorForm::btnHelpClick()
 {
     const char *file = m_checklistMode ? "TestProcedureEditor.qch" : "AUTOSEQUENCEEDITOR.qch";
-    THelpWindow::showTopic(m_helpWindow, m_appDir / file, QStringLiteral("InstructionEditor.html"), this);
+    THelpWindow::showTopic(m_helpWindow, TappDir::helpFolder() / file, QStringLiteral("InstructionEditor.html"), this);
 }
 
 // ---- sync

@@ -2,6 +2,7 @@
 #include "ByteBuilder.h"
 #include "ProgramRun.h"
 #include "TempDir.h"
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -160,4 +161,48 @@ TEST_F(CliTest, UsageErrorsAndHelp)
     EXPECT_EQ(unknown.exitCode, 2);
     EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
+}
+
+// A copy laid out as the package installs it: the first command seeds the per-user
+// folder (with one message), later commands work on it, and where says so.
+TEST_F(CliTest, InstalledCopySeedsThePerUserFolderOnceAndWhereNamesEveryFolder)
+{
+    const fs::path usr = temp / "root/usr";
+    fs::create_directories(usr / "bin");
+    fs::create_directories(usr / "share/kt930pc");
+    fs::copy(std::string(KT930_TEST_APPDIR) + "/Data", usr / "share/kt930pc/Data", fs::copy_options::recursive);
+    fs::copy_file(std::string(KT930_TEST_APPDIR) + "/kt930ctl", usr / "bin/kt930ctl");
+    const fs::path home = temp / "home";
+    fs::create_directories(home);
+    ::setenv("HOME", home.c_str(), 1);
+    ::unsetenv("XDG_DATA_HOME");
+    ::unsetenv("KT930PC_APPDIR");
+    const std::string ctl = (usr / "bin/kt930ctl").string();
+    const fs::path userFolder = home / ".local/share/kt930pc";
+
+    ProgramRun where = ProgramRun::runTool(ctl, {"where"}, temp.path());
+    EXPECT_EQ(where.exitCode, 0);
+    EXPECT_EQ(where.out, "application folder: " + userFolder.string() + " (not there yet)\n"
+                         "  because the program is installed: the per-user data folder in ~/.local/share\n"
+                         "data folder:        " + (userFolder / "Data").string() + " (not there yet)\n"
+                         "settings file:      " + (userFolder / "KT930pc.ini").string() + " (not there yet)\n"
+                         "plug-ins:           " + (usr / "lib/kt930pc/plugins").string() + " (not there yet)\n"
+                         "help files:         " + (usr / "share/kt930pc").string() + "\n"
+                         "shipped defaults:   " + (usr / "share/kt930pc/Data").string() + "\n");
+
+    ProgramRun first = ProgramRun::runTool(ctl, {"show"}, temp.path());
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_EQ(first.err.substr(0, first.err.find('\n') + 1),
+              "kt930ctl: Your data folder " + userFolder.string()
+                  + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n");
+    EXPECT_EQ(TempDir::read(userFolder / "Data/mit.dat"), TempDir::read(usr / "share/kt930pc/Data/mit.dat"));
+
+    ProgramRun second = ProgramRun::runTool(ctl, {"show"}, temp.path());
+    EXPECT_EQ(second.exitCode, 0);
+    EXPECT_EQ(second.err.find("created"), std::string::npos);
+    EXPECT_EQ(second.out, first.out);
+
+    where = ProgramRun::runTool(ctl, {"where", "--appdir", appDir()}, temp.path());
+    EXPECT_TRUE(hasLine(where.out, "application folder: " + appDir()));
+    EXPECT_TRUE(hasLine(where.out, "  because --appdir was given"));
 }

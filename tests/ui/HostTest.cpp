@@ -1,9 +1,17 @@
 // The host window loading the real plug-in library: button, view swap, return,
-// ReloadData when the frame is shown again.
+// ReloadData when the frame is shown again; its menus, About box, status line,
+// remembered geometry and the first-start message of a new data folder.
 #include "AutosequenceConversions.h"
 #include "ThostMainWindow.h"
 #include "UiTestSupport.h"
+#include "THelpWindow.h"
+#include "TempDir.h"
 #include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
@@ -30,12 +38,19 @@ protected:
         return b;
     }
 
+    // Data in the test's folder; plug-ins and help from the build, as an installation has them.
+    TappFolders folders() const
+    {
+        const fs::path build(KT930_TEST_APPDIR);
+        return {appDir.dir().path(), build / "Plugins", build, {}, "test"};
+    }
+
     AppDirScope appDir;
 };
 
 TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheDisk)
 {
-    ThostMainWindow window(QString::fromLatin1(KT930_TEST_APPDIR));
+    ThostMainWindow window(folders());
     window.show();
     ASSERT_EQ(window.pluginCount(), 1);
     QPushButton *pluginButton = button(window.mainView(), "plugin0");
@@ -69,7 +84,7 @@ TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheD
 
 TEST_F(HostTest, ClosingTheMainWindowWithHelpOpenEndsTheProgramAndTheFrameClosesItsHelp)
 {
-    auto window = std::make_unique<ThostMainWindow>(QString::fromLatin1(KT930_TEST_APPDIR));
+    auto window = std::make_unique<ThostMainWindow>(folders());
     window->show();
     button(window->mainView(), "plugin0")->click();
     auto *frame = window->container()->findChild<Tkt930Frame *>();
@@ -94,7 +109,7 @@ TEST_F(HostTest, ClosingTheMainWindowWithHelpOpenEndsTheProgramAndTheFrameCloses
 
 TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
 {
-    ThostMainWindow window(QString::fromLatin1(KT930_TEST_APPDIR));
+    ThostMainWindow window(folders());
     window.show();
     button(window.mainView(), "plugin0")->click();
     QApplication::processEvents();
@@ -109,8 +124,118 @@ TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
 
 TEST_F(HostTest, AFolderWithoutPluginsSaysSoAndTheHostGoesOn)
 {
-    ThostMainWindow window(QString::fromStdString(appDir.dir().path().string()));
+    TappFolders empty = folders();
+    empty.plugins = appDir.dir().path() / "Plugins";
+    ThostMainWindow window(empty);
     EXPECT_EQ(window.pluginCount(), 0);
     EXPECT_EQ(window.mainView()->findChildren<QPushButton *>().size(), 0);
+}
+
+TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTheStatusLine)
+{
+    ThostMainWindow window(folders());
+    window.show();
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("KT930 Plus PC"));
+    EXPECT_FALSE(window.windowIcon().isNull());
+    auto *folder = window.statusBar()->findChild<QLabel *>(QStringLiteral("applicationFolder"));
+    ASSERT_NE(folder, nullptr);
+    EXPECT_EQ(folder->text(), QStringLiteral("Application folder: ") + QString::fromStdString(appDir.dir().path().string()));
+
+    QStringList menus, entries;
+    for (QAction *menu : window.menuBar()->actions()) {
+        menus << menu->text();
+        for (QAction *entry : menu->menu()->actions())
+            entries << entry->text();
+    }
+    EXPECT_EQ(menus, (QStringList{"&File", "&Help"}));
+    EXPECT_EQ(entries, (QStringList{"&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
+                                    "&About KT930 Plus PC", "About &Qt"}));
+
+    // A help entry opens its file at the first page.
+    window.findChild<QMenu *>(QStringLiteral("menuHelp"))->actions().at(0)->trigger();
+    THelpWindow *help = nullptr;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (auto *candidate = qobject_cast<THelpWindow *>(w); candidate && candidate->isVisible())
+            help = candidate;
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->windowTitle(), QStringLiteral("AUTOSEQUENCEEDITOR Help"));
+    EXPECT_TRUE(help->topicLoaded());
+    help->close();
+
+    window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(HostTest, AboutNamesTheVersionAndTheLibrariesLicences)
+{
+    ThostMainWindow window(folders());
+    window.show();
+    QString caption, text;
+    whenModal([&](QWidget *box) {
+        caption = box->windowTitle();
+        text = static_cast<QMessageBox *>(box)->text();
+        box->close();
+    });
+    window.findChild<QAction *>(QStringLiteral("actionAbout"))->trigger();
+    EXPECT_EQ(caption, QStringLiteral("About KT930 Plus PC"));
+    EXPECT_EQ(text, QStringLiteral("<h3>KT930 Plus PC 1.0</h3>"
+                                   "<p>Edits the test content of the KT930 Plus safety analyzer and moves it to and from "
+                                   "the analyzer over USB, a serial port or Ethernet.</p>"
+                                   "<p>Built with these libraries, each under its own licence:</p><ul>"
+                                   "<li>Qt ") + QString::fromLatin1(qVersion()) + QStringLiteral(": GNU LGPL version 3</li>"
+                                   "<li>libftdi1: GNU LGPL version 2.1</li>"
+                                   "<li>libusb-1.0: GNU LGPL version 2.1</li>"
+                                   "<li>Boost: Boost Software License 1.0</li></ul>"));
+}
+
+TEST_F(HostTest, RemembersItsPlaceAndSizeButNeverOpensOffTheScreen)
+{
+    QRect placed;
+    {
+        ThostMainWindow window(folders());
+        window.show();
+        const QRect available = window.screen()->availableGeometry();
+        window.setGeometry(available.x() + 40, available.y() + 60, 500, 400);
+        placed = window.geometry();
+        window.close();
+    }
+    {
+        ThostMainWindow window(folders());
+        EXPECT_EQ(window.geometry(), placed);
+        window.show();
+        window.setGeometry(100000, 100000, 500, 400); // a screen that has gone since
+        window.close();
+    }
+    ThostMainWindow window(folders());
+    window.show();
+    EXPECT_TRUE(window.screen()->availableGeometry().contains(window.frameGeometry()))
+        << window.frameGeometry().x() << "," << window.frameGeometry().y() << " " << window.frameGeometry().width() << "x"
+        << window.frameGeometry().height() << " in " << window.screen()->availableGeometry().width() << "x"
+        << window.screen()->availableGeometry().height();
+}
+
+TEST_F(HostTest, FirstStartSaysWhereTheNewDataFolderIs)
+{
+    TempDir install;
+    install.write("Data/catdes.dat", "shipped");
+    TappFolders fresh = folders();
+    fresh.application = appDir.dir().path() / "user";
+    fresh.defaults = install.path() / "Data";
+    QString caption, text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    whenModal([&](QWidget *box) {
+        caption = box->windowTitle();
+        text = static_cast<QMessageBox *>(box)->text();
+        icon = static_cast<QMessageBox *>(box)->icon();
+        box->close();
+    });
+    ThostMainWindow::prepareDataFolder(fresh);
+    EXPECT_EQ(caption, QStringLiteral("KT930 Plus PC"));
+    EXPECT_EQ(text, QStringLiteral("Your data folder ") + QString::fromStdString(fresh.application.string())
+                        + QStringLiteral(" was created from the shipped defaults. Your checkitems, sequences and "
+                                         "settings are kept there."));
+    EXPECT_EQ(icon, QMessageBox::Information);
+    EXPECT_EQ(TempDir::read(fresh.application / "Data/catdes.dat"), "shipped");
+    ThostMainWindow::prepareDataFolder(fresh); // present now: no second box (a box would hang here)
 }
 }

@@ -1,0 +1,45 @@
+#include "TwhereCommand.h"
+#include "TcliArguments.h"
+#include <iostream>
+
+namespace {
+std::string existing(const std::filesystem::path &path)
+{
+    std::error_code ec;
+    return path.string() + (std::filesystem::exists(path, ec) ? "" : " (not there yet)");
+}
+}
+
+std::string TwhereCommand::summary() const
+{
+    return "print the folders in use (data, settings, plug-ins, help) and why";
+}
+
+std::string TwhereCommand::usage() const
+{
+    return "Usage: kt930ctl where [--appdir DIR]\n"
+           "Prints the application folder and why it was chosen, then its data folder and\n"
+           "settings file, the plug-in and help folders and the shipped defaults.\n"
+           "The application folder is KT930PC_APPDIR when set; else the program's folder when it\n"
+           "holds Data/ and is writable (a build folder or a portable copy); else, when installed,\n"
+           "$XDG_DATA_HOME/kt930pc (default ~/.local/share/kt930pc), made on first use from the\n"
+           "shipped defaults.\n"
+           "  --appdir DIR   application folder to report on instead\n";
+}
+
+int TwhereCommand::run(const std::vector<std::string> &arguments)
+{
+    TcliArguments args;
+    if (auto exitCode = parseArguments(arguments, args, {}, 0))
+        return *exitCode;
+    const TappFolders &folders = args.folders;
+    std::cout << "application folder: " << existing(folders.application) << "\n"
+              << "  because " << folders.reason << "\n"
+              << "data folder:        " << existing(TappDir::dataFolder(folders.application)) << "\n"
+              << "settings file:      " << existing(folders.application / "KT930pc.ini") << "\n"
+              << "plug-ins:           " << existing(folders.plugins) << "\n"
+              << "help files:         " << existing(folders.help) << "\n"
+              << "shipped defaults:   "
+              << (folders.defaults.empty() ? std::string("none (not installed)") : existing(folders.defaults)) << "\n";
+    return 0;
+}

@@ -1,0 +1,14 @@
+#pragma once
+#include "TcliCommand.h"
+
+// kt930ctl where: the folders every program of this installation works with, and why.
+class TwhereCommand : public TcliCommand {
+public:
+    std::string name() const override { return "where"; }
+    std::string summary() const override;
+    std::string usage() const override;
+    int run(const std::vector<std::string> &arguments) override;
+
+protected:
+    bool needsDataFolder() const override { return false; }
+};

@@ -1,0 +1,133 @@
+// Which application folder a program works on, where plug-ins and help come from,
+// and the first-start copy of the shipped defaults into a per-user folder.
+#include "AppDir.h"
+#include "TempDir.h"
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+class AppDirTest : public ::testing::Test {
+protected:
+    // An installed layout: <root>/usr/bin and the shipped defaults in <root>/usr/share/kt930pc/Data.
+    fs::path install()
+    {
+        temp.write("usr/share/kt930pc/Data/catdes.dat", "shipped categories");
+        temp.write("usr/share/kt930pc/Data/passfail.in", "shipped definitions");
+        fs::create_directories(temp / "usr/bin");
+        return temp / "usr/bin";
+    }
+    TappEnvironment environment(const fs::path &executableFolder, std::string xdg = "", std::string override = "")
+    {
+        return {executableFolder, std::move(override), std::move(xdg), (temp / "home").string()};
+    }
+
+    TempDir temp;
+};
+}
+
+TEST_F(AppDirTest, BuildFolderOrPortableCopyHoldingDataIsItsOwnApplicationFolderForBothSpellings)
+{
+    for (const char *spelling : {"Data", "data"}) {
+        const fs::path exeDir = temp / spelling / "app";
+        fs::create_directories(exeDir / spelling);
+        const TappFolders folders = TappDir::resolve(environment(exeDir, (temp / "xdg").string()));
+        EXPECT_EQ(folders.application, exeDir) << spelling;
+        EXPECT_EQ(folders.plugins, exeDir / "Plugins");
+        EXPECT_EQ(folders.help, exeDir);
+        EXPECT_TRUE(folders.defaults.empty());
+        EXPECT_EQ(folders.reason, "the program's folder holds Data/ and is writable (a build folder or a portable copy)");
+    }
+}
+
+TEST_F(AppDirTest, InstalledProgramUsesThePerUserFolderAndTheInstallFoldersForPluginsAndHelp)
+{
+    const fs::path bin = install();
+    const fs::path prefix = temp / "usr";
+
+    TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
+    EXPECT_EQ(folders.application, temp / "xdg/kt930pc");
+    EXPECT_EQ(folders.reason, "the program is installed: the per-user data folder in $XDG_DATA_HOME");
+    EXPECT_EQ(folders.plugins, prefix / "lib/kt930pc/plugins");
+    EXPECT_EQ(folders.help, prefix / "share/kt930pc");
+    EXPECT_EQ(folders.defaults, prefix / "share/kt930pc/Data");
+
+    // An unset or relative XDG_DATA_HOME is ignored, as the base directory rules say.
+    for (const char *xdg : {"", "relative/dir"}) {
+        folders = TappDir::resolve(environment(bin, xdg));
+        EXPECT_EQ(folders.application, temp / "home/.local/share/kt930pc") << xdg;
+        EXPECT_EQ(folders.reason, "the program is installed: the per-user data folder in ~/.local/share");
+    }
+
+    // Without HOME there is no per-user folder: the program's own folder, plug-ins still installed.
+    TappEnvironment homeless = environment(bin);
+    homeless.home.clear();
+    folders = TappDir::resolve(homeless);
+    EXPECT_EQ(folders.application, bin);
+    EXPECT_EQ(folders.reason, "the program's folder");
+    EXPECT_EQ(folders.plugins, prefix / "lib/kt930pc/plugins");
+}
+
+TEST_F(AppDirTest, OverrideWinsEverywhereAndNeverMovesAnInstalledProgramsPlugins)
+{
+    const fs::path bin = install();
+    TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string(), "/srv/bench"));
+    EXPECT_EQ(folders.application, "/srv/bench");
+    EXPECT_EQ(folders.reason, "KT930PC_APPDIR is set");
+    EXPECT_EQ(folders.plugins, temp / "usr/lib/kt930pc/plugins");
+
+    fs::create_directories(temp / "build/Data");
+    folders = TappDir::resolve(environment(temp / "build", "", "/srv/bench"));
+    EXPECT_EQ(folders.application, "/srv/bench");
+    EXPECT_EQ(folders.plugins, "/srv/bench/Plugins");
+    EXPECT_EQ(folders.help, "/srv/bench");
+}
+
+TEST_F(AppDirTest, NeitherInstalledNorHoldingDataStaysInTheProgramsFolder)
+{
+    fs::create_directories(temp / "bin");
+    const TappFolders folders = TappDir::resolve(environment(temp / "bin", (temp / "xdg").string()));
+    EXPECT_EQ(folders.application, temp / "bin");
+    EXPECT_EQ(folders.reason, "the program's folder");
+    EXPECT_TRUE(folders.defaults.empty());
+    std::string message;
+    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Present);
+    EXPECT_EQ(message, "");
+    EXPECT_FALSE(fs::exists(temp / "bin/Data"));
+}
+
+TEST_F(AppDirTest, FirstStartCopiesTheShippedDefaultsWritableAndLaterStartsKeepTheUsersData)
+{
+    const fs::path bin = install();
+    fs::permissions(temp / "usr/share/kt930pc/Data/catdes.dat", fs::perms::owner_read | fs::perms::group_read);
+    const TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
+
+    std::string message;
+    ASSERT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Created);
+    EXPECT_EQ(message, "Your data folder " + (temp / "xdg/kt930pc").string()
+                           + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.");
+    const fs::path data = temp / "xdg/kt930pc/Data";
+    EXPECT_EQ(TempDir::read(data / "catdes.dat"), "shipped categories");
+    EXPECT_EQ(TempDir::read(data / "passfail.in"), "shipped definitions");
+    EXPECT_NE(fs::status(data / "catdes.dat").permissions() & fs::perms::owner_write, fs::perms::none);
+    EXPECT_FALSE(fs::exists(temp / "xdg/kt930pc/Data.partial"));
+
+    temp.write("xdg/kt930pc/Data/catdes.dat", "the user's categories");
+    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Present);
+    EXPECT_EQ(message, "");
+    EXPECT_EQ(TempDir::read(data / "catdes.dat"), "the user's categories");
+}
+
+TEST_F(AppDirTest, AFolderThatCannotBeMadeIsReportedAndLeavesNothingBehind)
+{
+    const fs::path bin = install();
+    temp.write("xdg", "a file where the folder should be");
+    const TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
+    std::string message;
+    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Failed);
+    const std::string expected = "The data folder " + (temp / "xdg/kt930pc/Data").string()
+        + " could not be created from " + (temp / "usr/share/kt930pc/Data").string() + ": ";
+    EXPECT_EQ(message.rfind(expected, 0), 0u)
+        << message;
+    EXPECT_EQ(TempDir::read(temp / "xdg"), "a file where the folder should be");
+}

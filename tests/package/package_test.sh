@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# Builds the Debian package from a finished build, unpacks it into a temporary root
+# and runs what it installed there: kt930ctl on an empty HOME (the per-user folder is
+# made from the shipped defaults), the host far enough to load its installed plug-in
+# and show the frame; then checks the package and its files with Debian's own tools.
+set -euo pipefail
+build=$1
+source_dir=$(cd "$(dirname "$0")/../.." && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "FAIL: $*" >&2; exit 1; }
+
+cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work/out" >/dev/null
+deb=$(ls "$work"/out/kt930pc_*_*.deb)
+dpkg-deb -x "$deb" "$work/root"
+usr=$work/root/usr
+
+# Shared-library dependencies come from the binaries.
+depends=$(dpkg-deb -f "$deb" Depends)
+for needed in libqt6widgets6 libftdi1-2 libqt6help6 qt6-qpa-plugins; do
+  [[ $depends == *"$needed"* ]] || fail "Depends lacks $needed: $depends"
+done
+
+# First start on an empty home: the message, then the data set of the shipped defaults.
+export HOME=$work/home XDG_DATA_HOME= QT_QPA_PLATFORM=offscreen
+unset KT930PC_APPDIR
+mkdir -p "$HOME"
+"$usr/bin/kt930ctl" show >"$work/show.txt" 2>"$work/show.err" || fail "kt930ctl show: $(cat "$work/show.err")"
+expected="kt930ctl: Your data folder $HOME/.local/share/kt930pc was created from the shipped defaults. Your checkitems, sequences and settings are kept there."
+[ "$(head -n 1 "$work/show.err")" = "$expected" ] || fail "first-start message: $(head -n 1 "$work/show.err")"
+cmp -s "$usr/share/kt930pc/Data/mit.dat" "$HOME/.local/share/kt930pc/Data/mit.dat" || fail "mit.dat not copied"
+grep -q '^Checkitems (37 used):$' "$work/show.txt" || fail "kt930ctl show printed: $(head -n 5 "$work/show.txt")"
+
+# The host on the same folder: the installed plug-in, not one found by a library path.
+"$usr/bin/kt930pc" --self-test >"$work/host.txt" 2>"$work/host.err" || fail "kt930pc --self-test: $(cat "$work/host.txt" "$work/host.err")"
+[ "$(cat "$work/host.txt")" = "plug-in \"Inspections and User Testers\" from $usr/lib/kt930pc/plugins/libVAROAutoSeqEditor.so
+window shown" ] || fail "kt930pc --self-test printed: $(cat "$work/host.txt")"
+
+desktop-file-validate "$usr"/share/applications/*.desktop || fail "desktop-file-validate"
+appstreamcli validate --no-net "$usr"/share/metainfo/*.metainfo.xml >/dev/null || fail "appstreamcli validate"
+if udevadm verify --help >/dev/null 2>&1; then
+  udevadm verify "$usr"/lib/udev/rules.d/*.rules || fail "udevadm verify"
+fi
+
+# Every accepted lintian warning carries its reason on the comment line above it.
+awk 'NF && $1 !~ /^#/ && prev !~ /^#/ { print "override without a reason: " $0; bad = 1 } { prev = $0 } END { exit bad }' \
+  "$source_dir/packaging/lintian-overrides" || fail "lintian overrides"
+lintian --tag-display-limit 0 "$deb" >"$work/lintian.txt" 2>/dev/null || true
+if grep -q '^E: ' "$work/lintian.txt"; then
+  cat "$work/lintian.txt" >&2
+  fail "lintian reports errors"
+fi
+cat "$work/lintian.txt"
+echo "package test passed: $(basename "$deb")"
