@@ -105,7 +105,8 @@ int main(int argc, char **argv)
     qputenv("KT930PC_APPDIR", appDir.string().c_str());
     QApplication app(argc, argv);
 
-    ThostMainWindow window(QString::fromStdString(appDir.string()));
+    const fs::path build(KT930_BENCH_APPDIR);
+    ThostMainWindow window(TappFolders{appDir, build / "Plugins", build, {}, "benchmark"});
     window.show();
     if (!QTest::qWaitForWindowExposed(&window) || window.pluginCount() != 1) {
         std::fprintf(stderr, "bench_editor: the host window did not come up with its plug-in\n");
