@@ -181,7 +181,9 @@ void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
         int count = 0;
         const std::string &number = tokens[2];
         auto result = std::from_chars(number.data(), number.data() + number.size(), count);
-        if (result.ec != std::errc() || result.ptr != number.data() + number.size() || count < 0)
+        // The command text holds the number in two digits: a count above 99 cannot be
+        // chosen, and a huge one would fill the list for minutes.
+        if (result.ec != std::errc() || result.ptr != number.data() + number.size() || count < 0 || count > 99)
             fail(6, __LINE__);
         m_autoCodes.append(TguiText::fromBytes(tokens[0]));
         m_autoTexts.append(TguiText::fromBytes(tokens[1]));

@@ -320,6 +320,8 @@ TEST_F(InstrPanelTest, AutoLinesNeedThreeTokensAndACount)
 {
     EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\n"); }), 6);
     EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\tmany\n"); }), 6);
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t100\n"); }), 6);
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t99\n"); }), 0);
 }
 
 // --- Showing and enabling ----------------------------------------------------------
