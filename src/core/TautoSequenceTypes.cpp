@@ -14,7 +14,9 @@ bool TautoSequenceTypes::parse(const std::vector<std::string> &lines, std::vecto
         const char *begin = line.data() + second + 1;
         const char *end = line.data() + line.size();
         auto result = std::from_chars(begin, end, type.count);
-        if (result.ec != std::errc() || result.ptr != end || type.count < 0)
+        // The command text holds the number in two digits: a count above 99 cannot be
+        // chosen, and a huge one would fill the number list for minutes.
+        if (result.ec != std::errc() || result.ptr != end || type.count < 0 || type.count > 99)
             return false;
         types.push_back(std::move(type));
     }

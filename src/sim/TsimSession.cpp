@@ -152,16 +152,26 @@ TsimSession::Outcome TsimSession::receiveBlocks(const std::string &command, Tsim
             staging[i * BlockSize] ^= 0xFF;
             log("fault: block " + std::to_string(block) + " stored wrongly");
         }
+        // The last acknowledgement says the put is stored: store first, so a PC that
+        // has it never finds the memory without the put (also when we are stopped
+        // while that acknowledgement is still on the line).
+        if (last)
+            store(command, area, std::move(staging));
         result = m_link.write(last ? "*\r" : "C\r");
         if (result != TsimLink::Result::Ok)
-            return failed(result, command + " block " + std::to_string(block) + ", put dropped");
+            return failed(result, command + " block " + std::to_string(block) + (last ? "" : ", put dropped"));
     }
-    m_memory.image(area) = std::move(staging);
+    return Outcome::Done;
+}
+
+void TsimSession::store(const std::string &command, TsimMemory::Area area, std::vector<std::uint8_t> image)
+{
+    const std::size_t blocks = TsimMemory::blockCount(area);
+    m_memory.image(area) = std::move(image);
     if (m_settings.memoryFile.empty())
         log(command + " stored " + std::to_string(blocks) + " blocks");
     else if (m_memory.save(m_settings.memoryFile))
         log(command + " stored " + std::to_string(blocks) + " blocks in " + m_settings.memoryFile.string());
     else
         log(command + " received, but " + m_settings.memoryFile.string() + " could not be written");
-    return Outcome::Done;
 }

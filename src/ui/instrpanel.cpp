@@ -52,11 +52,12 @@ bool toDouble(const std::string &text, double &value)
 
 // A bound written back into a box must pass the box's own check when the record is
 // shown again: no exponent ("1e+20"), and a whole number in a whole-number field,
-// rounded into the range. 400 characters hold any double in fixed notation.
+// rounded into the range and never below 0. 400 characters hold any double in fixed notation.
 std::string boundText(double bound, bool wholeNumber, bool isMinimum)
 {
+    // A whole-number box holds digits only: no sign, not even that of "-0".
     if (wholeNumber)
-        bound = isMinimum ? std::ceil(bound) : std::floor(bound);
+        bound = std::max(isMinimum ? std::ceil(bound) : std::floor(bound), 0.0) + 0.0;
     char buffer[400];
     auto result = std::to_chars(buffer, buffer + sizeof buffer, bound, std::chars_format::fixed);
     return std::string(buffer, result.ptr);

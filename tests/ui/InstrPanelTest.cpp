@@ -194,6 +194,12 @@ TEST_F(InstrPanelTest, AClampedBoundIsWrittenSoTheRecordShowsAgain)
     panel->GetInstr(record);
     EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "1\t5\t0.5"));
     EXPECT_EQ(errorCode([&] { panel->SetInstr(record); }), 0);
+
+    // A maximum of "-0000" is no sign to write into a box of digits.
+    build("M - Measure\nN 9\n\"Volts\"\t\"\"\t\"N0,-0000\"\n");
+    panel->SetInstr(TInstr('A', 'M', "1500"));
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "0"));
 }
 
 // --- The key filter, with real key presses -----------------------------------------
@@ -320,6 +326,8 @@ TEST_F(InstrPanelTest, AutoLinesNeedThreeTokensAndACount)
 {
     EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\n"); }), 6);
     EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\tmany\n"); }), 6);
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t100\n"); }), 6);
+    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t99\n"); }), 0);
 }
 
 // --- Showing and enabling ----------------------------------------------------------
