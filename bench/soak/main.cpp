@@ -3,6 +3,7 @@
 //   kt930soak [--kills N] [--starved N] [--minutes M] [--seed S]
 // Prints a table of what ran and what went wrong; exits 1 when anything did.
 #include "../transfer/BenchMessageSink.h"
+#include "../transfer/BenchProgressSink.h"
 #include "../transfer/BenchSimulator.h"
 #include "FullDataSet.h"
 #include "SaveUnderFaults.h"
@@ -38,16 +39,6 @@ public:
         return MsgAnswer::Ok;
     }
     int count = 0;
-};
-
-class SoakProgressSink : public ProgressSink {
-public:
-    void setStage(const std::string &) override {}
-    void setPosition(int) override {}
-    bool isCancelled() const override { return false; }
-    void setCancelled() override {}
-    void setResult(TransferResult r) override { result = r; }
-    TransferResult result = TransferResult::None;
 };
 
 long statusField(const char *field)
@@ -139,7 +130,7 @@ public:
 
         const std::string imagesBefore = imagesOf(m_pc);
         const std::string filesBefore = filesOf(m_pc.dataFolder());
-        SoakProgressSink progress;
+        BenchProgressSink progress;
         CountingMessageSink messages;
         int context = 0;
         std::unique_ptr<TtransferRecord> record;
