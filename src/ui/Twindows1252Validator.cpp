@@ -9,6 +9,12 @@ Twindows1252Validator::Twindows1252Validator(QLineEdit *edit) : QValidator(edit)
 
 QValidator::State Twindows1252Validator::validate(QString &input, int &pos) const
 {
+    removeUnstorable(input, pos);
+    return Acceptable;
+}
+
+void Twindows1252Validator::removeUnstorable(QString &input, int &pos)
+{
     // A character the code page lacks does not come back from a round trip through
     // it (the two halves of a surrogate pair do not either).
     for (qsizetype i = input.size() - 1; i >= 0; --i) {
@@ -19,5 +25,4 @@ QValidator::State Twindows1252Validator::validate(QString &input, int &pos) cons
         if (i < pos)
             --pos;
     }
-    return Acceptable;
 }

@@ -11,4 +11,6 @@ class Twindows1252Validator : public QValidator {
 public:
     explicit Twindows1252Validator(QLineEdit *edit); // installs itself on edit
     State validate(QString &input, int &pos) const override;
+    // The same for validators that check more than the code page.
+    static void removeUnstorable(QString &input, int &pos);
 };

@@ -4,6 +4,8 @@
 #include "TInstr.h"
 #include "TautoSequenceTypes.h"
 #include "TguiText.h"
+#include "TlengthLimitValidator.h"
+#include "Twindows1252Validator.h"
 #include <QComboBox>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -89,24 +91,38 @@ bool isDecimalText(const std::string &text)
     return true;
 }
 
-// Text that reaches a box without a key press (pasted, dropped) obeys the key filter's rules.
-class TfieldValidator : public QValidator {
+// Text that reaches a box without a key press (pasted, dropped) obeys the key filter's
+// rules. A tab or a line break would start another value in the command text, so a
+// text box takes them as blanks. The command text holds 41 characters with the
+// tabs between values: a box takes no more than the other boxes leave.
+class TfieldValidator : public TlengthLimitValidator {
 public:
-    TfieldValidator(int tag, QObject *parent) : QValidator(parent), m_tag(tag) {}
-    State validate(QString &input, int &) const override
+    TfieldValidator(int tag, std::function<qsizetype()> room, QLineEdit *box)
+        : TlengthLimitValidator(std::move(room), box), m_tag(tag)
     {
+    }
+    State validate(QString &input, int &pos) const override
+    {
+        // Before the upper-casing, which goes through the code page and would turn them into blanks.
+        Twindows1252Validator::removeUnstorable(input, pos);
+        for (QChar &c : input)
+            if (c.unicode() < 32 || c.unicode() == 127)
+                c = QLatin1Char(' ');
         const std::string text = TguiText::toBytes(input);
         switch (m_tag) {
         case TInstrPanel::WholeNumber:
-            return std::all_of(text.begin(), text.end(), isDigit) ? Acceptable : Invalid;
+            if (!std::all_of(text.begin(), text.end(), isDigit))
+                return Invalid;
+            break;
         case TInstrPanel::DecimalNumber:
-            return isDecimalText(text) ? Acceptable : Invalid;
+            if (!isDecimalText(text))
+                return Invalid;
+            break;
         case TInstrPanel::UpperCaseText:
             input = TguiText::fromBytes(upperCased(text));
-            return Acceptable;
-        default:
-            return Acceptable;
+            break;
         }
+        return TlengthLimitValidator::validate(input, pos);
     }
 
 private:
@@ -186,7 +202,8 @@ void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
         int row = int(m_boxes.size());
         addFieldRow(row, field.leftLabel, field.rightLabel);
         m_tags.push_back(field.typeTag);
-        m_boxes.back()->setValidator(new TfieldValidator(field.typeTag, m_boxes.back()));
+        QLineEdit *box = m_boxes.back();
+        new TfieldValidator(field.typeTag, [this, box] { return roomLeftFor(box); }, box);
         m_ranges.push_back(range);
     }
 }
@@ -205,6 +222,15 @@ void TInstrPanel::addFieldRow(int row, const std::string &left, const std::strin
     m_layout->addWidget(box, row, 1);
     m_layout->addWidget(rightLabel, row, 2);
     m_boxes.push_back(box);
+}
+
+qsizetype TInstrPanel::roomLeftFor(const QLineEdit *box) const
+{
+    qsizetype used = qsizetype(m_boxes.size()) - 1; // the tabs between the values
+    for (const QLineEdit *other : m_boxes)
+        if (other != box)
+            used += other->text().size();
+    return qsizetype(CommandLength) - used;
 }
 
 void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
@@ -281,6 +307,8 @@ void TInstrPanel::SetInstr(const _instructionStruct &record)
         return;
     }
 
+    // A box's room depends on the others: those of the record shown before must not count.
+    Clear();
     std::vector<std::string> tokens = splitAtTabs(text);
     for (std::size_t k = 0; k < tokens.size(); ++k) {
         if (k >= m_boxes.size())

@@ -212,7 +212,7 @@ TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThr
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
 }
 
-TEST(TitleForm, TypingStopsAtTwentyCharactersAndAPasteKeepsWhatFits)
+TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAndAPasteKeepsWhatFits)
 {
     ensureApplication();
     TseqTitleEditForm form(nullptr, "");
@@ -233,6 +233,12 @@ TEST(TitleForm, TypingStopsAtTwentyCharactersAndAPasteKeepsWhatFits)
     QTest::keySequence(edit, QKeySequence::Paste);
     EXPECT_EQ(edit->text(), "WARD NUMBER 12  EAST");
     EXPECT_EQ(edit->cursorPosition(), 15);
+
+    // A name is saved in Windows-1252: what it cannot hold is refused, not saved as a blank.
+    edit->setText("BAY");
+    QApplication::clipboard()->setText(QString::fromUtf8(" \u0394\u00C4\u03A9"));
+    QTest::keySequence(edit, QKeySequence::Paste);
+    EXPECT_EQ(edit->text(), QString::fromUtf8("BAY \u00C4"));
 }
 
 TEST(TitleForm, ALongerStoredNameStaysWholeAndMayShrinkButNotGrow)

@@ -260,6 +260,38 @@ TEST_F(InstrPanelTest, PastedTextObeysTheSameRulesAsKeys)
     EXPECT_EQ(paste(box(3), "ab"), "ab");
 }
 
+TEST_F(InstrPanelTest, BoxesTakeOnlyWhatTheCommandTextCanHold)
+{
+    build("R - Remote\nN\n\"U\"\t\"\"\t\"U\"\n\"N\"\t\"\"\t\"N\"\n\"A\"\t\"\"\t\"A\"\n");
+    auto paste = [](QLineEdit *box, const QString &text) {
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+        return box->text();
+    };
+    // A tab would split the value in two; a character outside Windows-1252 would be saved as a blank.
+    EXPECT_EQ(paste(box(2), QString::fromUtf8("a\tb\u03A9\u00FC\u20AC")), QString::fromUtf8("a b\u00FC\u20AC"));
+    for (QChar c : QString::fromUtf8("\u03A9x"))
+        QTest::sendKeyEvent(QTest::Click, box(0), Qt::Key_unknown, QString(c), Qt::NoModifier);
+    EXPECT_EQ(box(0)->text(), "X");
+
+    // 41 characters with the two tabs: "X", "a bü€" and 2 tabs leave 33 for the number.
+    QTest::keyClicks(box(1), QString(40, QLatin1Char('7')));
+    EXPECT_EQ(box(1)->text(), QString(33, QLatin1Char('7')));
+    TInstr record(' ', 'R', "");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes(' ', 'R', "X\t" + std::string(33, '7') + "\ta b\xFC\x80"));
+
+    // Full: a paste keeps nothing, a shorter value makes room again.
+    EXPECT_EQ(paste(box(0), "YZ"), "X");
+    box(1)->setText("7");
+    EXPECT_EQ(paste(box(0), QString(40, QLatin1Char('y'))), "X" + QString(32, QLatin1Char('Y')));
+
+    // Showing a record is not limited by the values of the one shown before.
+    panel->SetInstr(TInstr(' ', 'R', std::string(36, 'Q') + "\t1\tz"));
+    EXPECT_EQ(box(0)->text(), QString(36, QLatin1Char('Q')));
+    EXPECT_EQ(box(2)->text(), "z");
+}
+
 // --- The "A" panel -------------------------------------------------------------------
 
 class AutoPanelTest : public InstrPanelTest {

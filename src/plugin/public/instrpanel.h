@@ -74,6 +74,7 @@ private:
     void ParseCommands(const std::vector<std::string> &lines);
     void ParseAutoField(const std::vector<std::string> &lines);
     void addFieldRow(int row, const std::string &left, const std::string &right);
+    qsizetype roomLeftFor(const QLineEdit *box) const; // characters the other values leave
     void CleanUp();
 
     char m_opCode = 0;
