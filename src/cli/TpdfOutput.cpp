@@ -4,12 +4,24 @@
 #include "TInstrDatabase.h"
 #include "TdataSet.h"
 #include "TinstListingPrinter.h"
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <unistd.h>
 
 std::string TpdfOutput::refusal(const std::string &path)
 {
-    if (std::filesystem::is_directory(path))
+    namespace fs = std::filesystem;
+    if (path.empty())
+        return "--pdf needs a file name";
+    std::error_code error;
+    if (fs::is_directory(path, error))
         return path + " is a folder, not a file";
+    // Asked before printing, which would only say that the page could not be started.
+    fs::path folder = fs::path(path).parent_path();
+    const fs::path written = fs::exists(path, error) ? fs::path(path) : folder.empty() ? fs::path(".") : folder;
+    if (::access(written.c_str(), W_OK) != 0)
+        return "cannot write " + path + ": " + std::strerror(errno);
     return {};
 }
 

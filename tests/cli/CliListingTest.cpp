@@ -62,8 +62,12 @@ TEST_F(CliListingTest, BadInputIsNamedAndFails)
     const std::string unwritable = (temp / "absent/list.pdf").string();
     ProgramRun missingFolder = listing(unwritable);
     EXPECT_EQ(missingFolder.exitCode, 1);
-    EXPECT_NE(missingFolder.err.find("kt930ctl listing: cannot write " + unwritable + "\n"), std::string::npos)
-        << missingFolder.err;
+    EXPECT_EQ(missingFolder.err, "kt930ctl listing: cannot write " + unwritable + ": No such file or directory\n");
+    EXPECT_FALSE(fs::exists(temp / "absent"));
+
+    ProgramRun noName = listing("");
+    EXPECT_EQ(noName.exitCode, 1);
+    EXPECT_EQ(noName.err, "kt930ctl listing: --pdf needs a file name\n");
 
     ProgramRun noPdf = ProgramRun::run("kt930ctl", {"listing", "--appdir", (temp / "app").string()}, temp.path());
     EXPECT_EQ(noPdf.exitCode, 2);
