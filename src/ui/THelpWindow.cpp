@@ -1,5 +1,6 @@
 #include "THelpWindow.h"
 #include <QHelpEngineCore>
+#include <QScreen>
 
 THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &topic)
 {
@@ -7,7 +8,8 @@ THelpWindow::THelpWindow(const std::filesystem::path &helpFile, const QString &t
     // A help window never keeps the program running once its main window is closed.
     setAttribute(Qt::WA_QuitOnClose, false);
     setOpenLinks(true);
-    resize(720, 560);
+    // Never larger than the screen leaves free, with room for the title bar and borders.
+    resize(QSize(720, 560).boundedTo(screen()->availableGeometry().size() - QSize(16, 48)));
     const QString qch = QString::fromStdString(helpFile.string());
     setWindowTitle(QString::fromStdString(helpFile.stem().string()) + QStringLiteral(" Help"));
 
