@@ -6,6 +6,7 @@
 //           transfer, so short inputs complete it; otherwise the analyzer sends
 //           exactly the rest of the input and falls silent (time-outs, short reads)
 #include "../tests/comm/FakeUsbDevice.h"
+#include "../tests/common/RecordingProgressSink.h"
 #include "AutosequenceConversions.h"
 #include "FuzzInput.h"
 #include "MessageSink.h"
@@ -19,16 +20,6 @@ namespace {
 class SilentMessageSink : public MessageSink {
 public:
     MsgAnswer show(const Message &) override { return MsgAnswer::Ok; }
-};
-
-class ResultSink : public ProgressSink {
-public:
-    void setStage(const std::string &) override {}
-    void setPosition(int) override {}
-    bool isCancelled() const override { return false; }
-    void setCancelled() override {}
-    void setResult(TransferResult r) override { result = r; }
-    TransferResult result = TransferResult::None;
 };
 
 std::string analyzerBytes(const std::uint8_t *data, std::size_t size, std::size_t transferBytes)
@@ -65,7 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     usb.script->descriptions = {"Brennix Systems KT930 Plus"};
     usb.script->vendors = {TusbDeviceApi::FtdiVendorId};
     SilentMessageSink messages;
-    ResultSink progress;
+    RecordingProgressSink progress;
+    auto completed = [&progress] { return !progress.results.empty() && progress.results.back() == TransferResult::Ok; };
     TdataSet set(appDir, messages);
 
     if (data[0] & 8) {
@@ -75,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         TinstSyncThread worker(&progress, &messages, record.get());
         worker.start();
         worker.wait();
-        if (progress.result == TransferResult::Ok) {
+        if (completed()) {
             record->copyInto(set.checkitems);
             set.saveCheckitems();
         }
@@ -99,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     TdownloadThread worker(&context, &progress, &messages, record.get());
     worker.start();
     worker.wait();
-    if (progress.result != TransferResult::Ok)
+    if (!completed())
         return 0;
     set.validateOpCodes();
     set.backup();

@@ -146,6 +146,22 @@ KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
     return figures;
 }
 
+void withFileSizeLimit(std::size_t limit, const std::function<void()> &action)
+{
+    // Ignored, SIGXFSZ no longer ends the process: the write fails with EFBIG instead.
+    struct sigaction ignore {}, old {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGXFSZ, &ignore, &old);
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    rlimit starved = saved;
+    starved.rlim_cur = limit;
+    ::setrlimit(RLIMIT_FSIZE, &starved);
+    action();
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    ::sigaction(SIGXFSZ, &old, nullptr);
+}
+
 StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
 {
     const Files before = savedFiles(0), after = savedFiles(1);
@@ -157,18 +173,7 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
         TdataSet set(appDir.path(), sink);
         FullDataSet::fill(set, 1);
 
-        // Past the limit a write fails with EFBIG instead of raising SIGXFSZ.
-        struct sigaction ignore {}, old {};
-        ignore.sa_handler = SIG_IGN;
-        ::sigaction(SIGXFSZ, &ignore, &old);
-        rlimit saved{};
-        ::getrlimit(RLIMIT_FSIZE, &saved);
-        rlimit starved = saved;
-        starved.rlim_cur = limit;
-        ::setrlimit(RLIMIT_FSIZE, &starved);
-        set.backup();
-        ::setrlimit(RLIMIT_FSIZE, &saved);
-        ::sigaction(SIGXFSZ, &old, nullptr);
+        withFileSizeLimit(limit, [&] { set.backup(); });
 
         ++figures.saves;
         int others = 0;

@@ -30,17 +30,7 @@ TEST(StarvedSave, FullDiskKeepsEveryOldFileAndShowsOneFileErrorEach)
     TdataSet set(appDir.path(), sink);
     FullDataSet::fill(set, 1);
 
-    struct sigaction ignore {}, old {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGXFSZ, &ignore, &old);
-    rlimit saved{};
-    ::getrlimit(RLIMIT_FSIZE, &saved);
-    rlimit full = saved;
-    full.rlim_cur = 0;
-    ::setrlimit(RLIMIT_FSIZE, &full);
-    set.backup();
-    ::setrlimit(RLIMIT_FSIZE, &saved);
-    ::sigaction(SIGXFSZ, &old, nullptr);
+    SaveUnderFaults::withFileSizeLimit(0, [&] { set.backup(); });
 
     std::vector<Message> expected;
     for (const auto &[name, text] : SaveUnderFaults::fileErrorTexts())

@@ -51,6 +51,12 @@ protected:
         bytes += text + std::string(41 - text.size(), ' ') + '\0';
         return bytes;
     }
+    static QString paste(QLineEdit *box, const QString &text)
+    {
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
+        return box->text();
+    }
     static std::string bytesOf(const TInstr &record) { return std::string(reinterpret_cast<const char *>(&record), 44); }
 
     ApplicationFirst application; // before the widgets
@@ -247,11 +253,6 @@ TEST_F(InstrPanelTest, TextBoxesTakeAnyKeyAndUpperCaseBoxesRaiseIt)
 TEST_F(InstrPanelTest, PastedTextObeysTheSameRulesAsKeys)
 {
     build("R - Remote\nN\n\"N\"\t\"\"\t\"N\"\n\"F\"\t\"\"\t\"F\"\n\"U\"\t\"\"\t\"U\"\n\"A\"\t\"\"\t\"A\"\n");
-    auto paste = [](QLineEdit *box, const QString &text) {
-        QGuiApplication::clipboard()->setText(text);
-        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
-        return box->text();
-    };
     EXPECT_EQ(paste(box(0), "1a2"), "");
     EXPECT_EQ(paste(box(0), "12"), "12");
     EXPECT_EQ(paste(box(1), "1.5.2"), "");
@@ -263,11 +264,6 @@ TEST_F(InstrPanelTest, PastedTextObeysTheSameRulesAsKeys)
 TEST_F(InstrPanelTest, BoxesTakeOnlyWhatTheCommandTextCanHold)
 {
     build("R - Remote\nN\n\"U\"\t\"\"\t\"U\"\n\"N\"\t\"\"\t\"N\"\n\"A\"\t\"\"\t\"A\"\n");
-    auto paste = [](QLineEdit *box, const QString &text) {
-        QGuiApplication::clipboard()->setText(text);
-        QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
-        return box->text();
-    };
     // A tab would split the value in two; a character outside Windows-1252 would be saved as a blank.
     EXPECT_EQ(paste(box(2), QString::fromUtf8("a\tb\u03A9\u00FC\u20AC")), QString::fromUtf8("a b\u00FC\u20AC"));
     for (QChar c : QString::fromUtf8("\u03A9x"))
