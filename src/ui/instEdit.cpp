@@ -252,12 +252,32 @@ void TinstructionEditorForm::buildPanels()
     } catch (const std::bad_alloc &) {
         m_sink.error("SYSTEM ERROR!", NoMemoryText);
     }
+    setEditTabOrder();
     // Room for the tallest panel, so the grid does not jump when the op code changes.
     int tallest = 0;
     for (const auto &[opCode, panel] : m_opPanelMap)
         tallest = std::max(tallest, panel->sizeHint().height());
     ui->pnlInst->setMinimumHeight(ui->pnlInst->minimumSizeHint().height() + tallest
                                   + ui->pnlInstLayout->spacing());
+}
+
+// The panels come to life after the form's own controls, which would put their fields
+// last for the Tab key. An edit goes: op code, category, the fields of the panel on
+// show (the hidden ones are skipped), the tick, the cross, then the category buttons.
+void TinstructionEditorForm::setEditTabOrder()
+{
+    QWidget *previous = ui->lstCat;
+    for (const auto &[opCode, panel] : m_opPanelMap)
+        for (QWidget *field : panel->findChildren<QWidget *>())
+            if (field->focusPolicy() & Qt::TabFocus) {
+                QWidget::setTabOrder(previous, field);
+                previous = field;
+            }
+    for (QWidget *next : {static_cast<QWidget *>(ui->btnUpdate), static_cast<QWidget *>(ui->btnCancel),
+                          static_cast<QWidget *>(ui->btnNewCat), static_cast<QWidget *>(ui->btnEditCat)}) {
+        QWidget::setTabOrder(previous, next);
+        previous = next;
+    }
 }
 
 // Op codes in their list order; equal numbers in letter order.

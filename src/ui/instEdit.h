@@ -91,6 +91,7 @@ private:
     void setUpControls();
     void makeDegenerate();
     void buildPanels();
+    void setEditTabOrder();
     void buildOpList();
     void loadCategories();
     void rebuildCategoryList();

@@ -240,13 +240,23 @@ TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
     EXPECT_EQ(sink.messages.back(), (Message{"FATAL ERROR", FatalText, MsgIcon::Exclamation}));
 }
 
-TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClamped)
+TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClampedAndTabGoesThroughTheFields)
 {
     auto editor = open();
     clickRow(editor.get(), 0);
     click(editor.get(), "btnEditInst");
     EXPECT_EQ(enabledControls(editor.get()), Editing);
     EXPECT_EQ(editor->focusWidget(), shownFields(editor.get())[0]);
+    // By keyboard: from the category through the fields shown to the tick and the cross.
+    get(editor.get(), "lstCat")->setFocus();
+    QList<QWidget *> tabbed;
+    for (int i = 0; i < 5; ++i) {
+        QTest::keyClick(editor->focusWidget(), Qt::Key_Tab);
+        tabbed << editor->focusWidget();
+    }
+    const QList<QLineEdit *> fields = shownFields(editor.get());
+    EXPECT_EQ(tabbed, (QList<QWidget *>{fields[0], fields[1], fields[2], get(editor.get(), "btnUpdate"),
+                                       get(editor.get(), "btnCancel")}));
     retype(editor.get(), 0, "ir");
     retype(editor.get(), 1, "12x00.5"); // digits only, then above the range
     retype(editor.get(), 2, "-0");
