@@ -299,6 +299,18 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
     }
 }
 
+// Edit and Delete act on the row the edit area shows: neither Ctrl+click nor
+// Ctrl+Space leaves that row unselected.
+TEST_F(Editor, TheShownRowStaysSelected)
+{
+    auto editor = open();
+    clickRow(editor.get(), 2);
+    QTest::mouseClick(grid(editor.get())->viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(editor.get(), 2));
+    EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
+    QTest::keyClick(grid(editor.get()), Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
+}
+
 TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDelete)
 {
     appDir.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward 3", {sequence("EARTH", "BOND", {2, 1})}));
