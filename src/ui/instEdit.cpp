@@ -768,7 +768,13 @@ void TinstructionEditorForm::btnSyncClick()
 
 void TinstructionEditorForm::btnOkClick()
 {
-    CategoryDescriptors::save(m_categoryDescriptors, TappDir::dataFolder(m_appDir) / "catdes.dat");
+    // Closing after a failed save would lose the names the user has just typed.
+    const std::filesystem::path file = TappDir::dataFolder(m_appDir) / "catdes.dat";
+    if (CategoryDescriptors::save(m_categoryDescriptors, file) != 0) {
+        m_sink.error("File Error", "The category names could not be saved to " + file.string()
+                                       + ".\nMake the file writable, then press OK again.");
+        return;
+    }
     accept();
 }
 

@@ -360,6 +360,27 @@ TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
                                                         "checks\nI, Insulation\nL, Leakage current\nP, Operator prompts\n");
 }
 
+TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
+{
+    const std::filesystem::path file = appDir.data("catdes.dat");
+    const std::string before = TempDir::read(file);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+    auto editor = open();
+    click(editor.get(), "btnEditInst");
+    nameCategory("Lost otherwise");
+    click(editor.get(), "btnNewCat");
+    click(editor.get(), "btnUpdate");
+    click(editor.get(), "btnOk");
+    EXPECT_EQ(sink.messages, (Messages{{"File Error", "The category names could not be saved to " + file.string()
+                                                          + ".\nMake the file writable, then press OK again."}}));
+    EXPECT_TRUE(editor->isVisible());
+    EXPECT_EQ(TempDir::read(file), before);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    click(editor.get(), "btnOk");
+    EXPECT_EQ(editor->result(), QDialog::Accepted);
+    EXPECT_NE(TempDir::read(file).find("B, Lost otherwise\n"), std::string::npos);
+}
+
 TEST_F(Editor, FilterAppliesOnOkAndWhatACancelLeftAtTheNextSort)
 {
     auto editor = open();
