@@ -22,6 +22,9 @@ std::array<std::string, 4> TinstGridText::row(const TInstrDatabase &db, std::uin
 
 std::string TinstGridText::command(const TInstr &record)
 {
+    // A deleted checkitem that a sequence still names: its cleared bytes are no text.
+    if (record.isFree())
+        return {};
     std::string text = record.commandText();
     for (std::size_t i = 0; i < text.size() && i < TabScanLength; ++i)
         if (text[i] == '\t')

@@ -51,6 +51,7 @@ bool TsequencePrinter::print(QPrinter &printer, const std::vector<TsequenceRepor
 
     const int width = painter.device()->width() - 2 * TinstListingPrinter::Margin;
     const int height = TinstListingPrinter::lineHeight(painter);
+    const int perPage = TinstListingPrinter::linesPerPage(painter.device()->height(), height);
     auto drawLine = [&](int line, const QFont &font, const QString &text) {
         painter.setFont(font);
         const QRect box(TinstListingPrinter::Margin, TinstListingPrinter::Margin + line * height, width, height);
@@ -71,10 +72,19 @@ bool TsequencePrinter::print(QPrinter &printer, const std::vector<TsequenceRepor
         for (const QStringList &row : rows)
             for (qsizetype c = 0; c < widths.size(); ++c)
                 widths[c] = std::max(widths[c], int(row[c].size()));
+        const QString columnHeader = TinstListingPrinter::paddedLine(rows.front(), widths);
         int line = int(heading.size());
-        drawLine(line++, fonts.header, TinstListingPrinter::paddedLine(rows.front(), widths));
-        for (qsizetype r = 1; r < rows.size(); ++r)
+        drawLine(line++, fonts.header, columnHeader);
+        for (qsizetype r = 1; r < rows.size(); ++r) {
+            // A small page: the rest of the table goes on, under its header, on the next.
+            if (line >= perPage) {
+                if (!printer.newPage())
+                    return false;
+                line = 0;
+                drawLine(line++, fonts.header, columnHeader);
+            }
             drawLine(line++, fonts.regular, TinstListingPrinter::paddedLine(rows[r], widths));
+        }
     }
     return painter.end();
 }

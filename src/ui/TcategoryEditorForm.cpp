@@ -1,6 +1,7 @@
 #include "TcategoryEditorForm.h"
 #include "ui_TcategoryEditorForm.h"
 #include "TguiText.h"
+#include "Twindows1252Validator.h"
 #include <cassert>
 
 namespace {
@@ -25,6 +26,7 @@ TcategoryEditorForm::TcategoryEditorForm(QWidget *owner, int mode, char letter, 
 {
     assert(table);
     ui->setupUi(this);
+    new Twindows1252Validator(ui->txtName); // the descriptor file is Windows-1252
     TcategoryMap &map = *m_table;
     ui->categoryDesignator->clear();
     if (mode == NewCategory) {

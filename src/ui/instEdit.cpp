@@ -198,6 +198,12 @@ void TinstructionEditorForm::setUpControls()
     connect(ui->lstCat, &QComboBox::activated, this, [this] { guarded([this] { lstCatChange(); }); });
     connect(ui->instList, &QTableWidget::currentCellChanged, this, [this] { guarded([this] { instListClick(); }); });
     connect(ui->instList, &QTableWidget::cellDoubleClicked, this, [this] { guarded([this] { instListDblClick(); }); });
+    // Edit and Delete act on the current row: Ctrl+click must not leave it unselected.
+    connect(ui->instList->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        QTableWidget *grid = ui->instList;
+        if (!grid->selectionModel()->hasSelection() && grid->currentRow() >= 0)
+            grid->selectRow(grid->currentRow());
+    });
     connect(m_header, &QHeaderView::sectionPressed, this,
             [this](int column) { guarded([this, column] { instListMouseDown(column); }); });
 }
@@ -782,7 +788,13 @@ void TinstructionEditorForm::btnSyncClick()
 
 void TinstructionEditorForm::btnOkClick()
 {
-    CategoryDescriptors::save(m_categoryDescriptors, TappDir::dataFolder(m_appDir) / "catdes.dat");
+    // Closing after a failed save would lose the names the user has just typed.
+    const std::filesystem::path file = TappDir::dataFolder(m_appDir) / "catdes.dat";
+    if (CategoryDescriptors::save(m_categoryDescriptors, file) != 0) {
+        m_sink.error("File Error", "The category names could not be saved to " + file.string()
+                                       + ".\nMake the file writable, then press OK again.");
+        return;
+    }
     accept();
 }
 

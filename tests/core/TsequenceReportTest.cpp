@@ -24,7 +24,7 @@ struct SequenceReportTest : ::testing::Test {
 
 TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarks)
 {
-    const std::uint16_t items[] = {2, 1, 3, 2000, 0, 1};
+    const std::uint16_t items[] = {2, 1, 3, 4, 2000, 0, 1}; // 4 deleted: a cleared slot
     std::copy(std::begin(items), std::end(items), seq.items);
     const TsequenceReport report = TsequenceReport::make(seq, db, categories, 0);
     EXPECT_EQ(report.title1, "EARTH BOND");
@@ -32,6 +32,7 @@ TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarks)
     const std::vector<std::array<std::string, 3>> rows{{"C", "P - Pass/Fail", "Plug ok?"},
                                                        {"Electrical", "M - Measure", "EB\xBB" "0.1"},
                                                        {"", "", "Unknown op"}, // no definition file
+                                                       {"<empty>", "", ""},
                                                        {"", "", ""}};          // not a checkitem number
     EXPECT_EQ(report.rows, rows);
 }

@@ -75,3 +75,18 @@ TEST_F(SequencePrinterTest, NothingToPrintOrNoPrinterIsAFailure)
     TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "absent/x.pdf").string()));
     EXPECT_FALSE(TsequencePrinter::print(printer, {report(1)}));
 }
+
+TEST_F(SequencePrinterTest, RowsThatDoNotFitGoOnANextPageUnderTheColumnHeader)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "small.pdf").string()));
+    printer.setPageSize(QPageSize(QPageSize::A6)); // 29 lines between the margins
+    ASSERT_TRUE(TsequencePrinter::print(printer, {report(24), report(1)}));
+    const PdfPages pages = pdfPages(temp / "small.pdf", true);
+    ASSERT_EQ(pages.size(), 3u);
+    EXPECT_EQ(pages[0].back().substr(0, 7), Indent + "20.");
+    ASSERT_EQ(pages[1].size(), 5u);
+    EXPECT_EQ(pages[1][0], Indent + "No.  Category    Op Code        Command");
+    EXPECT_EQ(pages[1][4], Indent + "24.  Visual      P - Pass/Fail  Step 24\u00BB0.1");
+    EXPECT_EQ(pages[2][3], Indent + "AutoSequence EARTH BOND - CLASS I");
+}

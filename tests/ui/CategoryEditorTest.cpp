@@ -87,3 +87,15 @@ TEST(CategoryEditor, CancelKeepsTheInsertedLookUpsButNoName)
     EXPECT_EQ(map.at('\x01') + map.at('A') + map.at('B') + map.at('Z'), "");
     EXPECT_EQ(TcategoryEditorForm::run(nullptr, 'A', TcategoryEditorForm::NewCategory), -1);
 }
+
+TEST(CategoryEditor, TheNameTakesOnlyCharactersTheDescriptorFileCanHold)
+{
+    TcategoryMap map;
+    EXPECT_EQ(runEditor(map, 'M', TcategoryEditorForm::EditCategory, [](auto *, auto *name, auto *d) {
+        for (const QString &key : QString::fromUtf8("Ω tests €5").split(QString(), Qt::SkipEmptyParts))
+            QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
+        name->insert(QString::fromUtf8("→x")); // pasted
+        click(d, "btnOK");
+    }), 0);
+    EXPECT_EQ(map.at('M'), "tests \x80" "5x");
+}

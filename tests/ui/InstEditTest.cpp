@@ -309,6 +309,18 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
     }
 }
 
+// Edit and Delete act on the row the edit area shows: neither Ctrl+click nor
+// Ctrl+Space leaves that row unselected.
+TEST_F(Editor, TheShownRowStaysSelected)
+{
+    auto editor = open();
+    clickRow(editor.get(), 2);
+    QTest::mouseClick(grid(editor.get())->viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(editor.get(), 2));
+    EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
+    QTest::keyClick(grid(editor.get()), Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
+}
+
 TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDelete)
 {
     appDir.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward 3", {sequence("EARTH", "BOND", {2, 1})}));
@@ -356,6 +368,27 @@ TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
     EXPECT_EQ(editor->result(), QDialog::Accepted);
     EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")), "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional "
                                                         "checks\nI, Insulation\nL, Leakage current\nP, Operator prompts\n");
+}
+
+TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
+{
+    const std::filesystem::path file = appDir.data("catdes.dat");
+    const std::string before = TempDir::read(file);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+    auto editor = open();
+    click(editor.get(), "btnEditInst");
+    nameCategory("Lost otherwise");
+    click(editor.get(), "btnNewCat");
+    click(editor.get(), "btnUpdate");
+    click(editor.get(), "btnOk");
+    EXPECT_EQ(sink.messages, (Messages{{"File Error", "The category names could not be saved to " + file.string()
+                                                          + ".\nMake the file writable, then press OK again."}}));
+    EXPECT_TRUE(editor->isVisible());
+    EXPECT_EQ(TempDir::read(file), before);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    click(editor.get(), "btnOk");
+    EXPECT_EQ(editor->result(), QDialog::Accepted);
+    EXPECT_NE(TempDir::read(file).find("B, Lost otherwise\n"), std::string::npos);
 }
 
 TEST_F(Editor, FilterAppliesOnOkAndWhatACancelLeftAtTheNextSort)
