@@ -5,24 +5,32 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
                           std::size_t positionalCount, std::string &why,
                           const std::set<std::string> &valueOptions)
 {
+    // The value of an option is the next argument, unless that is an option itself:
+    // "--pdf --appdir DIR" would otherwise print to a file named "--appdir".
+    auto hasValue = [&](std::size_t i, const std::string &missing) {
+        if (i + 1 < arguments.size() && arguments[i + 1].rfind("--", 0) != 0)
+            return true;
+        why = missing;
+        return false;
+    };
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string &argument = arguments[i];
         if (argument == "--help" || argument == "-h") {
             help = true;
             return true;
         }
+        if ((argument == "--appdir" && appDirGiven) || options.count(argument)) {
+            why = argument + " is given twice";
+            return false;
+        }
         if (argument == "--appdir") {
-            if (i + 1 >= arguments.size()) {
-                why = "--appdir needs a folder";
+            if (!hasValue(i, "--appdir needs a folder"))
                 return false;
-            }
             appDir = arguments[++i];
             appDirGiven = true;
         } else if (valueOptions.count(argument)) {
-            if (i + 1 >= arguments.size()) {
-                why = argument + " needs a value";
+            if (!hasValue(i, argument + " needs a value"))
                 return false;
-            }
             options[argument] = arguments[++i];
         } else if (knownFlags.count(argument)) {
             flags.insert(argument);

@@ -161,6 +161,19 @@ TEST_F(CliTest, UsageErrorsAndHelp)
     EXPECT_EQ(unknown.exitCode, 2);
     EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
+
+    // An option's value is never the next option, and an option counts once.
+    const std::vector<std::pair<std::vector<std::string>, std::string>> refused{
+        {{"listing", "--pdf", "--appdir", "app"}, "kt930ctl listing: --pdf needs a value\n"},
+        {{"show", "--appdir"}, "kt930ctl show: --appdir needs a folder\n"},
+        {{"listing", "--pdf", "a.pdf", "--pdf", "b.pdf"}, "kt930ctl listing: --pdf is given twice\n"},
+        {{"show", "--appdir", "a", "--appdir", "b"}, "kt930ctl show: --appdir is given twice\n"},
+    };
+    for (const auto &[arguments, message] : refused) {
+        ProgramRun result = run(arguments);
+        EXPECT_EQ(result.exitCode, 2) << message;
+        EXPECT_EQ(result.err.substr(0, result.err.find("Usage:")), message);
+    }
 }
 
 // A copy laid out as the package installs it: the first command seeds the per-user
