@@ -792,7 +792,7 @@ void TinstructionEditorForm::btnOkClick()
     const std::filesystem::path file = TappDir::dataFolder(m_appDir) / "catdes.dat";
     if (CategoryDescriptors::save(m_categoryDescriptors, file) != 0) {
         m_sink.error("File Error", "The category names could not be saved to " + file.string()
-                                       + ".\nMake the file writable, then press OK again.");
+                                       + ".\nCheck that it is a file you may write to, then press OK again.");
         return;
     }
     accept();

@@ -382,7 +382,7 @@ TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
     click(editor.get(), "btnUpdate");
     click(editor.get(), "btnOk");
     EXPECT_EQ(sink.messages, (Messages{{"File Error", "The category names could not be saved to " + file.string()
-                                                          + ".\nMake the file writable, then press OK again."}}));
+                                                          + ".\nCheck that it is a file you may write to, then press OK again."}}));
     EXPECT_TRUE(editor->isVisible());
     EXPECT_EQ(TempDir::read(file), before);
     std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
