@@ -50,12 +50,12 @@ std::string acks(std::size_t blocks)
 }
 
 // Sends a put command and its blocks one at a time, each after the answer to the
-// one before; returns every answer, the command's first.
+// one before; returns every answer, the command's first. A missing answer ends it.
 std::string put(TrawClient &client, const std::string &command, const std::string &blocks)
 {
     client.send(command + "\r");
     std::string answers = client.receive(2);
-    for (std::size_t at = 0; at < blocks.size(); at += Block) {
+    for (std::size_t at = 0; at < blocks.size() && answers.size() % 2 == 0; at += Block) {
         client.send(blocks.substr(at, Block));
         answers += client.receive(2);
     }
