@@ -55,7 +55,7 @@ std::string put(TrawClient &client, const std::string &command, const std::strin
 {
     client.send(command + "\r");
     std::string answers = client.receive(2);
-    for (std::size_t at = 0; at < blocks.size() && answers.size() % 2 == 0; at += Block) {
+    for (std::size_t at = 0; at < blocks.size() && answers.size() == 2 * (at / Block + 1); at += Block) {
         client.send(blocks.substr(at, Block));
         answers += client.receive(2);
     }
