@@ -57,7 +57,7 @@ protected:
 };
 }
 
-TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
+TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
 {
     data.loadAll();
     EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
@@ -74,10 +74,8 @@ TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
     }
     ASSERT_EQ(data.checklists.size(), 500u);
     EXPECT_TRUE(data.checklists.items[499].isUnused());
-}
 
-TEST_F(DataSet, ReloadUsesItsOwnOrder)
-{
+    sink.messages.clear();
     data.reloadData();
     EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, ChecklistBox, InspectionBox, TesterBox}));
 }
