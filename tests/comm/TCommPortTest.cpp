@@ -1,5 +1,6 @@
 #include "PtyPair.h"
 #include "TCommPort.h"
+#include "Thrown.h"
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
 #include <thread>
@@ -20,12 +21,8 @@ protected:
 
     template <typename F> std::uint8_t codeOf(F f)
     {
-        try {
-            f();
-        } catch (const ECommError &e) {
-            return e.code();
-        }
-        return 0xFF;
+        auto e = thrown<ECommError>(f);
+        return e ? e->code() : 0xFF;
     }
 
     // Waits (up to 5 s) until count bytes are pending: the pty hands them over in pieces.
@@ -67,13 +64,10 @@ TEST_F(TCommPortTest, ClosedPortRefusesIoWithCode7)
 TEST_F(TCommPortTest, MissingDeviceIsOpenErrorWithErrno)
 {
     TCommPort::setPortOverrides({{PtyPort, "/nonexistent/tty"}});
-    try {
-        port.OpenCommPort();
-        FAIL() << "opened a missing device";
-    } catch (const ECommError &e) {
-        EXPECT_EQ(e.code(), ECommError::OpenError);
-        EXPECT_EQ(e.lastError(), ENOENT);
-    }
+    auto e = thrown<ECommError>([&] { port.OpenCommPort(); });
+    ASSERT_TRUE(e) << "opened a missing device";
+    EXPECT_EQ(e->code(), ECommError::OpenError);
+    EXPECT_EQ(e->lastError(), ENOENT);
 }
 
 TEST_F(TCommPortTest, OpenPortRefusesRename)
@@ -158,13 +152,10 @@ TEST_F(TCommPortTest, PortHeldExclusivelyElsewhereIsOpenErrorBusy)
     const int holder = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY);
     ASSERT_GE(holder, 0);
     ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
-    try {
-        port.OpenCommPort();
-        ADD_FAILURE() << "opened a port held elsewhere";
-    } catch (const ECommError &e) {
-        EXPECT_EQ(e.code(), ECommError::OpenError);
-        EXPECT_EQ(e.lastError(), EBUSY);
-    }
+    auto e = thrown<ECommError>([&] { port.OpenCommPort(); });
+    EXPECT_TRUE(e) << "opened a port held elsewhere";
+    EXPECT_EQ(e ? e->code() : 0xFF, ECommError::OpenError);
+    EXPECT_EQ(e ? e->lastError() : 0, EBUSY);
     port.CloseCommPort();
     int flag = 0;
     ::ioctl(holder, TIOCGEXCL, &flag);

@@ -11,6 +11,7 @@ namespace {
 const Message DeviceNotDetected {"Error", "Device Not Detected.\nPlease check connection.\n\nOperation Canceled."};
 
 struct ModuleFixture : ::testing::Test {
+    void TearDown() override { TCommPort::setPortOverrides({}); }
     QRTcommClass holder;
     RecordingMessageSink messages;
     TtransportParams usb = TtransportParams::makeUSB();
@@ -33,23 +34,17 @@ TEST(QRTcommClassTest, AdmitsOneConnectionUntilReleased)
     EXPECT_TRUE(holder.socketSlot());
 }
 
-TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndReportsOnce)
+TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndReportsOnceUnlessQuiet)
 {
-    FakeUsbInstalled fake;
-    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
-    EXPECT_THROW(module.open(), TnoDeviceAttachedException);
-    EXPECT_EQ(fake.script->calls,
-              (std::vector<std::string> {"open Brennix Systems KT930 Plus", "open Brennix Systems Kt930 Final"}));
-    ASSERT_EQ(messages.messages.size(), 1u);
-    EXPECT_EQ(messages.messages[0], DeviceNotDetected);
-}
-
-TEST_F(ModuleFixture, QuietUsbFailureShowsNothing)
-{
-    FakeUsbInstalled fake;
-    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages, true);
-    EXPECT_THROW(module.open(), TnoDeviceAttachedException);
-    EXPECT_TRUE(messages.messages.empty());
+    for (bool quiet : {false, true}) {
+        FakeUsbInstalled fake;
+        RecordingMessageSink sink;
+        TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, sink, quiet);
+        EXPECT_THROW(module.open(), TnoDeviceAttachedException);
+        EXPECT_EQ(fake.script->calls,
+                  (std::vector<std::string> {"open Brennix Systems KT930 Plus", "open Brennix Systems Kt930 Final"}));
+        EXPECT_EQ(sink.messages, quiet ? std::vector<Message> {} : std::vector<Message> {DeviceNotDetected}) << quiet;
+    }
 }
 
 TEST_F(ModuleFixture, UsbFallsBackToSecondDescriptionAndMovesBytes)
@@ -139,7 +134,6 @@ TEST_F(ModuleFixture, SerialOpensThroughPortOverrideAt19200)
     EXPECT_EQ(std::string(reinterpret_cast<char *>(ack)), "*\r");
     module.close();
     EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Idle);
-    TCommPort::setPortOverrides({});
 }
 
 TEST_F(ModuleFixture, SerialOpenFailureShowsTableEntryAndRethrows)
@@ -150,7 +144,6 @@ TEST_F(ModuleFixture, SerialOpenFailureShowsTableEntryAndRethrows)
     EXPECT_THROW(module.open(), ECommError);
     ASSERT_EQ(messages.messages.size(), 1u);
     EXPECT_EQ(messages.messages[0], (Message {"Serial Port Error", "Open Error!"}));
-    TCommPort::setPortOverrides({});
 }
 
 TEST_F(ModuleFixture, SerialErrorCodesOutsideTableAreUnspecified)
@@ -212,26 +205,29 @@ TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
 
 TEST(EthernetEvents, SocketErrorsMapToTheirEvents)
 {
-    using M = TgenericCommmunicationsModule;
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::ConnectionRefusedError, true, TsocketEvent::General),
-              TsocketEvent::Connect);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::HostNotFoundError, true, TsocketEvent::General),
-              TsocketEvent::Connect);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::SocketTimeoutError, true, TsocketEvent::General),
-              TsocketEvent::Connect);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::RemoteHostClosedError, false, TsocketEvent::Receive),
-              TsocketEvent::Disconnect);
-    // A broken link fails the send or receive under way.
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, false, TsocketEvent::Send), TsocketEvent::Send);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, false, TsocketEvent::Receive), TsocketEvent::Receive);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::NetworkError, true, TsocketEvent::Receive), TsocketEvent::Connect);
-    // Anything else is general, whatever was under way.
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::ProxyConnectionRefusedError, false, TsocketEvent::Send),
-              TsocketEvent::General);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::UnknownSocketError, false, TsocketEvent::Receive),
-              TsocketEvent::General);
-    EXPECT_EQ(M::socketEventOf(QAbstractSocket::SocketResourceError, true, TsocketEvent::Receive),
-              TsocketEvent::General);
+    using E = TsocketEvent;
+    using S = QAbstractSocket;
+    const struct {
+        S::SocketError error;
+        bool connecting;
+        E underWay, expected;
+    } cases[] = {
+        {S::ConnectionRefusedError, true, E::General, E::Connect},
+        {S::HostNotFoundError, true, E::General, E::Connect},
+        {S::SocketTimeoutError, true, E::General, E::Connect},
+        {S::RemoteHostClosedError, false, E::Receive, E::Disconnect},
+        // A broken link fails the send or receive under way.
+        {S::NetworkError, false, E::Send, E::Send},
+        {S::NetworkError, false, E::Receive, E::Receive},
+        {S::NetworkError, true, E::Receive, E::Connect},
+        // Anything else is general, whatever was under way.
+        {S::ProxyConnectionRefusedError, false, E::Send, E::General},
+        {S::UnknownSocketError, false, E::Receive, E::General},
+        {S::SocketResourceError, true, E::Receive, E::General},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(TgenericCommmunicationsModule::socketEventOf(c.error, c.connecting, c.underWay), c.expected)
+            << "error " << c.error << (c.connecting ? " connecting" : "") << " under way " << int(c.underWay);
 }
 
 // The one slow case of this program: a refused connect is reported by the error

@@ -10,6 +10,22 @@
 
 namespace {
 constexpr int GuardMs = 10000; // a failure guard, never a pause
+
+enum class Arrival { Data, Nothing, Closed };
+
+// One read of at most max bytes, appended to into, once some arrive within timeoutMs.
+Arrival readOnce(int fd, int timeoutMs, std::size_t max, std::string &into)
+{
+    pollfd p{fd, POLLIN, 0};
+    if (::poll(&p, 1, timeoutMs) <= 0)
+        return Arrival::Nothing;
+    char buffer[65536];
+    ssize_t n = ::read(fd, buffer, std::min(sizeof buffer, max));
+    if (n <= 0)
+        return Arrival::Closed;
+    into.append(buffer, static_cast<std::size_t>(n));
+    return Arrival::Data;
+}
 }
 
 TrawClient TrawClient::connectTcp(const std::string &address, int port)
@@ -68,43 +84,24 @@ void TrawClient::send(const std::string &bytes)
 std::string TrawClient::receive(std::size_t count)
 {
     std::string bytes;
-    while (bytes.size() < count) {
-        pollfd fd{m_fd, POLLIN, 0};
-        if (::poll(&fd, 1, GuardMs) <= 0)
-            break;
-        char buffer[65536];
-        ssize_t n = ::read(m_fd, buffer, std::min(sizeof buffer, count - bytes.size()));
-        if (n <= 0)
-            break;
-        bytes.append(buffer, static_cast<std::size_t>(n));
+    while (bytes.size() < count && readOnce(m_fd, GuardMs, count - bytes.size(), bytes) == Arrival::Data) {
     }
     return bytes;
 }
 
 bool TrawClient::waitClosed()
 {
-    for (;;) {
-        pollfd fd{m_fd, POLLIN, 0};
-        if (::poll(&fd, 1, GuardMs) <= 0)
-            return false;
-        char buffer[4096];
-        ssize_t n = ::read(m_fd, buffer, sizeof buffer);
-        if (n <= 0)
-            return true;
-    }
+    std::string ignored;
+    Arrival arrival;
+    while ((arrival = readOnce(m_fd, GuardMs, 4096, ignored)) == Arrival::Data)
+        ignored.clear();
+    return arrival == Arrival::Closed;
 }
 
 std::string TrawClient::pending()
 {
     std::string bytes;
-    for (;;) {
-        pollfd fd{m_fd, POLLIN, 0};
-        if (::poll(&fd, 1, 0) <= 0)
-            return bytes;
-        char buffer[4096];
-        ssize_t n = ::read(m_fd, buffer, sizeof buffer);
-        if (n <= 0)
-            return bytes;
-        bytes.append(buffer, static_cast<std::size_t>(n));
+    while (readOnce(m_fd, 0, 4096, bytes) == Arrival::Data) {
     }
+    return bytes;
 }

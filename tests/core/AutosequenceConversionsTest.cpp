@@ -44,10 +44,10 @@ Tautosequence sequence(const std::string &t1, const std::string &t2, std::initia
 
 TEST(ItemRule, TerminatorsFillersAndLongRecords)
 {
-    EXPECT_EQ(rule({5, 9}), (std::vector<std::uint16_t>{5, 9, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
-                                                         0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
-                                                         0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
-                                                         0xFFFF, 0xFFFF}));
+    std::vector<std::uint16_t> unterminated(24, 0xFFFF); // no 0 after the last item
+    unterminated[0] = 5;
+    unterminated[1] = 9;
+    EXPECT_EQ(rule({5, 9}), unterminated);
     EXPECT_EQ(rule({5, 0, 7}), positions({5}));
     EXPECT_EQ(rule({5, 0xFFFF, 7}), positions({5}));
     EXPECT_EQ(rule({}), std::vector<std::uint16_t>(24, 0xFFFF));

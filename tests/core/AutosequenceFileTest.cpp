@@ -1,5 +1,6 @@
 #include "ByteBuilder.h"
 #include "TempDir.h"
+#include "Thrown.h"
 #include "autosequenceFileStructs.h"
 #include <cstring>
 #include <gtest/gtest.h>
@@ -56,13 +57,9 @@ TEST(AsqRead, EachShortReadHasItsOwnNumber)
     std::set<int> seen;
     for (auto [length, which] : cuts) {
         TautosequenceFile asq;
-        try {
-            asq.parse(whole.substr(0, length));
-            ADD_FAILURE() << "no exception at " << length;
-        } catch (const TInvalidRead &e) {
-            EXPECT_EQ(e.which, which) << "cut at " << length;
-            seen.insert(e.which);
-        }
+        auto e = thrown<TInvalidRead>([&] { asq.parse(whole.substr(0, length)); });
+        EXPECT_EQ(e ? e->which : 0, which) << "cut at " << length;
+        seen.insert(e ? e->which : 0);
     }
     EXPECT_EQ(seen.size(), 8u);
     TautosequenceFile asq;

@@ -1,6 +1,7 @@
 #include "CategoryDescriptors.h"
 #include "FieldSpec.h"
 #include "TempDir.h"
+#include "Thrown.h"
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -74,25 +75,33 @@ TEST(CategoryDescriptors, DisplayTextAndErrorText)
 
 TEST(FieldSpec, AcceptsBareTypesAndRanges)
 {
-    TfieldSpec bare = TfieldSpec::parse("\"Prompt:\"\t\"\"\t\"U\"");
-    EXPECT_EQ(bare.leftLabel, "Prompt:");
-    EXPECT_EQ(bare.rightLabel, "");
-    EXPECT_EQ(bare.typeLetter, 'U');
-    EXPECT_EQ(bare.typeTag, 3);
-    EXPECT_FALSE(bare.range.hasRange);
-
-    EXPECT_EQ(TfieldSpec::parse("\"a\"\t\"b\"\t\"A\"").typeTag, 0);
-    EXPECT_EQ(TfieldSpec::parse("\"a\"\t\"b\"\t\"N\"").typeTag, 1);
-
-    TfieldSpec range = TfieldSpec::parse("\"Limit:\"\t\"Ohm\"\t\"F-0.5,10.25\"");
-    EXPECT_EQ(range.typeTag, 2);
-    EXPECT_TRUE(range.range.hasRange);
-    EXPECT_DOUBLE_EQ(range.range.minimum, -0.5);
-    EXPECT_DOUBLE_EQ(range.range.maximum, 10.25);
-
-    TfieldSpec equal = TfieldSpec::parse("\"a\"\t\"b\"\t\"N5,5\"");
-    EXPECT_DOUBLE_EQ(equal.range.minimum, 5);
-    EXPECT_DOUBLE_EQ(equal.range.maximum, 5);
+    const struct {
+        const char *line;
+        std::string left, right;
+        char letter;
+        int tag;
+        bool hasRange;
+        double min, max;
+    } cases[] = {
+        {"\"Prompt:\"\t\"\"\t\"U\"", "Prompt:", "", 'U', 3, false, 0, 0},
+        {"\"a\"\t\"b\"\t\"A\"", "a", "b", 'A', 0, false, 0, 0},
+        {"\"a\"\t\"b\"\t\"N\"", "a", "b", 'N', 1, false, 0, 0},
+        {"\"Limit:\"\t\"Ohm\"\t\"F-0.5,10.25\"", "Limit:", "Ohm", 'F', 2, true, -0.5, 10.25},
+        {"\"a\"\t\"b\"\t\"N5,5\"", "a", "b", 'N', 1, true, 5, 5},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.line);
+        TfieldSpec spec = TfieldSpec::parse(c.line);
+        EXPECT_EQ(spec.leftLabel, c.left);
+        EXPECT_EQ(spec.rightLabel, c.right);
+        EXPECT_EQ(spec.typeLetter, c.letter);
+        EXPECT_EQ(spec.typeTag, c.tag);
+        EXPECT_EQ(spec.range.hasRange, c.hasRange);
+        if (c.hasRange) {
+            EXPECT_DOUBLE_EQ(spec.range.minimum, c.min);
+            EXPECT_DOUBLE_EQ(spec.range.maximum, c.max);
+        }
+    }
 }
 
 TEST(FieldSpec, GrammarViolationsThrowCodeSix)
@@ -113,12 +122,9 @@ TEST(FieldSpec, GrammarViolationsThrowCodeSix)
         "\"a\"\t\"b\"\t\"\"",           // empty type
     };
     for (const char *line : bad) {
-        try {
-            TfieldSpec::parse(line);
-            ADD_FAILURE() << "accepted: " << line;
-        } catch (const TInstrPanelError &e) {
-            EXPECT_EQ(e.code, 6) << line;
-            EXPECT_NE(e.file.find("FieldSpec"), std::string::npos);
-        }
+        auto e = thrown<TInstrPanelError>([line] { TfieldSpec::parse(line); });
+        ASSERT_TRUE(e) << "accepted: " << line;
+        EXPECT_EQ(e->code, 6) << line;
+        EXPECT_NE(e->file.find("FieldSpec"), std::string::npos);
     }
 }

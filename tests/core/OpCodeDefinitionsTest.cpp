@@ -9,23 +9,24 @@ const char CorruptTail[] = ".\nThe file is corrupt.  Please contact your product
 
 TEST(OpCodeHeader, ReadsLetterNameFlagAndListOrder)
 {
+    const struct {
+        std::string contents, name;
+        bool yFlag;
+        int listOrder;
+    } cases[] = {
+        {"M - Measure\r\nY 3\r\n\"a\"\t\"b\"\t\"N\"\r\n", "M - Measure", true, 3},
+        {"P - Pass/Fail\nN 10\n", "P - Pass/Fail", false, 10},
+        {"S - Setup\nyes\n", "S - Setup", false, 1024}, // only an upper-case Y sets the flag
+        {"E - Empty flag line\n\n", "E - Empty flag line", false, 1024},
+    };
     TempDir dir;
-    TinstStruct m = OpCodeDefinitions::readHeader(dir.write("m.in", "M - Measure\r\nY 3\r\n\"a\"\t\"b\"\t\"N\"\r\n"));
-    EXPECT_EQ(m.opCode, 'M');
-    EXPECT_EQ(m.name, "M - Measure");
-    EXPECT_TRUE(m.yFlag);
-    EXPECT_EQ(m.listOrder, 3);
-
-    TinstStruct p = OpCodeDefinitions::readHeader(dir.write("p.in", "P - Pass/Fail\nN 10\n"));
-    EXPECT_FALSE(p.yFlag);
-    EXPECT_EQ(p.listOrder, 10);
-
-    TinstStruct s = OpCodeDefinitions::readHeader(dir.write("s.in", "S - Setup\nyes\n"));
-    EXPECT_FALSE(s.yFlag); // only an upper-case Y sets the flag
-    EXPECT_EQ(s.listOrder, 1024);
-
-    TinstStruct e = OpCodeDefinitions::readHeader(dir.write("e.in", "E - Empty flag line\n\n"));
-    EXPECT_EQ(e.listOrder, 1024);
+    for (const auto &c : cases) {
+        TinstStruct header = OpCodeDefinitions::readHeader(dir.write("x.in", c.contents));
+        EXPECT_EQ(header.opCode, c.name[0]) << c.name;
+        EXPECT_EQ(header.name, c.name);
+        EXPECT_EQ(header.yFlag, c.yFlag) << c.name;
+        EXPECT_EQ(header.listOrder, c.listOrder) << c.name;
+    }
 }
 
 TEST(OpCodeHeader, ShortOrMissingLinesAreCorrupt)

@@ -27,8 +27,6 @@ TEST(Records, AutosequenceSpecialValuesAndTitles)
     EXPECT_EQ(std::string(s.title2, 19), std::string("Tab here and a ver") + '\0');
     EXPECT_FALSE(s.isUnused());
 
-    EXPECT_EQ(TesterSetting::port(0x0B), 3);
-    EXPECT_EQ(TesterSetting::baudRate(TesterSetting::baudIndex(0x0B)), 4800);
     EXPECT_FALSE(TesterSetting::isValid(0x20));
     EXPECT_EQ(TesterSetting::make(0, 3), 0);
 }

@@ -57,7 +57,7 @@ protected:
 };
 }
 
-TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
+TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
 {
     data.loadAll();
     EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
@@ -74,10 +74,8 @@ TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaults)
     }
     ASSERT_EQ(data.checklists.size(), 500u);
     EXPECT_TRUE(data.checklists.items[499].isUnused());
-}
 
-TEST_F(DataSet, ReloadUsesItsOwnOrder)
-{
+    sink.messages.clear();
     data.reloadData();
     EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, ChecklistBox, InspectionBox, TesterBox}));
 }
@@ -159,11 +157,11 @@ TEST_F(DataSet, ReadOnlyTesterFileCostsOneBoxAndStaysUnchanged)
                   std::string::npos);
 }
 
-TEST_F(DataSet, FailedSavesReportAndKeepOldFiles)
+// That the old files stay is the writers' own test.
+TEST_F(DataSet, FailedSavesReport)
 {
     writeCompleteSet();
     data.loadAll();
-    std::string oldMit = TempDir::read(dir / "Data/mit.dat");
     ::chmod((dir / "Data/mit.dat").c_str(), 0444);
     ::chmod((dir / "Data/inspection.asq").c_str(), 0444);
     data.saveCheckitems();
@@ -172,7 +170,6 @@ TEST_F(DataSet, FailedSavesReportAndKeepOldFiles)
               (std::vector<Message>{
                   stop("File Error", "An error occured while backing up the master checkitem database"),
                   stop("File Error", "An error occured while backing up the data for Physical Inspections")}));
-    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat"), oldMit);
 }
 
 class ValidateOpCodes : public DataSet {

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace fs = std::filesystem;
 
@@ -34,12 +35,31 @@ std::string pattern(std::size_t size, int seed)
     return bytes;
 }
 
+std::string repeated(const std::string &text, std::size_t times)
+{
+    std::string out;
+    for (std::size_t i = 0; i < times; ++i)
+        out += text;
+    return out;
+}
+
+// A put's answers as they should come: an intermediate ack for every block but the last.
 std::string acks(std::size_t blocks)
 {
-    std::string expected;
-    for (std::size_t i = 1; i < blocks; ++i)
-        expected += "C\r";
-    return expected + "*\r";
+    return repeated("C\r", blocks - 1) + "*\r";
+}
+
+// Sends a put command and its blocks one at a time, each after the answer to the
+// one before; returns every answer, the command's first. A missing answer ends it.
+std::string put(TrawClient &client, const std::string &command, const std::string &blocks)
+{
+    client.send(command + "\r");
+    std::string answers = client.receive(2);
+    for (std::size_t at = 0; at < blocks.size() && answers.size() == 2 * (at / Block + 1); at += Block) {
+        client.send(blocks.substr(at, Block));
+        answers += client.receive(2);
+    }
+    return answers;
 }
 
 class SimulatorTest : public ::testing::Test {
@@ -53,17 +73,23 @@ protected:
         return arguments;
     }
     TrawClient connect() { return TrawClient::connectTcp(address(), 60601); }
+    // The simulator with these extra arguments, taking connections.
+    void start(std::vector<std::string> extra = {})
+    {
+        sim.emplace(tcpArguments(std::move(extra)));
+        ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
+    }
 
     TempDir temp;
     const KnownImages memory = KnownDataSet::images(3);
     const fs::path memoryFile = temp.write("memory.bin", memory.memoryFile());
+    std::optional<TsimProcess> sim;
 };
 }
 
 TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithItsMemory)
 {
-    TsimProcess sim(tcpArguments());
-    ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
+    ASSERT_NO_FATAL_FAILURE(start());
     TrawClient client = connect();
     ASSERT_TRUE(client.isOpen());
 
@@ -78,19 +104,18 @@ TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithItsMemory)
     EXPECT_EQ(client.pending(), "");
 
     EXPECT_EQ(TempDir::read(memoryFile), memory.memoryFile()); // gets change nothing
-    EXPECT_EQ(sim.stop(), 0);
-    EXPECT_NE(sim.log().find("GASQ sent 27 blocks"), std::string::npos);
+    EXPECT_EQ(sim->stop(), 0);
+    EXPECT_NE(sim->log().find("GASQ sent 27 blocks"), std::string::npos);
 }
 
 TEST_F(SimulatorTest, ServesOnlyFourLettersAndCarriageReturn)
 {
-    TsimProcess sim(tcpArguments());
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start());
     TrawClient client = connect();
     // A line feed in front makes "\nGESI\r" six bytes: not a command.
     client.send("XXXX\r\nGESI\r");
-    EXPECT_TRUE(sim.waitForLog("unknown command ignored"));
-    EXPECT_TRUE(sim.waitForLog("ignored a malformed command of 6 bytes"));
+    EXPECT_TRUE(sim->waitForLog("unknown command ignored"));
+    EXPECT_TRUE(sim->waitForLog("ignored a malformed command of 6 bytes"));
     EXPECT_EQ(client.pending(), "");
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
@@ -99,26 +124,17 @@ TEST_F(SimulatorTest, ServesOnlyFourLettersAndCarriageReturn)
 TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
 {
     const std::string upload = pattern(174 * Block, 3);
+    ASSERT_NO_FATAL_FAILURE(start());
     {
-        TsimProcess sim(tcpArguments());
-        ASSERT_TRUE(sim.waitForLog("ready"));
         TrawClient client = connect();
-        client.send("PUIN\r");
-        ASSERT_EQ(client.receive(2), "*\r");
-        std::string received;
-        for (std::size_t i = 0; i < 174; ++i) {
-            client.send(upload.substr(i * Block, Block));
-            received += client.receive(2);
-        }
-        EXPECT_EQ(received, acks(174));
+        EXPECT_EQ(put(client, "PUIN", upload), "*\r" + acks(174));
         client.send("GUIN\r");
         EXPECT_EQ(client.receive(174 * Block), upload);
-        ASSERT_TRUE(sim.waitForLog("PUIN stored 174 blocks"));
-        EXPECT_EQ(TempDir::read(memoryFile), upload + memory.autosequences + memory.checklists);
-        EXPECT_EQ(sim.stop(), 0);
     }
-    TsimProcess restarted(tcpArguments());
-    ASSERT_TRUE(restarted.waitForLog("ready"));
+    ASSERT_TRUE(sim->waitForLog("PUIN stored 174 blocks"));
+    EXPECT_EQ(TempDir::read(memoryFile), upload + memory.autosequences + memory.checklists);
+    EXPECT_EQ(sim->stop(), 0);
+    ASSERT_NO_FATAL_FAILURE(start());
     TrawClient client = connect();
     client.send("GUIN\r");
     EXPECT_EQ(client.receive(174 * Block), upload);
@@ -126,19 +142,13 @@ TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
 
 TEST_F(SimulatorTest, InterruptedPutLeavesTheMemoryIntactAndANewClientIsServed)
 {
-    TsimProcess sim(tcpArguments());
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start());
     const std::string before = TempDir::read(memoryFile);
     {
         TrawClient client = connect();
-        client.send("PTSP\r");
-        ASSERT_EQ(client.receive(2), "*\r");
-        for (int i = 0; i < 10; ++i) {
-            client.send(pattern(Block, i));
-            ASSERT_EQ(client.receive(2), "C\r");
-        }
+        ASSERT_EQ(put(client, "PTSP", pattern(10 * Block, 0)), "*\r" + repeated("C\r", 10));
     }
-    ASSERT_TRUE(sim.waitForLog("put dropped"));
+    ASSERT_TRUE(sim->waitForLog("put dropped"));
     EXPECT_EQ(TempDir::read(memoryFile), before);
 
     TrawClient again = connect();
@@ -148,9 +158,8 @@ TEST_F(SimulatorTest, InterruptedPutLeavesTheMemoryIntactAndANewClientIsServed)
 
 TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
 {
-    TsimProcess sim(tcpArguments({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ",
-                                  "--fault", "close-at-block=5@GTSP"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ", "--fault",
+                                   "close-at-block=5@GTSP"}));
     TrawClient client = connect();
 
     // After a stop or a short block the next command is answered at once.
@@ -172,68 +181,44 @@ TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
 
 TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAll)
 {
-    TsimProcess sim(tcpArguments({"--fault", "bad-ack-block=1@PASQ", "--fault", "bad-ack-block=173@PUIN",
-                                  "--fault", "no-ack-block=0@PTSP"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "bad-ack-block=1@PASQ", "--fault", "bad-ack-block=173@PUIN", "--fault",
+                                   "no-ack-block=0@PTSP"}));
     const std::string before = TempDir::read(memoryFile);
     TrawClient client = connect();
-
-    client.send("PASQ\r");
-    ASSERT_EQ(client.receive(2), "*\r");
-    client.send(pattern(Block, 1));
-    EXPECT_EQ(client.receive(2), "C\r");
-    client.send(pattern(Block, 2));
-    EXPECT_EQ(client.receive(2), "*\r"); // the last-block answer on an intermediate block
-
-    client.send("PUIN\r");
-    ASSERT_EQ(client.receive(2), "*\r");
-    std::string received;
-    for (std::size_t i = 0; i < 174; ++i) {
-        client.send(pattern(Block, 9));
-        received += client.receive(2);
-    }
-    std::string expected;
-    for (std::size_t i = 0; i < 174; ++i)
-        expected += "C\r"; // the last block answered as an intermediate one
-    EXPECT_EQ(received, expected);
+    // The last-block answer on an intermediate block, then the other way round.
+    EXPECT_EQ(put(client, "PASQ", pattern(2 * Block, 1)), "*\rC\r*\r");
+    EXPECT_EQ(put(client, "PUIN", pattern(174 * Block, 9)), "*\r" + repeated("C\r", 174));
 
     client.send("PTSP\r");
     ASSERT_EQ(client.receive(2), "*\r");
     client.send(pattern(Block, 4));
-    ASSERT_TRUE(sim.waitForLog("block 0 not acknowledged"));
+    ASSERT_TRUE(sim->waitForLog("block 0 not acknowledged"));
     EXPECT_EQ(client.pending(), "");
     EXPECT_EQ(TempDir::read(memoryFile), before);
 }
 
 TEST_F(SimulatorTest, PutCloseFaultDropsTheConnectionAndKeepsTheMemory)
 {
-    TsimProcess sim(tcpArguments({"--fault", "close-at-block=3@PUIN"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "close-at-block=3@PUIN"}));
     const std::string before = TempDir::read(memoryFile);
     TrawClient client = connect();
-    client.send("PUIN\r");
-    ASSERT_EQ(client.receive(2), "*\r");
-    for (int i = 0; i < 3; ++i) {
-        client.send(pattern(Block, i));
-        ASSERT_EQ(client.receive(2), "C\r");
-    }
+    ASSERT_EQ(put(client, "PUIN", pattern(3 * Block, 0)), "*\r" + repeated("C\r", 3));
     EXPECT_TRUE(client.waitClosed());
     EXPECT_EQ(TempDir::read(memoryFile), before);
 }
 
 TEST_F(SimulatorTest, SilentAfterACommandLastsForThatConnectionOnly)
 {
-    TsimProcess sim(tcpArguments({"--fault", "silent-after=GESI"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "silent-after=GESI"}));
     {
         TrawClient client = connect();
         client.send("GESI\r");
         EXPECT_EQ(client.receive(Block), identification());
         client.send("GUIN\r");
-        ASSERT_TRUE(sim.waitForLog("silent, ignoring GUIN"));
+        ASSERT_TRUE(sim->waitForLog("silent, ignoring GUIN"));
         EXPECT_EQ(client.pending(), "");
     }
-    ASSERT_TRUE(sim.waitForLog("disconnected"));
+    ASSERT_TRUE(sim->waitForLog("disconnected"));
     TrawClient next = connect();
     next.send("GESI\r");
     EXPECT_EQ(next.receive(Block), identification());
@@ -250,67 +235,41 @@ TEST_F(SimulatorTest, ServesAPseudoTerminalAndRemovesItsLinkOnStop)
         ASSERT_TRUE(terminal.isOpen());
         terminal.send("GESI\r");
         EXPECT_EQ(terminal.receive(Block), identification());
-        terminal.send("PASQ\r");
-        EXPECT_EQ(terminal.receive(2), "*\r");
-        std::string received;
-        for (int i = 0; i < 27; ++i) {
-            terminal.send(pattern(Block, 5));
-            received += terminal.receive(2);
-        }
-        EXPECT_EQ(received, acks(27));
+        EXPECT_EQ(put(terminal, "PASQ", pattern(27 * Block, 5)), "*\r" + acks(27));
     }
     // A second opening of the terminal is served the same way.
     TrawClient again = TrawClient::openPty(link.string());
     again.send("GASQ\r");
-    std::string expected;
-    for (int i = 0; i < 27; ++i)
-        expected += pattern(Block, 5);
-    EXPECT_EQ(again.receive(27 * Block), expected);
+    EXPECT_EQ(again.receive(27 * Block), pattern(27 * Block, 5));
     EXPECT_EQ(sim.stop(), 0);
     EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
 }
 
-TEST_F(SimulatorTest, BaudRatePacesTheOutput)
+// 264 bytes at 960 bytes a second take at least 275 ms, both ways.
+TEST_F(SimulatorTest, BaudRatePacesTheOutputAndTheInput)
 {
-    TsimProcess sim(tcpArguments({"--baud", "9600"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--baud", "9600"}));
     TrawClient client = connect();
-    auto start = std::chrono::steady_clock::now();
+    auto begin = std::chrono::steady_clock::now();
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
-    // 264 bytes at 960 bytes a second cannot arrive in less than 275 ms.
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(260));
-}
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(260));
 
-TEST_F(SimulatorTest, BaudRatePacesTheInput)
-{
-    TsimProcess sim(tcpArguments({"--baud", "9600"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
-    TrawClient client = connect();
     client.send("PASQ\r");
     ASSERT_EQ(client.receive(2), "*\r");
-    auto start = std::chrono::steady_clock::now();
+    begin = std::chrono::steady_clock::now();
     client.send(pattern(Block, 1));
     EXPECT_EQ(client.receive(2), "C\r");
-    // The block is taken in no faster than 960 bytes a second: 275 ms.
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(260));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(260));
 }
 
 TEST_F(SimulatorTest, WrongStoreFaultAcknowledgesAndStoresTheBlockChanged)
 {
-    TsimProcess sim(tcpArguments({"--fault", "wrong-store=2@PASQ"}));
-    ASSERT_TRUE(sim.waitForLog("ready"));
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "wrong-store=2@PASQ"}));
     TrawClient client = connect();
-    client.send("PASQ\r");
-    ASSERT_EQ(client.receive(2), "*\r");
-    std::string sent, received;
-    for (int i = 0; i < 27; ++i) {
-        sent += pattern(Block, i);
-        client.send(pattern(Block, i));
-        received += client.receive(2);
-    }
-    EXPECT_EQ(received, acks(27));
-    ASSERT_TRUE(sim.waitForLog("PASQ stored 27 blocks"));
+    const std::string sent = pattern(27 * Block, 2);
+    EXPECT_EQ(put(client, "PASQ", sent), "*\r" + acks(27));
+    ASSERT_TRUE(sim->waitForLog("PASQ stored 27 blocks"));
 
     std::string stored = sent;
     stored[2 * Block] = static_cast<char>(stored[2 * Block] ^ 0xFF);

@@ -23,14 +23,23 @@ TtransportParams ethernetTo(const LoopbackAddress &at)
     return TtransportParams::makeEthernet(at.a, at.b, at.c, at.d);
 }
 
-// An engine over an Ethernet module aimed at the peer of LoopbackAddress(test).
+// The analyzer played by a script on LoopbackAddress(test), and an engine over an
+// Ethernet module aimed at it.
 struct EngineLink {
-    explicit EngineLink(int test)
-        : parameters(ethernetTo(LoopbackAddress(test))),
+    EngineLink(int test, FakeAnalyzerPeer::Script script)
+        : peer(LoopbackAddress(test).text(), std::move(script)), parameters(ethernetTo(LoopbackAddress(test))),
           module(&holder, ModeEthernet, 2000, 264, &parameters, progress, messages),
           engine(&holder, ModeEthernet, 2000, 264, &parameters, &module, false, messages)
     {
     }
+    // Closes the link and waits for the script to end; returns all the engine sent.
+    std::string finish()
+    {
+        engine.close();
+        peer.join();
+        return peer.received;
+    }
+    FakeAnalyzerPeer peer;
     RecordingProgressSink progress;
     RecordingMessageSink messages;
     QRTcommClass holder;
@@ -72,29 +81,25 @@ TEST(TDataCommClassArguments, ZeroLengthsAndMissingBlockSize)
 TEST(TDataCommClassGet, ReceivesBlocksByteExactAndMovesBarTo90)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer(LoopbackAddress(1).text(), [&](FakeAnalyzerPeer &p) {
+    EngineLink link(1, [&](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(data);
     });
-    EngineLink link(1);
     ASSERT_EQ(link.engine.open(), 0);
     std::string buffer(3 * 264, 'x');
     EXPECT_EQ(link.engine.getData(bytes("GTSP\r"), 5, reinterpret_cast<std::uint8_t *>(buffer.data()), 3), 0);
     EXPECT_EQ(buffer, data);
     EXPECT_EQ(link.progress.positions, (std::vector<int> {50, 63, 76, 90}));
-    link.engine.close();
-    peer.join();
-    EXPECT_EQ(peer.received, "GTSP\r"); // no acknowledgements from the PC
+    EXPECT_EQ(link.finish(), "GTSP\r"); // no acknowledgements from the PC
     EXPECT_TRUE(link.messages.messages.empty());
 }
 
 TEST(TDataCommClassGet, CancelBetweenBlocksThrows)
 {
-    FakeAnalyzerPeer peer(LoopbackAddress(2).text(), [&](FakeAnalyzerPeer &p) {
+    EngineLink link(2, [&](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(pattern(3));
     });
-    EngineLink link(2);
     link.progress.cancelAtPosition = 63;
     ASSERT_EQ(link.engine.open(), 0);
     std::string buffer(3 * 264, 'x');
@@ -124,9 +129,7 @@ TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
     int test = 3;
     for (const Case &c : cases) {
         const std::string data = pattern(c.blocks);
-        FakeAnalyzerPeer peer(LoopbackAddress(test).text(),
-                              [&](FakeAnalyzerPeer &p) { answerPut(p, c.commandAck, c.blockAcks); });
-        EngineLink link(test++);
+        EngineLink link(test++, [&](FakeAnalyzerPeer &p) { answerPut(p, c.commandAck, c.blockAcks); });
         ASSERT_EQ(link.engine.open(), 0);
         EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), c.blocks), c.result) << test;
         if (c.result != 0) {
@@ -134,33 +137,26 @@ TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
         } else if (c.blocks == 3) {
             EXPECT_EQ(link.progress.positions, (std::vector<int>{30, 63, 76, 90}));
         }
-        link.engine.close();
-        peer.join();
-        EXPECT_EQ(peer.received, "PTSP\r" + data.substr(0, c.blocksSent * 264)) << test;
+        EXPECT_EQ(link.finish(), "PTSP\r" + data.substr(0, c.blocksSent * 264)) << test;
     }
 }
 
 TEST(TDataCommClassPut, CancelBetweenBlocksStopsSending)
 {
     const std::string data = pattern(3);
-    FakeAnalyzerPeer peer(LoopbackAddress(20).text(),
-                          [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
-    EngineLink link(20);
+    EngineLink link(20, [&](FakeAnalyzerPeer &p) { answerPut(p, "*\r", {"C\r", "C\r", "*\r"}); });
     link.progress.cancelAtPosition = 63;
     ASSERT_EQ(link.engine.open(), 0);
     EXPECT_THROW(link.engine.putData(bytes("PTSP\r"), 5, bytes(data.data()), 3), ToperationCancelledException);
-    link.engine.close();
-    peer.join();
-    EXPECT_EQ(peer.received, "PTSP\r" + data.substr(0, 264));
+    EXPECT_EQ(link.finish(), "PTSP\r" + data.substr(0, 264));
 }
 
 TEST(TDataCommClassGet, MissingBlockAfter40PollsClosesAndThrows)
 {
-    FakeAnalyzerPeer peer(LoopbackAddress(31).text(), [](FakeAnalyzerPeer &p) {
+    EngineLink link(31, [](FakeAnalyzerPeer &p) {
         p.read(5);
         p.send(std::string(100, 'x')); // part of a block only
     });
-    EngineLink link(31);
     ASSERT_EQ(link.engine.open(), 0);
     std::uint8_t buffer[264];
     EXPECT_THROW(link.engine.getData(bytes("GESI\r"), 5, buffer, 1), TcommTimeoutException);

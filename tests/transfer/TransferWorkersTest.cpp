@@ -4,6 +4,7 @@
 #include "RecordingProgressSink.h"
 #include "TransferFixtures.h"
 #include "TransferMessages.h"
+#include "Thrown.h"
 #include "TransferWorkers.h"
 #include <gtest/gtest.h>
 #include <functional>
@@ -21,6 +22,19 @@ struct SyncRun {
         worker.wait();
     }
 };
+
+// The sync worker over a fake USB line whose analyzer (vendor 0x0403) answers the
+// handshake and then sends `data`, perPoll bytes a poll when perPoll is set.
+struct SyncWorker : ::testing::Test {
+    void answer(const std::string &data, std::size_t perPoll = 0)
+    {
+        fake.script->vendors = {0x0403};
+        fake.script->incoming = std::string(264, 'H') + data;
+        fake.script->perPoll = perPoll;
+    }
+    FakeUsbInstalled fake;
+    SyncRun sync;
+};
 }
 
 TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
@@ -37,12 +51,8 @@ TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
         {[&] { TinstSyncThread(nullptr, nullptr, &sync); }, "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)"},
     };
     for (const auto &[construct, text] : cases) {
-        try {
-            construct();
-            ADD_FAILURE() << text;
-        } catch (const std::invalid_argument &e) {
-            EXPECT_STREQ(e.what(), text);
-        }
+        auto e = thrown<std::invalid_argument>(construct);
+        EXPECT_STREQ(e ? e->what() : "no exception", text);
     }
 }
 
@@ -72,14 +82,12 @@ TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
     EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
 }
 
-TEST(SyncWorker, UsbSkipsDevicesOfOtherVendors)
+TEST_F(SyncWorker, UsbSkipsDevicesOfOtherVendors)
 {
-    FakeUsbInstalled fake;
-    fake.script->vendors = {0x1234, 0x0403};
     std::string checkitems(45936, '\0');
     checkitems.replace(1043 * 44, 44, ByteBuilder::checkitem('Z', 'L', "Leakage\t500"));
-    fake.script->incoming = std::string(264, 'H') + checkitems;
-    SyncRun sync;
+    answer(checkitems);
+    fake.script->vendors = {0x1234, 0x0403};
     sync.run();
     EXPECT_TRUE(sync.messages.messages.empty());
     EXPECT_EQ(fake.script->calls, (std::vector<std::string>{"open #0", "close", "open #1", "close"}));
@@ -89,10 +97,8 @@ TEST(SyncWorker, UsbSkipsDevicesOfOtherVendors)
     EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
 }
 
-TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
+TEST_F(SyncWorker, UsbWithoutDevicesOrAnalyzer)
 {
-    FakeUsbInstalled fake;
-    SyncRun sync;
     sync.run();
     fake.script->vendors = {0x1234};
     sync.run();
@@ -105,16 +111,12 @@ TEST(SyncWorker, UsbWithoutDevicesOrAnalyzer)
 
 // A slow line: a chunk takes longer than 40 polls to arrive. Only polls that bring
 // no new byte count against the 40.
-TEST(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)
+TEST_F(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)
 {
-    FakeUsbInstalled fake;
-    fake.script->vendors = {0x0403};
     std::string checkitems(45936, '\0');
     for (std::size_t slot = 0; slot < 1044; slot += 7)
         checkitems.replace(slot * 44, 44, ByteBuilder::checkitem('A', 'P', "Slot " + std::to_string(slot)));
-    fake.script->incoming = std::string(264, 'H') + checkitems;
-    fake.script->perPoll = 100; // 43 polls a chunk
-    SyncRun sync;
+    answer(checkitems, 100); // 43 polls a chunk
     sync.run();
     EXPECT_TRUE(sync.messages.messages.empty()) << sync.messages.messages.front().caption;
     EXPECT_TRUE(std::string(reinterpret_cast<char *>(sync.record->area), 45936) == checkitems);
@@ -122,13 +124,9 @@ TEST(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)
     EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
 }
 
-TEST(SyncWorker, SilenceEndsAChunkAfterFortyPollsWithoutANewByte)
+TEST_F(SyncWorker, SilenceEndsAChunkAfterFortyPollsWithoutANewByte)
 {
-    FakeUsbInstalled fake;
-    fake.script->vendors = {0x0403};
-    fake.script->incoming = std::string(264, 'H') + std::string(1000, 'x');
-    fake.script->perPoll = 100;
-    SyncRun sync;
+    answer(std::string(1000, 'x'), 100);
     sync.run();
     // 3 polls bring the handshake (and 36 bytes of data), 10 more the rest of the
     // 1000 bytes, then 40 bring nothing.
@@ -140,13 +138,10 @@ TEST(SyncWorker, SilenceEndsAChunkAfterFortyPollsWithoutANewByte)
     EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
 }
 
-TEST(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
+TEST_F(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
 {
-    FakeUsbInstalled fake;
-    fake.script->vendors = {0x0403};
+    answer({}, 100);
     fake.script->incoming = std::string(200, 'H'); // less than a handshake reply
-    fake.script->perPoll = 100;
-    SyncRun sync;
     sync.run();
     // The handshake keeps its 40 polls, growing or not.
     EXPECT_EQ(fake.script->polls, 40);
