@@ -5,6 +5,7 @@
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <mutex>
@@ -428,7 +429,11 @@ int TgenericCommmunicationsModule::readEthernet(std::uint8_t *buffer, std::size_
     for (std::uint32_t i = 0; i < m_timeout / 10 + 1; ++i) {
         // The count is assigned, not added: a second partial receive restarts from
         // the first one's count. Harmless, as blocks are read only once pending whole.
-        offset = m_clientSocket->read(reinterpret_cast<char *>(buffer) + offset, qint64(length) - offset);
+        // A connection the analyzer closed reads as -1 here where a socket receive
+        // gives 0: counted as nothing received, so a short block times out and is
+        // never taken for a whole one.
+        offset = std::max<qint64>(
+            m_clientSocket->read(reinterpret_cast<char *>(buffer) + offset, qint64(length) - offset), 0);
         if (static_cast<std::uint64_t>(offset) >= length)
             return 0;
         processMessages();

@@ -203,6 +203,25 @@ TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
     EXPECT_TRUE(messages.messages.empty());
 }
 
+TEST_F(ModuleFixture, EthernetBlockCutShortByAClosedConnectionTimesOut)
+{
+    QTcpServer server;
+    const LoopbackAddress address(3);
+    ASSERT_TRUE(server.listen(QHostAddress(QString::fromStdString(address.text())), AnalyzerTcpPort));
+    TtransportParams ethernet = TtransportParams::makeEthernet(address.a, address.b, address.c, address.d);
+    TgenericCommmunicationsModule module(&holder, ModeEthernet, 100, 264, &ethernet, messages, true);
+    ASSERT_EQ(module.open(), 0);
+    ASSERT_TRUE(server.hasPendingConnections() || server.waitForNewConnection(2000));
+    QTcpSocket *peer = server.nextPendingConnection();
+    peer->write(QByteArray("AB", 2));
+    peer->flush();
+    peer->waitForBytesWritten(1000);
+    peer->disconnectFromHost();
+    module.waitForData(2, 500);
+    std::uint8_t buffer[8] = {};
+    EXPECT_THROW(module.read(buffer, 8), TcommTimeoutException);
+}
+
 TEST(EthernetEvents, SocketErrorsMapToTheirEvents)
 {
     using E = TsocketEvent;
