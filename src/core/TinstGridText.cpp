@@ -1,4 +1,5 @@
 #include "TinstGridText.h"
+#include <stdexcept>
 
 namespace {
 // Tabs further on are left as they are: the grid never showed more of the text.
@@ -18,6 +19,18 @@ std::array<std::string, 4> TinstGridText::row(const TInstrDatabase &db, std::uin
     const TInstr &record = db[index];
     return {std::to_string(index + 1), CategoryDescriptors::displayText(descriptors, record.category),
             TInstrDatabase::nameOf(record.opCode), command(record)};
+}
+
+std::array<std::string, 4> TinstGridText::rowForEditor(const TInstrDatabase &db, std::uint32_t index,
+                                                       const TcategoryMap &descriptors)
+{
+    try {
+        return row(db, index, descriptors);
+    } catch (const std::runtime_error &) {
+        const TInstr &record = db[index];
+        return {std::to_string(index + 1), CategoryDescriptors::displayText(descriptors, record.category),
+                std::string(), command(record)};
+    }
 }
 
 std::string TinstGridText::command(const TInstr &record)

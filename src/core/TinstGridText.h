@@ -14,6 +14,10 @@ public:
     // command text with each tab among its first 43 characters shown as 0xBB.
     static std::array<std::string, 4> row(const TInstrDatabase &db, std::uint32_t index,
                                           const TcategoryMap &descriptors);
+    // As row, but an op code without a definition file shows no name instead of
+    // failing: the editors list such a checkitem (and repair it when it is opened).
+    static std::array<std::string, 4> rowForEditor(const TInstrDatabase &db, std::uint32_t index,
+                                                   const TcategoryMap &descriptors);
     // The command text as the grid shows it (tabs among the first 43 characters as 0xBB);
     // empty for a free slot.
     static std::string command(const TInstr &record);

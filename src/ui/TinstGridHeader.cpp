@@ -2,6 +2,21 @@
 #include <QPainter>
 #include <QStyleOptionHeader>
 
+// The sort pictures live in this library's resources, which a static link drops
+// unless they are asked for by name.
+static void initSortPictures()
+{
+    Q_INIT_RESOURCE(instEdit);
+}
+
+namespace {
+QPixmap loadSortPicture(bool ascending)
+{
+    initSortPictures();
+    return QPixmap(ascending ? QStringLiteral(":/instEdit/PIC_SORT_UP") : QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
+}
+}
+
 TinstGridHeader::TinstGridHeader(QWidget *parent) : QHeaderView(Qt::Horizontal, parent)
 {
     setSectionsClickable(true);
@@ -15,6 +30,19 @@ void TinstGridHeader::setSortPicture(int column, const QPixmap &picture)
     m_column = column;
     m_picture = picture;
     viewport()->update();
+}
+
+void TinstGridHeader::showSortState(int state)
+{
+    if (state < 1 || state > 6)
+        setSortPicture(-1, QPixmap());
+    else
+        setSortPicture((state - 1) / 2, loadSortPicture(state % 2 == 1));
+}
+
+int TinstGridHeader::sortPictureWidth()
+{
+    return loadSortPicture(true).width();
 }
 
 void TinstGridHeader::paintSection(QPainter *painter, const QRect &rect, int logicalIndex) const

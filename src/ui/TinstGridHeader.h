@@ -14,6 +14,11 @@ public:
 
     // column -1 shows no picture.
     void setSortPicture(int column, const QPixmap &picture);
+    // The editors' sort states: 1 to 6 sort column (state - 1) / 2, odd states
+    // ascending, even ones descending; any other state shows no picture.
+    void showSortState(int state);
+    // What a sorted caption needs beside it.
+    static int sortPictureWidth();
     int sortColumn() const { return m_column; }
     const QPixmap &sortPicture() const { return m_picture; }
 

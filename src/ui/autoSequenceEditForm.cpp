@@ -42,13 +42,6 @@ QString rightTrimmed(const char (&title)[19])
 }
 }
 
-// The sort pictures live in the checkitem editor's resources, which a static link
-// drops unless they are asked for by name.
-static void initSortPictures()
-{
-    Q_INIT_RESOURCE(instEdit);
-}
-
 TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database,
                                  Tautosequence &sequence, std::function<void()> save, bool offerCalls,
                                  MessageSink *sink)
@@ -75,7 +68,7 @@ TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TIns
     rebuildDisplayList();
     fillInstList(0);
     fillAsList(0);
-    showSortPicture();
+    m_header->showSortState(m_sortMode);
     m_usable = true;
 }
 
@@ -85,9 +78,6 @@ void TsequenceEditor::setUpControls()
 {
     ui->setupUi(this);
     setModal(true);
-    initSortPictures();
-    m_sortUp = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_UP"));
-    m_sortDown = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
     m_header = new TinstGridHeader(ui->instList);
     ui->instList->setHorizontalHeader(m_header);
     ui->asList->horizontalHeader()->setSectionsClickable(false);
@@ -189,16 +179,8 @@ void TsequenceEditor::rebuildDisplayList()
 void TsequenceEditor::writeRow(QTableWidget *grid, int row, std::uint32_t index)
 {
     std::array<std::string, GridColumns> texts{std::to_string(index + 1)};
-    if (m_db && index < m_db->size()) {
-        try {
-            texts = TinstGridText::row(*m_db, index, m_descriptors);
-        } catch (const std::runtime_error &) {
-            // An op code without a definition file has no name to show.
-            const TInstr &record = (*m_db)[index];
-            texts = {texts[0], CategoryDescriptors::displayText(m_descriptors, record.category), std::string(),
-                     TinstGridText::command(record)};
-        }
-    }
+    if (m_db && index < m_db->size())
+        texts = TinstGridText::rowForEditor(*m_db, index, m_descriptors);
     for (int c = 0; c < GridColumns; ++c)
         grid->setItem(row, c, new QTableWidgetItem(TguiText::fromBytes(texts[std::size_t(c)])));
 }
@@ -223,18 +205,14 @@ void TsequenceEditor::fillInstList(int selectRow)
              [this](int r) { writeRow(ui->instList, r, m_displayList[std::size_t(r)]); }, selectRow);
     // Room for the sort picture beside the captions.
     for (int c = 0; c < GridColumns - 1; ++c)
-        ui->instList->setColumnWidth(c, ui->instList->columnWidth(c) + m_sortUp.width() + TinstGridHeader::CaptionGap);
+        ui->instList->setColumnWidth(c, ui->instList->columnWidth(c) + TinstGridHeader::sortPictureWidth()
+                                            + TinstGridHeader::CaptionGap);
 }
 
 void TsequenceEditor::fillAsList(int selectRow)
 {
     fillGrid(ui->asList, m_sequence.itemCount(),
              [this](int r) { writeRow(ui->asList, r, m_sequence.items[r] - 1u); }, selectRow);
-}
-
-void TsequenceEditor::showSortPicture()
-{
-    m_header->setSortPicture((m_sortMode - 1) / 2, m_sortMode % 2 ? m_sortUp : m_sortDown);
 }
 
 // The selected row, -1 for none. The current row alone does not count: the user can
@@ -267,7 +245,7 @@ void TsequenceEditor::instListMouseDown(int column)
         break; // commands are not sorted
     }
     m_filter.setSort(m_sortMode);
-    showSortPicture();
+    m_header->showSortState(m_sortMode);
     rebuildDisplayList();
     fillInstList(0);
 }

@@ -73,7 +73,6 @@ private:
     void fillInstList(int selectRow);
     void fillAsList(int selectRow);
     void writeRow(class QTableWidget *grid, int row, std::uint32_t index);
-    void showSortPicture();
     int selectedSequenceRow() const;
 
     std::unique_ptr<Ui::TsequenceEditor> ui;
@@ -91,7 +90,6 @@ private:
     Tfilter m_filter;
     std::vector<std::uint32_t> m_displayList;
     std::uint8_t m_sortMode = 1;
-    QPixmap m_sortUp, m_sortDown;
     TinstGridHeader *m_header = nullptr;
     QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

@@ -78,13 +78,6 @@ void writeOpListTrace(const std::map<int, char> &revOpComboMap)
 }
 }
 
-// The sort pictures live in this library's resources, which a static link drops
-// unless they are asked for by name.
-static void initSortPictures()
-{
-    Q_INIT_RESOURCE(instEdit);
-}
-
 template <class Handler> void TinstructionEditorForm::guarded(Handler handler)
 {
     try {
@@ -101,9 +94,6 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
 {
     setUpControls();
     ui->btnSync->setText(QStringLiteral("Sync\nWith\nKT930"));
-    initSortPictures();
-    m_sortUp = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_UP"));
-    m_sortDown = QPixmap(QStringLiteral(":/instEdit/PIC_SORT_DOWN"));
     buildPanels();
     buildOpList();
     TInstrDatabase::setNames(m_opInfoMap);
@@ -124,7 +114,7 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
     m_filter.setSort(m_sortState);
     applyFilter();
     fillGrid(0);
-    showSortPicture();
+    m_header->showSortState(m_sortState);
 }
 
 TinstructionEditorForm::TinstructionEditorForm()
@@ -363,16 +353,7 @@ void TinstructionEditorForm::fillGrid(int selectRow)
 void TinstructionEditorForm::writeRow(int row)
 {
     const std::uint32_t index = m_shownItems[std::size_t(row)];
-    std::array<std::string, GridColumns> texts;
-    try {
-        texts = TinstGridText::row(*m_db, index, m_categoryDescriptors);
-    } catch (const std::runtime_error &) {
-        // An op code without definition file has no name; showing the record repairs it.
-        const TInstr &record = (*m_db)[index];
-        texts = {std::to_string(index + 1), CategoryDescriptors::displayText(m_categoryDescriptors, record.category),
-                 std::string(), record.commandText()};
-        std::replace(texts[3].begin(), texts[3].end(), '\t', char(0xBB));
-    }
+    const std::array<std::string, GridColumns> texts = TinstGridText::rowForEditor(*m_db, index, m_categoryDescriptors);
     for (int c = 0; c < GridColumns; ++c) {
         QTableWidgetItem *cell = ui->instList->item(row, c);
         if (!cell) {
@@ -392,21 +373,13 @@ void TinstructionEditorForm::sizeColumns()
     const QFontMetrics captions(m_header->font());
     for (int c = 0; c < GridColumns - 1; ++c) {
         const QTableWidgetItem *caption = grid->horizontalHeaderItem(c);
-        int width = captions.horizontalAdvance(caption ? caption->text() : QString()) + CellPadding + m_sortUp.width();
+        int width = captions.horizontalAdvance(caption ? caption->text() : QString()) + CellPadding
+                    + TinstGridHeader::sortPictureWidth();
         for (int r = 0; r < grid->rowCount(); ++r)
             if (const QTableWidgetItem *cell = grid->item(r, c))
                 width = std::max(width, cells.horizontalAdvance(cell->text()) + CellPadding);
         grid->setColumnWidth(c, width);
     }
-}
-
-void TinstructionEditorForm::showSortPicture()
-{
-    if (m_sortState < 1 || m_sortState > 6) {
-        m_header->setSortPicture(-1, QPixmap());
-        return;
-    }
-    m_header->setSortPicture((m_sortState - 1) / 2, m_sortState % 2 ? m_sortUp : m_sortDown);
 }
 
 QList<QStringList> TinstructionEditorForm::gridTexts() const
@@ -494,7 +467,7 @@ void TinstructionEditorForm::instListMouseDown(int column)
         break; // the commands are not sorted
     }
     m_filter.setSort(m_sortState);
-    showSortPicture();
+    m_header->showSortState(m_sortState);
     applyFilter();
     fillGrid(0);
 }
@@ -505,7 +478,7 @@ void TinstructionEditorForm::resetListOrder()
     m_sortState = 0;
     m_filter.reset();
     m_filter.setSort(m_sortState);
-    showSortPicture();
+    m_header->showSortState(m_sortState);
     applyFilter();
     fillGrid(0);
 }

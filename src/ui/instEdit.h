@@ -101,7 +101,6 @@ private:
     void fillGrid(int selectRow);
     void writeRow(int row);
     void sizeColumns();
-    void showSortPicture();
     int selectedRow() const;
     TInstr &selectedRecord();
     void showRecord(int row);
@@ -135,7 +134,6 @@ private:
     std::map<char, int> m_opOrderMap;
     std::map<char, int> m_opComboMap;
     std::map<int, char> m_revOpComboMap;
-    QPixmap m_sortUp, m_sortDown;
     std::uint8_t m_sortState = 0;
     int m_lastRow = 0;
     int m_savedOpIndex = -1;
