@@ -1,6 +1,8 @@
 #include "TsimOptions.h"
 #include "AppDir.h"
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace {
 bool toNumber(const std::string &text, int minimum, int &value)
@@ -21,8 +23,15 @@ bool TsimOptions::parse(int argc, char **argv, std::string &why)
             help = true;
             return true;
         }
-        if (i + 1 >= argc) {
-            why = option.rfind("--", 0) == 0 ? option + " needs a value" : "unexpected argument " + option;
+        static const char *const valueOptions[] = {"--listen", "--pty",   "--memory",     "--appdir",
+                                                   "--baud",   "--fault", "--put-timeout"};
+        if (std::find(std::begin(valueOptions), std::end(valueOptions), option) == std::end(valueOptions)) {
+            why = option.rfind("-", 0) == 0 ? "unknown option " + option : "unexpected argument " + option;
+            return false;
+        }
+        // The next option is no value: "--memory --listen A:P" must not name a memory file "--listen".
+        if (i + 1 >= argc || std::string(argv[i + 1]).rfind("--", 0) == 0) {
+            why = option + " needs a value";
             return false;
         }
         const std::string value = argv[++i];
@@ -54,9 +63,6 @@ bool TsimOptions::parse(int argc, char **argv, std::string &why)
         } else if (option == "--fault") {
             if (!faults.add(value, why))
                 return false;
-        } else {
-            why = "unknown option " + option;
-            return false;
         }
     }
     if (!listenGiven && ptyLink.empty()) {

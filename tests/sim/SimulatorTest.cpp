@@ -288,6 +288,15 @@ TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
     EXPECT_TRUE(badCommand.waitForLog("names no known command"));
     EXPECT_EQ(badCommand.waitExit(), 2);
 
+    for (const auto &[arguments, why] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--bogus"}, "kt930sim: unknown option --bogus"},
+             {{"--memory", "--listen", "127.0.0.1:60601"}, "kt930sim: --memory needs a value"},
+             {{"stray"}, "kt930sim: unexpected argument stray"}}) {
+        TsimProcess refused(arguments);
+        EXPECT_TRUE(refused.waitForLog(why)) << why;
+        EXPECT_EQ(refused.waitExit(), 2) << why;
+    }
+
     temp.write("short.bin", "abc");
     TsimProcess shortMemory({"--memory", (temp / "short.bin").string(), "--listen", address() + ":60601"});
     EXPECT_TRUE(shortMemory.waitForLog("holds 3 bytes, not 185064"));
