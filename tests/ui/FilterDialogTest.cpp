@@ -58,10 +58,7 @@ TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
     ensureApplication();
     TInstrDatabase::clearNames();
     FilterDialog d;
-    EXPECT_EQ(d.form.windowTitle(), "Checkitem Filter");
-    auto *tabs = d.get<QTabWidget>("filterSelect");
-    EXPECT_EQ(tabs->tabText(0) + "|" + tabs->tabText(1), "Basic Filter|Advanced Filter");
-    EXPECT_EQ(tabs->currentIndex(), 0);
+    EXPECT_EQ(d.get<QTabWidget>("filterSelect")->currentIndex(), 0);
     QStringList categories;
     for (char c : letters)
         categories << (c == 'B' ? QString("Electrical") : QString(QChar(c)));
