@@ -162,30 +162,63 @@ TEST_F(FrameFixture, ClearAfterAReloadWithFewerSequencesThanNodesDoesNothing)
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
 }
 
-TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThree)
+// The Edit button on a tester: OK keeps a stored name longer than the form takes,
+// the caret starts at the end of the name, and the new name is saved upper-case.
+TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercasesAndSavesAllThree)
 {
-    auto frame = makeSampleFrame();
+    std::vector<std::string> names = testerNames();
+    names[3] = "THE LONG NAMED WARD ON FLOOR 7"; // 30 characters from another tool
+    appDir.writeCompleteDataSet(sampleInspections(), names);
+    auto frame = makeFrame();
+    ASSERT_EQ(frame->dataSet().userTesters[3].name, names[3]);
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(3));
+    QString shown;
+    whenModal([&](QWidget *form) {
+        shown = child<QLineEdit>(form, "sequenceTitle")->text();
+        click(form, "Button2");
+    });
+    click(frame.get(), "BtnUTSEdit");
+    EXPECT_EQ(shown, QString::fromStdString(names[3]));
+    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
+    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
+
     tree->setCurrentItem(tree->topLevelItem(2));
+    bool focused = false;
+    whenModal([&](QWidget *form) {
+        auto *edit = child<QLineEdit>(form, "sequenceTitle");
+        // The focus arrives with the form's activation, which may follow its showing.
+        focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
+        if (!focused) {
+            form->close();
+            return;
+        }
+        QTest::keyClicks(edit, " EAST");
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    click(frame.get(), "BtnUTSEdit");
+    EXPECT_TRUE(focused);
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
+
     QString caption, label;
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
-        label = form->findChild<QLabel *>("Label1")->text();
-        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        edit->setText("  icu bay  ");
-        form->findChild<QPushButton *>("Button2")->click();
+        label = child<QLabel>(form, "Label1")->text();
+        child<QLineEdit>(form, "sequenceTitle")->setText("  icu bay  ");
+        click(form, "Button2");
     });
-    child<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    click(frame.get(), "BtnUTSEdit");
     EXPECT_EQ(caption, "Tester Name Editor");
     EXPECT_EQ(label, "Tester Name");
     EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU BAY");
     EXPECT_EQ(tree->topLevelItem(2)->text(0), "iii. ICU BAY");
     EXPECT_TRUE(sink.messages.empty());
 
-    // Written from the documented layouts: the tester file carries the new name.
+    // Written from the documented layouts: the tester files carry the names.
     const TdataSet &data = frame->dataSet();
     EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU BAY", data.userTesters[2].sequences));
     EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
+    EXPECT_EQ(read("usertester4.asq"), asqBytes("User Tester Autosequences", names[3], data.userTesters[3].sequences));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
 }
@@ -238,48 +271,6 @@ TEST(TitleForm, ALongerStoredNameStaysWholeAndMayShrinkButNotGrow)
     EXPECT_EQ(longEdit->text(), stored.left(24));
 }
 
-TEST_F(FrameFixture, TheNameOpensWithTheCaretAtItsEndSoTypingAddsToIt)
-{
-    auto frame = makeSampleFrame();
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    tree->setCurrentItem(tree->topLevelItem(2));
-    bool focused = false;
-    whenModal([&](QWidget *form) {
-        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        // The focus arrives with the form's activation, which may follow its showing.
-        focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
-        if (!focused) {
-            form->close();
-            return;
-        }
-        QTest::keyClicks(edit, " EAST");
-        QTest::keyClick(edit, Qt::Key_Return);
-    });
-    child<QPushButton>(frame.get(), "BtnUTSEdit")->click();
-    EXPECT_TRUE(focused);
-    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
-}
-
-TEST_F(FrameFixture, OkWithoutEditingKeepsAStoredNameLongerThanTwentyCharacters)
-{
-    std::vector<std::string> names = testerNames();
-    names[3] = "THE LONG NAMED WARD ON FLOOR 7"; // 30 characters from another tool
-    appDir.writeCompleteDataSet(sampleInspections(), names);
-    auto frame = makeFrame();
-    ASSERT_EQ(frame->dataSet().userTesters[3].name, names[3]);
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    tree->setCurrentItem(tree->topLevelItem(3));
-    QString shown;
-    whenModal([&](QWidget *form) {
-        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
-        form->findChild<QPushButton *>("Button2")->click();
-    });
-    child<QPushButton>(frame.get(), "BtnUTSEdit")->click();
-    EXPECT_EQ(shown, QString::fromStdString(names[3]));
-    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
-    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
-}
-
 TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpandsNorSaves)
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
@@ -293,9 +284,9 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     QString caption, label;
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
-        label = form->findChild<QLabel *>("Label1")->text();
-        form->findChild<QLineEdit *>("sequenceTitle")->setText("changed");
-        form->findChild<QPushButton *>("Button1")->click(); // Cancel
+        label = child<QLabel>(form, "Label1")->text();
+        child<QLineEdit>(form, "sequenceTitle")->setText("changed");
+        click(form, "Button1"); // Cancel
     });
     // What a real double click delivers: press, release, then the double-click event.
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
@@ -318,8 +309,8 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
 
     QString shown;
     whenModal([&](QWidget *form) {
-        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
-        form->findChild<QPushButton *>("Button1")->click();
+        shown = child<QLineEdit>(form, "sequenceTitle")->text();
+        click(form, "Button1");
     });
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
     EXPECT_TRUE(first->isExpanded()); // the first click of the two opens the node
