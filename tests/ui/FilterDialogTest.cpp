@@ -23,11 +23,11 @@ struct FilterDialog {
     Tfilter filter;
     TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
 
-    template <typename T = QWidget> T *get(const char *name) { return form.findChild<T *>(name); }
+    template <typename T = QWidget> T *get(const char *name) { return child<T>(&form, name); }
     QStringList items(const char *name)
     {
-        const QAbstractItemModel *model = get<QComboBox>(name) ? get<QComboBox>(name)->model()
-                                                               : get<QListWidget>(name)->model();
+        auto *combo = form.findChild<QComboBox *>(name); // else a list
+        const QAbstractItemModel *model = combo ? combo->model() : get<QListWidget>(name)->model();
         QStringList texts;
         for (int i = 0; i < model->rowCount(); ++i)
             texts << model->index(i, 0).data().toString();
@@ -48,7 +48,7 @@ struct FilterDialog {
         QTabBar *bar = get<QTabWidget>("filterSelect")->tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(page).center());
     }
-    void click(const char *button) { QTest::mouseClick(get(button), Qt::LeftButton); }
+    void click(const char *button) { mouseClick(&form, button); }
     void key(const char *list, Qt::Key key) { QTest::keyClick(get(list), key); }
 };
 } // namespace

@@ -117,9 +117,9 @@ struct SequenceEditorFixture : ::testing::Test {
     void filterBy(const QString &category, const char *button)
     {
         whenModal([=](QWidget *dialog) {
-            auto *categories = dialog->findChild<QComboBox *>("lstBasicCat");
+            auto *categories = child<QComboBox>(dialog, "lstBasicCat");
             categories->setCurrentIndex(categories->findText(category));
-            dialog->findChild<QPushButton *>(button)->click();
+            ::click(dialog, button);
         });
         click("btnFilter");
     }
