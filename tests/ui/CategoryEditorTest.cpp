@@ -28,23 +28,17 @@ QString items(const QComboBox *combo)
         letters += combo->itemText(i);
     return letters;
 }
-
-void click(QWidget *dialog, const char *button)
-{
-    QTest::mouseClick(dialog->findChild<QPushButton *>(button), Qt::LeftButton);
-}
 } // namespace
 
 TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
 {
     TcategoryMap map{{'B', "Electrical"}, {'K', "Leakage"}};
     EXPECT_EQ(runEditor(map, 'K', TcategoryEditorForm::NewCategory, [](auto *letters, auto *name, auto *d) {
-        EXPECT_EQ(d->windowTitle(), "Category Editor");
         EXPECT_EQ(items(letters), "ACDEFGHIJLMNOPQRSTUVWXYZ");
         EXPECT_EQ(name->text(), ""); // looked up under 'K' - 65, which never names a category
         QTest::keyClick(letters, Qt::Key_Down);
         QTest::keyClicks(name, "  Insulation  ");
-        click(d, "btnOK");
+        mouseClick(d, "btnOK");
     }), 0);
     EXPECT_EQ(map['C'], "Insulation");
     EXPECT_EQ(map.size(), 27u); // every letter was looked up, and the shifted key
@@ -56,7 +50,7 @@ TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
         QTest::keyClick(letters, Qt::Key_End);
         EXPECT_EQ(name->text(), "Name Z");
         QTest::keyClicks(name, "!");
-        click(d, "btnOK");
+        mouseClick(d, "btnOK");
     }), 0);
     EXPECT_EQ(map['Z'], "Name Z!");
 }
@@ -70,7 +64,7 @@ TEST(CategoryEditor, EditModeFixesTheLetterAndAnEmptyOrBlankNameClearsIt)
             EXPECT_FALSE(letters->isEnabled());
             EXPECT_EQ(name->text(), "");
             name->insert(typed);
-            click(d, "btnOK");
+            mouseClick(d, "btnOK");
         }), 0);
         EXPECT_EQ(map.at('D'), typed.size() > 4 ? "Hipot" : "") << typed.toStdString();
     }
@@ -81,7 +75,7 @@ TEST(CategoryEditor, CancelKeepsTheInsertedLookUpsButNoName)
     TcategoryMap map;
     EXPECT_EQ(runEditor(map, 'B', TcategoryEditorForm::NewCategory, [](auto *, auto *name, auto *d) {
         QTest::keyClicks(name, "Never");
-        click(d, "btnCancel");
+        mouseClick(d, "btnCancel");
     }), -1);
     EXPECT_EQ(map.size(), 27u); // 'A'..'Z' and 'B' - 65, all empty
     EXPECT_EQ(map.at('\x01') + map.at('A') + map.at('B') + map.at('Z'), "");
@@ -95,7 +89,7 @@ TEST(CategoryEditor, TheNameTakesOnlyCharactersTheDescriptorFileCanHold)
         for (const QString &key : QString::fromUtf8("Ω tests €5").split(QString(), Qt::SkipEmptyParts))
             QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
         name->insert(QString::fromUtf8("→x")); // pasted
-        click(d, "btnOK");
+        mouseClick(d, "btnOK");
     }), 0);
     EXPECT_EQ(map.at('M'), "tests \x80" "5x");
 }

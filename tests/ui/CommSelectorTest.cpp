@@ -33,7 +33,6 @@ struct SelectorFixture : ::testing::Test {
             settings.setValue(key, value);
     }
     QVariant stored(const char *key) const { return QSettings(ini(), QSettings::IniFormat).value(key); }
-    template <class T> static T *find(QWidget *w, const char *name) { return w->findChild<T *>(QString::fromLatin1(name)); }
 };
 } // namespace
 
@@ -75,12 +74,12 @@ TEST(SerialPortMap, ProbeSkipsAHeldPortAndKeepsItsHold)
 TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)
 {
     TcomSelectFrm form(nullptr, true, &sink);
-    EXPECT_TRUE(find<QRadioButton>(&form, "radUSB")->isChecked());
+    EXPECT_TRUE(child<QRadioButton>(&form, "radUSB")->isChecked());
     EXPECT_EQ(form.method(), TcomSelectFrm::MethodUSB);
     EXPECT_EQ(QStringList({form.ipText(1), form.ipText(2), form.ipText(3), form.ipText(4)}),
               QStringList({"127", "0", "0", "1"}));
-    EXPECT_FALSE(find<QLineEdit>(&form, "IP1")->isEnabled());
-    EXPECT_FALSE(find<QComboBox>(&form, "serialPortSelector")->isEnabled());
+    EXPECT_FALSE(child<QLineEdit>(&form, "IP1")->isEnabled());
+    EXPECT_FALSE(child<QComboBox>(&form, "serialPortSelector")->isEnabled());
 }
 
 TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
@@ -89,14 +88,14 @@ TEST_F(SelectorFixture, PseudoTerminalMappedBySerialPortsIsOfferedAndRemembered)
     store({{"SERIALPORTS/COM200", QString::fromStdString(pty.slavePath)}, {"COMM/DEFAULTCOMMMETHOD", 3},
            {"COMM/DEFAULTSERIAL", 200}});
     TcomSelectFrm form(nullptr, false, &sink);
-    auto *ports = find<QComboBox>(&form, "serialPortSelector");
+    auto *ports = child<QComboBox>(&form, "serialPortSelector");
     const QString entry = QStringLiteral("COM200 (%1)").arg(QString::fromStdString(pty.slavePath));
     EXPECT_EQ(ports->currentText(), entry);
-    EXPECT_TRUE(find<QRadioButton>(&form, "radSerial")->isChecked());
+    EXPECT_TRUE(child<QRadioButton>(&form, "radSerial")->isChecked());
     EXPECT_TRUE(ports->isEnabled());
     EXPECT_EQ(form.serialPort(), 200);
 
-    find<QPushButton>(&form, "btnConnect")->click();
+    click(&form, "btnConnect");
     EXPECT_EQ(form.result(), 1);
     EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 3);
     EXPECT_EQ(stored("COMM/DEFAULTSERIAL").toInt(), 200);
@@ -116,7 +115,7 @@ TEST_F(SelectorFixture, StoredSerialPortIsSelectedOnlyWhileItIsStillFree)
     const QString entry251 = QStringLiteral("COM251 (%1)").arg(QString::fromStdString(second.slavePath));
 
     auto stored = open(251);
-    auto *ports = find<QComboBox>(stored.get(), "serialPortSelector");
+    auto *ports = child<QComboBox>(stored.get(), "serialPortSelector");
     ASSERT_GE(ports->count(), 2);
     EXPECT_EQ(ports->itemText(ports->count() - 2), entry250);
     EXPECT_EQ(ports->itemText(ports->count() - 1), entry251);
@@ -124,15 +123,15 @@ TEST_F(SelectorFixture, StoredSerialPortIsSelectedOnlyWhileItIsStillFree)
 
     // 252 is not free (not even mapped): the first free port, not the last one seen.
     auto stale = open(252);
-    ports = find<QComboBox>(stale.get(), "serialPortSelector");
+    ports = child<QComboBox>(stale.get(), "serialPortSelector");
     EXPECT_EQ(ports->currentIndex(), 0);
     EXPECT_NE(ports->currentText(), entry251);
 
     // Without COMM settings DEFAULTSERIAL is 0, which no port has: the first one again.
     auto fresh = open(QVariant());
-    ports = find<QComboBox>(fresh.get(), "serialPortSelector");
+    ports = child<QComboBox>(fresh.get(), "serialPortSelector");
     EXPECT_EQ(ports->currentIndex(), 0);
-    EXPECT_TRUE(find<QRadioButton>(fresh.get(), "radUSB")->isChecked());
+    EXPECT_TRUE(child<QRadioButton>(fresh.get(), "radUSB")->isChecked());
 }
 
 TEST_F(SelectorFixture, AddressFieldsLetReturnAndEscapeReachTheDialog)
@@ -144,7 +143,7 @@ TEST_F(SelectorFixture, AddressFieldsLetReturnAndEscapeReachTheDialog)
     for (auto [field, key, result] : {std::tuple{"IP2", Qt::Key_Return, 1}, std::tuple{"IP3", Qt::Key_Escape, 2}}) {
         TcomSelectFrm form(nullptr, false, &sink);
         form.show();
-        auto *ip = find<QLineEdit>(&form, field);
+        auto *ip = child<QLineEdit>(&form, field);
         ip->setFocus();
         QTest::keyClick(ip, key);
         EXPECT_FALSE(form.isVisible()) << field;
@@ -157,22 +156,22 @@ TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
 {
     store({{"COMM/DEFAULTCOMMMETHOD", 2}, {"COMM/IP1", "10"}, {"COMM/IP2", "1"}, {"COMM/IP3", "2"}, {"COMM/IP4", "3"}});
     TcomSelectFrm form(nullptr, true, &sink);
-    EXPECT_TRUE(find<QRadioButton>(&form, "radEthernet")->isChecked());
-    EXPECT_TRUE(find<QLineEdit>(&form, "IP4")->isEnabled());
+    EXPECT_TRUE(child<QRadioButton>(&form, "radEthernet")->isChecked());
+    EXPECT_TRUE(child<QLineEdit>(&form, "IP4")->isEnabled());
     EXPECT_EQ(form.ipText(1), "10");
 
-    auto *ip4 = find<QLineEdit>(&form, "IP4");
+    auto *ip4 = child<QLineEdit>(&form, "IP4");
     ip4->clear();
     QTest::keyClicks(ip4, "2x5-6");
     EXPECT_EQ(ip4->text(), "256");
 
     form.show();
-    find<QPushButton>(&form, "btnConnect")->click();
+    click(&form, "btnConnect");
     EXPECT_EQ(sink.messages, (std::vector<Message>{{"kt930pc", "Invalid IP Address!", MsgIcon::Information}}));
     EXPECT_TRUE(form.isVisible());
 
     ip4->setText("42");
-    find<QPushButton>(&form, "btnConnect")->click();
+    click(&form, "btnConnect");
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(form.result(), 1);
     EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
@@ -187,8 +186,8 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
     TcomSelectFrm form(nullptr, false, &sink);
     form.show();
     QApplication::setActiveWindow(&form);
-    auto *ip1 = find<QLineEdit>(&form, "IP1");
-    auto *ip4 = find<QLineEdit>(&form, "IP4");
+    auto *ip1 = child<QLineEdit>(&form, "IP1");
+    auto *ip4 = child<QLineEdit>(&form, "IP4");
 
     ip1->setFocus();
     QTest::keyClick(ip1, Qt::Key_A, Qt::ControlModifier);
@@ -224,9 +223,9 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
 TEST_F(SelectorFixture, CancelClosesWithTwoAndStillStoresTheMethod)
 {
     TcomSelectFrm form(nullptr, false, &sink);
-    find<QRadioButton>(&form, "radEthernet")->click();
-    EXPECT_TRUE(find<QLineEdit>(&form, "IP1")->isEnabled());
-    find<QPushButton>(&form, "btnCancel")->click();
+    click(&form, "radEthernet");
+    EXPECT_TRUE(child<QLineEdit>(&form, "IP1")->isEnabled());
+    click(&form, "btnCancel");
     EXPECT_EQ(form.result(), 2);
     EXPECT_EQ(stored("COMM/DEFAULTCOMMMETHOD").toInt(), 2);
     EXPECT_EQ(stored("COMM/IP1").toString(), "127");
@@ -249,10 +248,10 @@ TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
     storeSerialWithoutFreePorts();
     {
         TcomSelectFrm form(nullptr, false, &sink);
-        EXPECT_FALSE(find<QRadioButton>(&form, "radSerial")->isEnabled());
-        EXPECT_EQ(find<QComboBox>(&form, "serialPortSelector")->currentText(), "<No Free Ports>");
-        EXPECT_TRUE(find<QRadioButton>(&form, "radUSB")->isChecked());
-        find<QPushButton>(&form, "btnCancel")->click();
+        EXPECT_FALSE(child<QRadioButton>(&form, "radSerial")->isEnabled());
+        EXPECT_EQ(child<QComboBox>(&form, "serialPortSelector")->currentText(), "<No Free Ports>");
+        EXPECT_TRUE(child<QRadioButton>(&form, "radUSB")->isChecked());
+        click(&form, "btnCancel");
         EXPECT_EQ(form.result(), 2);
     }
     EXPECT_EQ(method(), std::make_pair(3, 7));
@@ -265,7 +264,7 @@ TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
     EXPECT_EQ(method(), std::make_pair(3, 7));
     {
         TcomSelectFrm form(nullptr, false, &sink);
-        find<QPushButton>(&form, "btnConnect")->click();
+        click(&form, "btnConnect");
         EXPECT_EQ(form.result(), 1);
     }
     EXPECT_EQ(method().first, 1);
@@ -273,8 +272,8 @@ TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailable)
     storeSerialWithoutFreePorts();
     {
         TcomSelectFrm form(nullptr, false, &sink);
-        find<QRadioButton>(&form, "radEthernet")->click();
-        find<QPushButton>(&form, "btnCancel")->click();
+        click(&form, "radEthernet");
+        click(&form, "btnCancel");
     }
     EXPECT_EQ(method().first, 2);
     EXPECT_TRUE(sink.messages.empty());

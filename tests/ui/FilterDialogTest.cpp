@@ -23,11 +23,11 @@ struct FilterDialog {
     Tfilter filter;
     TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
 
-    template <typename T = QWidget> T *get(const char *name) { return form.findChild<T *>(name); }
+    template <typename T = QWidget> T *get(const char *name) { return child<T>(&form, name); }
     QStringList items(const char *name)
     {
-        const QAbstractItemModel *model = get<QComboBox>(name) ? get<QComboBox>(name)->model()
-                                                               : get<QListWidget>(name)->model();
+        auto *combo = form.findChild<QComboBox *>(name); // else a list
+        const QAbstractItemModel *model = combo ? combo->model() : get<QListWidget>(name)->model();
         QStringList texts;
         for (int i = 0; i < model->rowCount(); ++i)
             texts << model->index(i, 0).data().toString();
@@ -48,7 +48,7 @@ struct FilterDialog {
         QTabBar *bar = get<QTabWidget>("filterSelect")->tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(page).center());
     }
-    void click(const char *button) { QTest::mouseClick(get(button), Qt::LeftButton); }
+    void click(const char *button) { mouseClick(&form, button); }
     void key(const char *list, Qt::Key key) { QTest::keyClick(get(list), key); }
 };
 } // namespace
@@ -58,10 +58,7 @@ TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
     ensureApplication();
     TInstrDatabase::clearNames();
     FilterDialog d;
-    EXPECT_EQ(d.form.windowTitle(), "Checkitem Filter");
-    auto *tabs = d.get<QTabWidget>("filterSelect");
-    EXPECT_EQ(tabs->tabText(0) + "|" + tabs->tabText(1), "Basic Filter|Advanced Filter");
-    EXPECT_EQ(tabs->currentIndex(), 0);
+    EXPECT_EQ(d.get<QTabWidget>("filterSelect")->currentIndex(), 0);
     QStringList categories;
     for (char c : letters)
         categories << (c == 'B' ? QString("Electrical") : QString(QChar(c)));

@@ -35,7 +35,7 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
         for (const std::string &file : Files)
             std::filesystem::remove(appDir.data(file));
     }
-    template <class T = QWidget> T *get(const char *name) { return frame->findChild<T *>(QString::fromLatin1(name)); }
+    template <class T = QWidget> T *get(const char *name) { return child<T>(frame.get(), name); }
     std::vector<std::string> writtenFiles() const
     {
         std::vector<std::string> written;
@@ -60,9 +60,9 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
         whenModal([shownTitle](QWidget *editor) {
             *shownTitle = editor->findChild<QLineEdit *>("title1txt")->text();
             editor->findChild<QTableWidget *>("instList")->setCurrentCell(0, 0);
-            editor->findChild<QPushButton *>("btnAdd")->click();
+            click(editor, "btnAdd");
             editor->findChild<QLineEdit *>("title2txt")->setText("edited");
-            editor->findChild<QPushButton *>("btnOk")->click();
+            click(editor, "btnOk");
         });
     }
     // Selects the row, then double-clicks it, as a user opens a row.
@@ -91,7 +91,7 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
     get<QListWidget>("lstIP")->setCurrentRow(2);
     QString shown;
     addAndConfirm(&shown);
-    get<QPushButton>("BtnIPEdit")->click();
+    click(frame.get(), "BtnIPEdit");
     EXPECT_EQ(shown, "INSULATION");
     const Tautosequence &edited = frame->dataSet().inspections[2];
     EXPECT_EQ(std::vector<std::uint16_t>(edited.items, edited.items + 4), (std::vector<std::uint16_t>{1, 1, 1, 0}));
@@ -116,7 +116,7 @@ TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItWithoutSaving)
 
 TEST_F(FrameEditFixture, NoSelectionOpensNothingAndTheButtonStillSaves)
 {
-    get<QPushButton>("BtnIPEdit")->click(); // a modal editor here would hang the test
+    click(frame.get(), "BtnIPEdit"); // a modal editor here would hang the test
     EXPECT_EQ(writtenFiles(), Files);
     EXPECT_TRUE(sink.messages.empty());
 }
@@ -129,7 +129,7 @@ TEST_F(FrameEditFixture, TheEditorsSaveOperationWritesTheAutosequencesButNotTheC
             writtenWhileOpen = writtenFiles();
             QTest::keyClick(dbEditor, Qt::Key_Escape);
         });
-        editor->findChild<QPushButton *>("btnEditInst")->click();
+        click(editor, "btnEditInst");
         QTest::keyClick(editor, Qt::Key_Escape);
     });
     doubleClickInspection(0);
@@ -161,7 +161,7 @@ TEST_F(FrameEditFixture, EditSequenceOnATesterSequenceEditsItAndSavesAllThree)
     tree->setCurrentItem(node);
     QString shown;
     addAndConfirm(&shown);
-    get<QPushButton>("BtnUTSEdit")->click();
+    click(frame.get(), "BtnUTSEdit");
     EXPECT_EQ(shown, "(UNUSED)");
     EXPECT_EQ(frame->dataSet().userTesters[4].sequences[5].items[0], 1);
     EXPECT_EQ(node->text(0), "6. (UNUSED) - EDITED");
@@ -175,7 +175,7 @@ TEST_F(FrameEditFixture, MissingDefinitionFilesStopTheEditorWithItsMessage)
         if (entry.path().extension() == ".in")
             std::filesystem::remove(entry.path());
     get<QListWidget>("lstIP")->setCurrentRow(0);
-    get<QPushButton>("BtnIPEdit")->click();
+    click(frame.get(), "BtnIPEdit");
     const std::vector<Message> expected{
         {"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
                    "If this problem persists, contact your software vendor."}};

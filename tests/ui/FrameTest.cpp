@@ -38,16 +38,16 @@ struct FrameFixture : ::testing::Test, FrameHost {
     {
         return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
     }
-    template <class T> static T *find(QWidget *frame, const char *name)
+    // A frame over the sample data set.
+    std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame()
     {
-        T *w = frame->findChild<T *>(QString::fromLatin1(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
+        appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+        return makeFrame();
     }
     static QStringList rootTexts(QWidget *frame)
     {
         QStringList texts;
-        auto *tree = find<QTreeWidget>(frame, "LstUTS");
+        auto *tree = child<QTreeWidget>(frame, "LstUTS");
         for (int i = 0; i < tree->topLevelItemCount(); ++i)
             texts << tree->topLevelItem(i)->text(0);
         return texts;
@@ -59,9 +59,9 @@ struct FrameFixture : ::testing::Test, FrameHost {
         frame->show();
         frame->findChild<QTabWidget *>("PageControl1")->setCurrentIndex(1);
         QApplication::processEvents();
-        return find<QTreeWidget>(frame, "LstUTS");
+        return child<QTreeWidget>(frame, "LstUTS");
     }
-    std::string read(const std::string &name) const { return TempDir::read(appDir.data(name)); }
+    std::string read(const std::string &name) const { return appDir.readData(name); }
 };
 } // namespace
 
@@ -79,7 +79,7 @@ TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesInLoadOrderAndUsesDefaults)
     EXPECT_EQ(frame->dataSet().checkitems.size(), 1044u);
     EXPECT_EQ(frame->dataSet().checklists.size(), 500u);
     EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     EXPECT_EQ(tree->topLevelItem(4)->child(11)->text(0), "12. <unused>");
     EXPECT_TRUE(tree->topLevelItem(4)->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
@@ -90,20 +90,19 @@ TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesInLoadOrderAndUsesDefaults)
 
 TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
 {
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
+    auto frame = makeSampleFrame();
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "<unused>", "INSULATION - "}));
     // A blank name is repaired in memory with the one-based number.
     EXPECT_EQ(frame->dataSet().userTesters[1].name, "USER TESTER 2");
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     QTreeWidgetItem *first = tree->topLevelItem(0);
     ASSERT_EQ(first->childCount(), 12);
     EXPECT_EQ(first->child(0)->text(0), "1. LEAKAGE - CLASS 1");
     EXPECT_EQ(first->child(11)->text(0), "12. <unused>");
     EXPECT_FALSE(first->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_TRUE(first->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
-    EXPECT_EQ(find<QListWidget>(frame.get(), "lstIP")->currentRow(), -1);
+    EXPECT_EQ(child<QListWidget>(frame.get(), "lstIP")->currentRow(), -1);
 }
 
 TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
@@ -123,8 +122,8 @@ TEST_F(FrameFixture, ClearingAnInspectionAsksAndMakesItUnusedWithoutWriting)
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
     const std::string before = read("inspection.asq");
     auto frame = makeFrame();
-    auto *list = find<QListWidget>(frame.get(), "lstIP");
-    auto *clear = find<QPushButton>(frame.get(), "BtnIPClear");
+    auto *list = child<QListWidget>(frame.get(), "lstIP");
+    auto *clear = child<QPushButton>(frame.get(), "BtnIPClear");
 
     clear->click(); // nothing selected: no question
     EXPECT_TRUE(sink.messages.empty());
@@ -144,70 +143,82 @@ TEST_F(FrameFixture, ClearingAnInspectionAsksAndMakesItUnusedWithoutWriting)
     EXPECT_EQ(read("inspection.asq"), before);
 }
 
-TEST_F(FrameFixture, ClearingATesterSequenceNeedsAChildNode)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    auto *clear = find<QPushButton>(frame.get(), "BtnUTSClear");
-    tree->setCurrentItem(tree->topLevelItem(0));
-    clear->click();
-    EXPECT_TRUE(sink.messages.empty());
-
-    tree->setCurrentItem(tree->topLevelItem(0)->child(0));
-    clear->click();
-    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
-    EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1. <unused>");
-    EXPECT_TRUE(tree->topLevelItem(0)->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
-    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused());
-    EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
-}
-
 TEST_F(FrameFixture, ClearAfterAReloadWithFewerSequencesThanNodesDoesNothing)
 {
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
+    auto frame = makeSampleFrame();
     // The nodes stay as built; the reloaded tester file holds only two sequences.
     appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
                                                  {sequence("A", "B", {1}), sequence("C", "D", {2})}));
     frame->ReloadData();
     ASSERT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
     EXPECT_EQ(tree->topLevelItem(0)->text(0), "i. SHORT");
     EXPECT_EQ(tree->topLevelItem(0)->child(1)->text(0), "2. C - D");
 
     tree->setCurrentItem(tree->topLevelItem(0)->child(5));
-    find<QPushButton>(frame.get(), "BtnUTSClear")->click();
+    child<QPushButton>(frame.get(), "BtnUTSClear")->click();
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
 }
 
-TEST_F(FrameFixture, RenameThroughEditButtonSetsCaptionsUppercasesAndSavesAllThree)
+// The Edit button on a tester: OK keeps a stored name longer than the form takes,
+// the caret starts at the end of the name, and the new name is saved upper-case.
+TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercasesAndSavesAllThree)
 {
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    std::vector<std::string> names = testerNames();
+    names[3] = "THE LONG NAMED WARD ON FLOOR 7"; // 30 characters from another tool
+    appDir.writeCompleteDataSet(sampleInspections(), names);
     auto frame = makeFrame();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    ASSERT_EQ(frame->dataSet().userTesters[3].name, names[3]);
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
+    tree->setCurrentItem(tree->topLevelItem(3));
+    QString shown;
+    whenModal([&](QWidget *form) {
+        shown = child<QLineEdit>(form, "sequenceTitle")->text();
+        click(form, "Button2");
+    });
+    click(frame.get(), "BtnUTSEdit");
+    EXPECT_EQ(shown, QString::fromStdString(names[3]));
+    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
+    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
+
     tree->setCurrentItem(tree->topLevelItem(2));
+    bool focused = false;
+    whenModal([&](QWidget *form) {
+        auto *edit = child<QLineEdit>(form, "sequenceTitle");
+        // The focus arrives with the form's activation, which may follow its showing.
+        focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
+        if (!focused) {
+            form->close();
+            return;
+        }
+        QTest::keyClicks(edit, " EAST");
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    click(frame.get(), "BtnUTSEdit");
+    EXPECT_TRUE(focused);
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
+
     QString caption, label;
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
-        label = form->findChild<QLabel *>("Label1")->text();
-        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        edit->setText("  icu bay  ");
-        form->findChild<QPushButton *>("Button2")->click();
+        label = child<QLabel>(form, "Label1")->text();
+        child<QLineEdit>(form, "sequenceTitle")->setText("  icu bay  ");
+        click(form, "Button2");
     });
-    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
+    click(frame.get(), "BtnUTSEdit");
     EXPECT_EQ(caption, "Tester Name Editor");
     EXPECT_EQ(label, "Tester Name");
     EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU BAY");
     EXPECT_EQ(tree->topLevelItem(2)->text(0), "iii. ICU BAY");
     EXPECT_TRUE(sink.messages.empty());
 
-    // Written from the documented layouts: the tester file carries the new name.
+    // Written from the documented layouts: the tester files carry the names.
     const TdataSet &data = frame->dataSet();
     EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU BAY", data.userTesters[2].sequences));
     EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
+    EXPECT_EQ(read("usertester4.asq"), asqBytes("User Tester Autosequences", names[3], data.userTesters[3].sequences));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
     EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
 }
@@ -260,49 +271,6 @@ TEST(TitleForm, ALongerStoredNameStaysWholeAndMayShrinkButNotGrow)
     EXPECT_EQ(longEdit->text(), stored.left(24));
 }
 
-TEST_F(FrameFixture, TheNameOpensWithTheCaretAtItsEndSoTypingAddsToIt)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    tree->setCurrentItem(tree->topLevelItem(2));
-    bool focused = false;
-    whenModal([&](QWidget *form) {
-        auto *edit = form->findChild<QLineEdit *>("sequenceTitle");
-        // The focus arrives with the form's activation, which may follow its showing.
-        focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
-        if (!focused) {
-            form->close();
-            return;
-        }
-        QTest::keyClicks(edit, " EAST");
-        QTest::keyClick(edit, Qt::Key_Return);
-    });
-    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
-    EXPECT_TRUE(focused);
-    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
-}
-
-TEST_F(FrameFixture, OkWithoutEditingKeepsAStoredNameLongerThanTwentyCharacters)
-{
-    std::vector<std::string> names = testerNames();
-    names[3] = "THE LONG NAMED WARD ON FLOOR 7"; // 30 characters from another tool
-    appDir.writeCompleteDataSet(sampleInspections(), names);
-    auto frame = makeFrame();
-    ASSERT_EQ(frame->dataSet().userTesters[3].name, names[3]);
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
-    tree->setCurrentItem(tree->topLevelItem(3));
-    QString shown;
-    whenModal([&](QWidget *form) {
-        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
-        form->findChild<QPushButton *>("Button2")->click();
-    });
-    find<QPushButton>(frame.get(), "BtnUTSEdit")->click();
-    EXPECT_EQ(shown, QString::fromStdString(names[3]));
-    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
-    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
-}
-
 TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpandsNorSaves)
 {
     appDir.writeCompleteDataSet(sampleInspections(), testerNames());
@@ -316,9 +284,9 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
     QString caption, label;
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
-        label = form->findChild<QLabel *>("Label1")->text();
-        form->findChild<QLineEdit *>("sequenceTitle")->setText("changed");
-        form->findChild<QPushButton *>("Button1")->click(); // Cancel
+        label = child<QLabel>(form, "Label1")->text();
+        child<QLineEdit>(form, "sequenceTitle")->setText("changed");
+        click(form, "Button1"); // Cancel
     });
     // What a real double click delivers: press, release, then the double-click event.
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, at);
@@ -332,8 +300,7 @@ TEST_F(FrameFixture, DoubleClickOnRootLabelRenamesWithFormTextsAndNeitherExpands
 
 TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSelectedNode)
 {
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    auto frame = makeFrame();
+    auto frame = makeSampleFrame();
     QTreeWidget *tree = showTesterTab(frame.get());
     tree->setCurrentItem(tree->topLevelItem(1));
     QTreeWidgetItem *first = tree->topLevelItem(0);
@@ -342,8 +309,8 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
 
     QString shown;
     whenModal([&](QWidget *form) {
-        shown = form->findChild<QLineEdit *>("sequenceTitle")->text();
-        form->findChild<QPushButton *>("Button1")->click();
+        shown = child<QLineEdit>(form, "sequenceTitle")->text();
+        click(form, "Button1");
     });
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
     EXPECT_TRUE(first->isExpanded()); // the first click of the two opens the node
@@ -358,7 +325,7 @@ TEST_F(FrameFixture, DoubleClickOnTheExpandButtonLetsTheTreeExpandAndEditsTheSel
 TEST_F(FrameFixture, HelpButtonShowsTheQuestionMarkIconAtEverySize)
 {
     auto frame = makeFrame();
-    const QIcon icon = find<QPushButton>(frame.get(), "BtnHelp")->icon();
+    const QIcon icon = child<QPushButton>(frame.get(), "BtnHelp")->icon();
     for (int size : {16, 24, 32, 48}) {
         const QImage drawn(QStringLiteral(":/icons/help-%1.png").arg(size));
         ASSERT_FALSE(drawn.isNull()) << size;
@@ -374,7 +341,7 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
     container.show();
     mainView.hide();
     frame->show();
-    find<QPushButton>(frame.get(), "BtnExit")->click();
+    child<QPushButton>(frame.get(), "BtnExit")->click();
     EXPECT_TRUE(frame->isHidden());
     EXPECT_FALSE(mainView.isHidden());
     EXPECT_TRUE(container.updatesEnabled());
@@ -394,8 +361,7 @@ struct UserSelectionFixture : FrameFixture {
 
     void showActive()
     {
-        appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-        frame = makeFrame();
+        frame = makeSampleFrame();
         frame->resize(792, 546);
         frame->show();
         frame->activateWindow();
@@ -403,14 +369,10 @@ struct UserSelectionFixture : FrameFixture {
     }
     void clickTab(int index)
     {
-        QTabBar *bar = find<QTabWidget>(frame.get(), "PageControl1")->tabBar();
+        QTabBar *bar = child<QTabWidget>(frame.get(), "PageControl1")->tabBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
     }
-    void clickButton(const char *name)
-    {
-        auto *button = find<QPushButton>(frame.get(), name);
-        QTest::mouseClick(button, Qt::LeftButton, {}, button->rect().center());
-    }
+    void clickButton(const char *name) { mouseClick(frame.get(), name); }
     static void clickRow(QAbstractItemView *view, const QModelIndex &index, Qt::KeyboardModifiers modifiers = {})
     {
         QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
@@ -421,9 +383,9 @@ struct UserSelectionFixture : FrameFixture {
 TEST_F(UserSelectionFixture, ClearInspectionAfterATabSwitchGaveTheListOnlyACurrentRowDoesNothing)
 {
     showActive();
-    auto *list = find<QListWidget>(frame.get(), "lstIP");
+    auto *list = child<QListWidget>(frame.get(), "lstIP");
     clickTab(1);
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(1)));
     clickTab(0); // focus follows into the list
     ASSERT_EQ(QApplication::focusWidget(), list);
@@ -439,7 +401,7 @@ TEST_F(UserSelectionFixture, ClearInspectionAfterATabSwitchGaveTheListOnlyACurre
 TEST_F(UserSelectionFixture, ClearInspectionAfterCtrlClickDeselectedTheRowDoesNothingUntilItIsSelectedAgain)
 {
     showActive();
-    auto *list = find<QListWidget>(frame.get(), "lstIP");
+    auto *list = child<QListWidget>(frame.get(), "lstIP");
     const QModelIndex last = list->model()->index(2, 0);
     clickRow(list, last);
     clickRow(list, last, Qt::ControlModifier);
@@ -461,18 +423,21 @@ TEST_F(UserSelectionFixture, ClearInspectionAfterCtrlClickDeselectedTheRowDoesNo
     EXPECT_TRUE(list->item(2)->isSelected()); // the cleared row stays selected
 }
 
-TEST_F(UserSelectionFixture, ClearSequenceNeedsTheNodeSelectedNotMerelyCurrent)
+TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCurrent)
 {
     showActive();
     clickTab(1);
-    auto *tree = find<QTreeWidget>(frame.get(), "LstUTS");
+    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
+    clickRow(tree, tree->indexFromItem(tree->topLevelItem(0))); // a tester, not a sequence
+    clickButton("BtnUTSClear");
+    EXPECT_TRUE(sink.messages.empty());
     tree->expandItem(tree->topLevelItem(0));
-    QTreeWidgetItem *child = tree->topLevelItem(0)->child(0);
-    const QModelIndex index = tree->indexFromItem(child);
+    QTreeWidgetItem *node = tree->topLevelItem(0)->child(0);
+    const QModelIndex index = tree->indexFromItem(node);
 
     clickRow(tree, index);
     clickRow(tree, index, Qt::ControlModifier);
-    ASSERT_EQ(tree->currentItem(), child);
+    ASSERT_EQ(tree->currentItem(), node);
     ASSERT_TRUE(tree->selectedItems().isEmpty());
     clickButton("BtnUTSClear");
     EXPECT_TRUE(sink.messages.empty());
@@ -482,4 +447,7 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsTheNodeSelectedNotMerelyCurrent)
     clickButton("BtnUTSClear");
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
     EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused());
+    EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
+    EXPECT_EQ(node->text(0), "1. <unused>");
+    EXPECT_TRUE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
 }

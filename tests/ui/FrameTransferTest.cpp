@@ -65,9 +65,7 @@ struct FrameTransfer : ::testing::Test, FrameHost {
     FrameTransfer()
     {
         appDir.writeCompleteDataSet({sequence("EARTH", "BOND", {1})}, {"A", "B", "C", "D", "E"});
-        for (const auto &entry : std::filesystem::directory_iterator(KT930_TEST_APPDIR "/Data"))
-            if (entry.path().extension() == ".in")
-                std::filesystem::copy_file(entry.path(), appDir.data(entry.path().filename().string()));
+        appDir.copyDemoDefinitions();
     }
     std::unique_ptr<TAutoSeqEditFrame> makeFrame()
     {
@@ -90,7 +88,7 @@ struct FrameTransfer : ::testing::Test, FrameHost {
         DataSet copy{data.checkitems, data.checklists, data.userTesters, data.inspections};
         return KnownDataSet::snapshot(copy);
     }
-    std::string read(const std::string &name) const { return TempDir::read(appDir.data(name)); }
+    std::string read(const std::string &name) const { return appDir.readData(name); }
     std::vector<std::string> dataFiles() const
     {
         std::vector<std::string> files;
@@ -99,13 +97,12 @@ struct FrameTransfer : ::testing::Test, FrameHost {
             files.push_back(read(name));
         return files;
     }
-    void click(QWidget *frame, const char *name) { frame->findChild<QPushButton *>(name)->click(); }
     // Answers the settings form with a method and a button, no analyzer involved.
     static void answerSelector(const char *radio, const char *button)
     {
         whenModal([=](QWidget *selector) {
-            selector->findChild<QRadioButton *>(radio)->click();
-            selector->findChild<QPushButton *>(button)->click();
+            click(selector, radio);
+            click(selector, button);
         });
     }
 };
@@ -246,7 +243,7 @@ TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothi
         whenTrue([stage] { return stage->text() == "Getting Checkitems"; },
                  [progress, &pressed] {
                      pressed = true;
-                     progress->findChild<QPushButton *>("btnCancel")->click();
+                     click(progress, "btnCancel");
                  });
     });
     click(frame.get(), "BtnDownload"); // returns only if the worker's box got through

@@ -31,13 +31,6 @@ protected:
                  fs::copy_options::recursive | fs::copy_options::overwrite_existing);
     }
 
-    static QPushButton *button(QWidget *parent, const char *name)
-    {
-        auto *b = parent->findChild<QPushButton *>(QString::fromLatin1(name));
-        EXPECT_NE(b, nullptr) << name;
-        return b;
-    }
-
     // Data in the test's folder; plug-ins and help from the build, as an installation has them.
     TappFolders folders() const
     {
@@ -53,7 +46,7 @@ TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheD
     ThostMainWindow window(folders());
     window.show();
     ASSERT_EQ(window.pluginCount(), 1);
-    QPushButton *pluginButton = button(window.mainView(), "plugin0");
+    QPushButton *pluginButton = child<QPushButton>(window.mainView(), "plugin0");
     ASSERT_NE(pluginButton, nullptr);
     EXPECT_EQ(pluginButton->text(), QStringLiteral("Inspections and\nUser Testers"));
 
@@ -63,7 +56,7 @@ TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheD
     EXPECT_TRUE(frame->isVisible());
     EXPECT_FALSE(window.mainView()->isVisible());
 
-    button(frame, "BtnExit")->click();
+    child<QPushButton>(frame, "BtnExit")->click();
     EXPECT_FALSE(frame->isVisible());
     EXPECT_TRUE(window.mainView()->isVisible());
 
@@ -86,10 +79,10 @@ TEST_F(HostTest, ClosingTheMainWindowWithHelpOpenEndsTheProgramAndTheFrameCloses
 {
     auto window = std::make_unique<ThostMainWindow>(folders());
     window->show();
-    button(window->mainView(), "plugin0")->click();
+    child<QPushButton>(window->mainView(), "plugin0")->click();
     auto *frame = window->container()->findChild<Tkt930Frame *>();
     ASSERT_NE(frame, nullptr);
-    button(frame, "BtnHelp")->click();
+    child<QPushButton>(frame, "BtnHelp")->click();
     // By class name: the plug-in library carries its own copy of the class.
     QPointer<QWidget> help;
     for (QWidget *w : QApplication::topLevelWidgets())
@@ -111,13 +104,13 @@ TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
 {
     ThostMainWindow window(folders());
     window.show();
-    button(window.mainView(), "plugin0")->click();
+    child<QPushButton>(window.mainView(), "plugin0")->click();
     QApplication::processEvents();
     const QRect available = window.screen()->availableGeometry();
     EXPECT_TRUE(available.contains(window.frameGeometry()))
         << window.frameGeometry().width() << "x" << window.frameGeometry().height() << " on "
         << available.width() << "x" << available.height();
-    auto *exit = button(window.container()->findChild<Tkt930Frame *>(), "BtnExit");
+    auto *exit = child<QPushButton>(window.container()->findChild<Tkt930Frame *>(), "BtnExit");
     const QRect exitOnScreen(exit->mapToGlobal(QPoint(0, 0)), exit->size());
     EXPECT_TRUE(available.contains(exitOnScreen));
 }
@@ -153,11 +146,8 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTh
 
     // A help entry opens its file at the first page.
     window.findChild<QMenu *>(QStringLiteral("menuHelp"))->actions().at(0)->trigger();
-    THelpWindow *help = nullptr;
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *candidate = qobject_cast<THelpWindow *>(w); candidate && candidate->isVisible())
-            help = candidate;
-    ASSERT_NE(help, nullptr);
+    ASSERT_EQ(helpWindows().size(), 1);
+    THelpWindow *help = helpWindows().first();
     EXPECT_EQ(help->windowTitle(), QStringLiteral("AUTOSEQUENCEEDITOR Help"));
     EXPECT_TRUE(help->topicLoaded());
     help->close();

@@ -38,16 +38,8 @@ const QStringList Browsing{"btnSync", "btnHelp", "btnOk", "btnImport", "btnDelet
 const QStringList Editing{"btnExport", "lblOp", "lstOp", "lblCat", "lstCat", "btnNewCat",
                           "btnEditCat", "btnUpdate", "btnCancel", "pnlInst"};
 
-template <class T = QWidget> T *get(QWidget *form, const char *name)
-{
-    T *widget = form->findChild<T *>(QString::fromLatin1(name));
-    EXPECT_NE(widget, nullptr) << name;
-    return widget;
-}
-void click(QWidget *form, const char *name) { get<QAbstractButton>(form, name)->click(); }
-QTableWidget *grid(QWidget *editor) { return get<QTableWidget>(editor, "instList"); }
+QTableWidget *grid(QWidget *editor) { return child<QTableWidget>(editor, "instList"); }
 TinstGridHeader *header(QWidget *editor) { return qobject_cast<TinstGridHeader *>(grid(editor)->horizontalHeader()); }
-std::string bytesOf(const TInstr &record) { return std::string(reinterpret_cast<const char *>(&record), 44); }
 std::string padded(const std::string &text) { return text + std::string(41 - text.size(), ' '); }
 
 // Every panel has a field0, field1 ...: the one on show is meant.
@@ -76,18 +68,11 @@ void retype(QWidget *editor, int field, const QString &keys)
 // What a user's pick in a drop-down list does.
 void choose(QWidget *form, const char *list, int index)
 {
-    auto *box = get<QComboBox>(form, list);
+    auto *box = child<QComboBox>(form, list);
     box->setCurrentIndex(index);
     Q_EMIT box->activated(index);
 }
-QStringList items(QWidget *form, const char *list) { return comboTexts(get<QComboBox>(form, list)); }
-QStringList column(QWidget *editor, int c)
-{
-    QStringList texts;
-    for (int r = 0; r < grid(editor)->rowCount(); ++r)
-        texts << grid(editor)->item(r, c)->text();
-    return texts;
-}
+QStringList column(QWidget *editor, int c) { return columnTexts(grid(editor), c); }
 QStringList enabledControls(QWidget *editor)
 {
     QStringList enabled;
@@ -154,10 +139,10 @@ struct Editor : ::testing::Test {
             files->setDirectory(folder);
             auto *listing = files->findChild<QFileSystemModel *>();
             whenTrue([listing, folder] { return listing->rowCount(listing->index(folder)) > 0; }, [dialog, name] {
-                auto *fileName = get<QLineEdit>(dialog, "fileNameEdit");
+                auto *fileName = child<QLineEdit>(dialog, "fileNameEdit");
                 fileName->clear();
                 QTest::keyClicks(fileName, name);
-                get<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open)->click();
+                child<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open)->click();
             });
         });
         click(editor, "btnImport");
@@ -173,7 +158,7 @@ struct Editor : ::testing::Test {
     static void nameCategory(const QString &name)
     {
         whenModal([name](QWidget *dialog) {
-            get<QLineEdit>(dialog, "txtName")->setText(name);
+            child<QLineEdit>(dialog, "txtName")->setText(name);
             click(dialog, "btnOK");
         });
     }
@@ -190,15 +175,15 @@ TEST_F(Editor, OpensOnTheFirstSlotsWithNamesListOrderTraceAndSilentRepair)
     EXPECT_EQ(column(editor.get(), 1), (QStringList{"Earth bond", "", "Visual inspection", "Functional checks"}));
     EXPECT_EQ(column(editor.get(), 2), (QStringList{"C - Control", "P - Pass/Fail", "K - OK Prompt", "C - Control"}));
     EXPECT_EQ(column(editor.get(), 3)[3], QString::fromUtf8("AUX»1"));
-    EXPECT_EQ(items(editor.get(), "lstOp"),
+    EXPECT_EQ(comboTexts(editor.get(), "lstOp"),
               (QStringList{"P - Pass/Fail", "I - Input", "E - Data Entry", "K - OK Prompt", "T - Stopwatch",
                            "D - Delay", "C - Control", "R - Remote w Entry", "M - Measure", "L - Meas. w Limits"}));
-    EXPECT_EQ(items(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual inspection", "B"}));
+    EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual inspection", "B"}));
     EXPECT_EQ(TempDir::read("lstOpChange.log"),
               "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
-    EXPECT_EQ(get<QPushButton>(editor.get(), "btnSync")->text(), "Sync\nWith\nKT930");
+    EXPECT_EQ(child<QPushButton>(editor.get(), "btnSync")->text(), "Sync\nWith\nKT930");
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
-    EXPECT_EQ(editor->focusWidget(), get(editor.get(), "btnNewInst"));
+    EXPECT_EQ(editor->focusWidget(), child(editor.get(), "btnNewInst"));
     EXPECT_EQ(fieldTexts(editor.get()), (QStringList{"", ""}));
     EXPECT_EQ(header(editor.get())->sortColumn(), 0);
 }
@@ -210,8 +195,8 @@ TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
     {
         // Bare letters, still one item per category: the first checkitem's "E" stands at "E".
         auto editor = open();
-        EXPECT_EQ(items(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "A", "B"}));
-        EXPECT_EQ(get<QComboBox>(editor.get(), "lstCat")->currentText(), "E");
+        EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "A", "B"}));
+        EXPECT_EQ(child<QComboBox>(editor.get(), "lstCat")->currentText(), "E");
     }
     EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nCheckitem Database Files Appear Corrupt!\nPlease "
                                                   "restart program.\nIf this problem persists, contact your software "
@@ -248,15 +233,15 @@ TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClampedAndTabGoesThroughTheField
     EXPECT_EQ(enabledControls(editor.get()), Editing);
     EXPECT_EQ(editor->focusWidget(), shownFields(editor.get())[0]);
     // By keyboard: from the category through the fields shown to the tick and the cross.
-    get(editor.get(), "lstCat")->setFocus();
+    child(editor.get(), "lstCat")->setFocus();
     QList<QWidget *> tabbed;
     for (int i = 0; i < 5; ++i) {
         QTest::keyClick(editor->focusWidget(), Qt::Key_Tab);
         tabbed << editor->focusWidget();
     }
     const QList<QLineEdit *> fields = shownFields(editor.get());
-    EXPECT_EQ(tabbed, (QList<QWidget *>{fields[0], fields[1], fields[2], get(editor.get(), "btnUpdate"),
-                                       get(editor.get(), "btnCancel")}));
+    EXPECT_EQ(tabbed, (QList<QWidget *>{fields[0], fields[1], fields[2], child(editor.get(), "btnUpdate"),
+                                       child(editor.get(), "btnCancel")}));
     retype(editor.get(), 0, "ir");
     retype(editor.get(), 1, "12x00.5"); // digits only, then above the range
     retype(editor.get(), 2, "-0");
@@ -266,7 +251,7 @@ TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClampedAndTabGoesThroughTheField
     EXPECT_EQ(bytesOf(db[0]), bytesOf(TInstr('I', 'M', padded("IR\t1000\t1"))));
     EXPECT_EQ(fieldTexts(editor.get()), (QStringList{"IR", "1000", "1"}));
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
-    EXPECT_FALSE(get(editor.get(), "btnUpdate")->isVisible());
+    EXPECT_FALSE(child(editor.get(), "btnUpdate")->isVisible());
     EXPECT_EQ(column(editor.get(), 1)[0], "Insulation");
 }
 
@@ -328,7 +313,7 @@ TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDe
     for (const char *answer : {"btnNo", "btnYes"}) {
         EXPECT_FALSE(db[0].isFree());
         whenModal([answer](QWidget *dialog) {
-            EXPECT_EQ(get<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText().toStdString(),
+            EXPECT_EQ(child<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText().toStdString(),
                       "Physical Inspections - Ward 3\n  EARTH              - BOND              ");
             click(dialog, answer);
         });
@@ -339,13 +324,13 @@ TEST_F(Editor, DeleteListsTheSequencesDeletesOnYesAndTheLastOneDisablesEditAndDe
     std::filesystem::remove(appDir.data("inspection.asq"));
     for (int left = 3; left > 0; --left) {
         whenModal([](QWidget *dialog) { // without .asq files it goes anyway
-            EXPECT_EQ(get<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText(), "No Autosequences Found!");
+            EXPECT_EQ(child<QPlainTextEdit>(dialog, "affectedSequences")->toPlainText(), "No Autosequences Found!");
             click(dialog, "btnNo");
         });
         click(editor.get(), "btnDelete");
     }
     EXPECT_EQ(column(editor.get(), 0), QStringList{""});
-    EXPECT_FALSE(get(editor.get(), "btnEditInst")->isEnabled() || get(editor.get(), "btnDelete")->isEnabled());
+    EXPECT_FALSE(child(editor.get(), "btnEditInst")->isEnabled() || child(editor.get(), "btnDelete")->isEnabled());
 }
 
 TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
@@ -362,7 +347,7 @@ TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
                                         MsgIcon::Exclamation}}));
     nameCategory("Bench tests"); // "B", the first letter without a name
     click(editor.get(), "btnNewCat");
-    EXPECT_EQ(items(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual checks", "Bench tests"}));
+    EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual checks", "Bench tests"}));
     click(editor.get(), "btnUpdate");
     click(editor.get(), "btnOk");
     EXPECT_EQ(editor->result(), QDialog::Accepted);
@@ -394,16 +379,16 @@ TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
 TEST_F(Editor, FilterAppliesOnOkAndWhatACancelLeftAtTheNextSort)
 {
     auto editor = open();
-    runFilter(editor.get(), "btnOk", [](QWidget *dialog) { get<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
+    runFilter(editor.get(), "btnOk", [](QWidget *dialog) { child<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
     runFilter(editor.get(), "btnOk", [](QWidget *dialog) {
-        get<QTabWidget>(dialog, "filterSelect")->setCurrentIndex(1);
+        child<QTabWidget>(dialog, "filterSelect")->setCurrentIndex(1);
         for (const char *name : {"K - OK Prompt", "M - Measure"})
-            get<QListWidget>(dialog, "lstAdvOp")->findItems(name, Qt::MatchExactly)[0]->setCheckState(Qt::Checked);
+            child<QListWidget>(dialog, "lstAdvOp")->findItems(name, Qt::MatchExactly)[0]->setCheckState(Qt::Checked);
     });
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"1", "3"}));
     runFilter(editor.get(), "btnCancel", [](QWidget *dialog) {
-        get<QComboBox>(dialog, "lstBasicOp")->setCurrentIndex(get<QComboBox>(dialog, "lstBasicOp")->findText("P - Pass/Fail"));
+        child<QComboBox>(dialog, "lstBasicOp")->setCurrentIndex(child<QComboBox>(dialog, "lstBasicOp")->findText("P - Pass/Fail"));
     });
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"1", "3"}));
     clickHeader(editor.get(), 3);
@@ -539,7 +524,7 @@ TEST_F(Editor, PrintsTheGridAsItStandsAndHelpOpensInAWindowOfTheEditor)
     std::filesystem::copy_file(KT930_TEST_APPDIR "/TestProcedureEditor.qch", appDir.dir().path() / "TestProcedureEditor.qch");
     db[5].assign(' ', 'A', "UT203");
     auto editor = open(true);
-    EXPECT_EQ(items(editor.get(), "lstOp")[0], "A - Autosequence");
+    EXPECT_EQ(comboTexts(editor.get(), "lstOp")[0], "A - Autosequence");
     editor->pdf = QString::fromStdString((appDir.dir().path() / "listing.pdf").string());
     clickHeader(editor.get(), 0);
     click(editor.get(), "btnPrint");

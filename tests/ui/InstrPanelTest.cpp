@@ -22,6 +22,8 @@ namespace {
 const char *const NumberAndDecimal = "M - Measure\nN 9\n"
                                      "\"Voltage\"\t\"V\"\t\"N0,10\"\n"
                                      "\"Limit\"\t\"\xB5" "A\"\t\"F-1.5,2.5\"\n";
+// A field of each type: whole number, decimal, upper-case text, text.
+const char *const AllTypes = "R - Remote\nN\n\"N\"\t\"\"\t\"N\"\n\"F\"\t\"\"\t\"F\"\n\"U\"\t\"\"\t\"U\"\n\"A\"\t\"\"\t\"A\"\n";
 
 struct ApplicationFirst {
     ApplicationFirst() { ensureApplication(); }
@@ -37,13 +39,6 @@ protected:
     }
     QLineEdit *box(int field) const { return panel->findChild<QLineEdit *>(QStringLiteral("field%1").arg(field)); }
     QComboBox *combo(const char *name) const { return panel->findChild<QComboBox *>(QString::fromLatin1(name)); }
-    static QStringList items(const QComboBox *list)
-    {
-        QStringList texts;
-        for (int i = 0; i < list->count(); ++i)
-            texts.append(list->itemText(i));
-        return texts;
-    }
     // The 44 bytes a record must hold after GetInstr: text padded to 41, then 0.
     static std::string recordBytes(char category, char opCode, const std::string &text)
     {
@@ -57,7 +52,6 @@ protected:
         QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
         return box->text();
     }
-    static std::string bytesOf(const TInstr &record) { return std::string(reinterpret_cast<const char *>(&record), 44); }
 
     ApplicationFirst application; // before the widgets
     TempDir temp;
@@ -146,15 +140,15 @@ TEST_F(InstrPanelTest, SetInstrPutsEachValueIntoItsBox)
 TEST_F(InstrPanelTest, SetInstrRejectsRecordsThatDoNotFitWithTheirCodes)
 {
     build(NumberAndDecimal);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'L', "1\t2")); }), 1);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1\t2\t3")); }), 2);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1")); }), 3);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "")); }), 3);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "1a\t2")); }), 4);
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "-1\t2")); }), 4);
-    for (const char *decimal : {"1-2", "1.2.3", "--1", "2e3"})
-        EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', std::string("1\t") + decimal)); }), 4) << decimal;
-    EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', 'M', "10\t-.5")); }), 0);
+    struct Case {
+        char opCode;
+        const char *text;
+        int code;
+    };
+    for (Case c : {Case{'L', "1\t2", 1}, Case{'M', "1\t2\t3", 2}, Case{'M', "1", 3}, Case{'M', "", 3},
+                   Case{'M', "1a\t2", 4}, Case{'M', "-1\t2", 4}, Case{'M', "1\t1-2", 4}, Case{'M', "1\t1.2.3", 4},
+                   Case{'M', "1\t--1", 4}, Case{'M', "1\t2e3", 4}, Case{'M', "10\t-.5", 0}})
+        EXPECT_EQ(errorCode([&] { panel->SetInstr(TInstr('B', c.opCode, c.text)); }), c.code) << c.opCode << c.text;
 }
 
 // --- Boxes to record ---------------------------------------------------------------
@@ -210,17 +204,21 @@ TEST_F(InstrPanelTest, AClampedBoundIsWrittenSoTheRecordShowsAgain)
 
 // --- The key filter, with real key presses -----------------------------------------
 
-TEST_F(InstrPanelTest, WholeNumbersTakeDigitsDecimalsOneLeadingMinusAndOnePoint)
+TEST_F(InstrPanelTest, TypedKeysFollowTheFieldType)
 {
-    build(NumberAndDecimal);
+    build(AllTypes);
     QTest::keyClicks(box(0), "1a2.-3 x");
-    EXPECT_EQ(box(0)->text(), "123");
+    EXPECT_EQ(box(0)->text(), "123"); // digits only
     QLineEdit *decimal = box(1);
     QTest::keyClicks(decimal, "1.5.-2x");
-    EXPECT_EQ(decimal->text(), "1.52");
+    EXPECT_EQ(decimal->text(), "1.52"); // one point
     QTest::keyClick(decimal, Qt::Key_Home);
     QTest::keyClicks(decimal, "--");
-    EXPECT_EQ(decimal->text(), "-1.52");
+    EXPECT_EQ(decimal->text(), "-1.52"); // one leading minus
+    QTest::keyClicks(box(2), "ab-1.");
+    EXPECT_EQ(box(2)->text(), "AB-1.");
+    QTest::keyClicks(box(3), "ab-1.");
+    EXPECT_EQ(box(3)->text(), "ab-1.");
 }
 
 TEST_F(InstrPanelTest, EditingKeysKeepWorkingInFilteredBoxes)
@@ -241,18 +239,9 @@ TEST_F(InstrPanelTest, EditingKeysKeepWorkingInFilteredBoxes)
     EXPECT_EQ(number->text(), "5");
 }
 
-TEST_F(InstrPanelTest, TextBoxesTakeAnyKeyAndUpperCaseBoxesRaiseIt)
-{
-    build("R - Remote\nN\n\"Cmd\"\t\"\"\t\"U\"\n\"Prompt\"\t\"\"\t\"A\"\n");
-    QTest::keyClicks(box(0), "ab-1.");
-    EXPECT_EQ(box(0)->text(), "AB-1.");
-    QTest::keyClicks(box(1), "ab-1.");
-    EXPECT_EQ(box(1)->text(), "ab-1.");
-}
-
 TEST_F(InstrPanelTest, PastedTextObeysTheSameRulesAsKeys)
 {
-    build("R - Remote\nN\n\"N\"\t\"\"\t\"N\"\n\"F\"\t\"\"\t\"F\"\n\"U\"\t\"\"\t\"U\"\n\"A\"\t\"\"\t\"A\"\n");
+    build(AllTypes);
     EXPECT_EQ(paste(box(0), "1a2"), "");
     EXPECT_EQ(paste(box(0), "12"), "12");
     EXPECT_EQ(paste(box(1), "1.5.2"), "");
@@ -297,13 +286,6 @@ protected:
         panel = std::make_unique<TInstrPanel>(&owner, std::string(KT930_TEST_APPDIR) + "/Data/autoseq.in", 517, 25,
                                               10, 4, 56);
     }
-    static QStringList numbers(int count)
-    {
-        QStringList texts;
-        for (int n = 1; n <= count; ++n)
-            texts.append(QString::number(n));
-        return texts;
-    }
 };
 
 TEST_F(AutoPanelTest, ListsTheTypesAndTheFirstTypesNumbers)
@@ -312,10 +294,10 @@ TEST_F(AutoPanelTest, ListsTheTypesAndTheFirstTypesNumbers)
     EXPECT_EQ(panel->fieldCount(), 0);
     EXPECT_EQ(panel->findChild<QLabel *>("labelAutoType")->text(), "Autosequence Type:");
     EXPECT_EQ(panel->findChild<QLabel *>("labelAutoNum")->text(), "Number:");
-    EXPECT_EQ(items(combo("comboAutoType")), QStringList({"Physical Inspection", "User Tester 1", "User Tester 2",
+    EXPECT_EQ(comboTexts(combo("comboAutoType")), QStringList({"Physical Inspection", "User Tester 1", "User Tester 2",
                                                           "User Tester 3", "User Tester 4", "User Tester 5"}));
     EXPECT_EQ(combo("comboAutoType")->currentIndex(), 0);
-    EXPECT_EQ(items(combo("comboAutoNum")), numbers(18));
+    EXPECT_EQ(comboTexts(combo("comboAutoNum")), numberTexts(18));
     EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
 }
 
@@ -352,10 +334,9 @@ TEST_F(AutoPanelTest, ShortUnknownOrOutOfRangeTextsFallBackToTheFirstEntries)
 
 TEST_F(InstrPanelTest, AutoLinesNeedThreeTokensAndACount)
 {
-    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\n"); }), 6);
-    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\tmany\n"); }), 6);
-    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t100\n"); }), 6);
-    EXPECT_EQ(errorCode([&] { build("A - Autosequence\nN\nPHY\tPhysical Inspection\t99\n"); }), 0);
+    for (auto [line, code] : {std::pair{"PHY\tPhysical Inspection", 6}, {"PHY\tPhysical Inspection\tmany", 6},
+                              {"PHY\tPhysical Inspection\t100", 6}, {"PHY\tPhysical Inspection\t99", 0}})
+        EXPECT_EQ(errorCode([&] { build(std::string("A - Autosequence\nN\n") + line + "\n"); }), code) << line;
 }
 
 // --- Showing and enabling ----------------------------------------------------------
@@ -385,7 +366,7 @@ TEST_F(AutoPanelTest, ChoosingATypeRebuildsTheNumbersAndDisableCoversBothLists)
 {
     combo("comboAutoNum")->setCurrentIndex(15);
     combo("comboAutoType")->setCurrentIndex(2);
-    EXPECT_EQ(items(combo("comboAutoNum")), numbers(12));
+    EXPECT_EQ(comboTexts(combo("comboAutoNum")), numberTexts(12));
     EXPECT_EQ(combo("comboAutoNum")->currentIndex(), 0);
     panel->Disable();
     EXPECT_FALSE(combo("comboAutoType")->isEnabled());

@@ -76,11 +76,3 @@ TEST(PluginExports, CallingOrderResultsAndStoredHostPointers)
     resolve<TpackageProc>(library, "Finalize")();
     resolve<TpackageProc>(library, "Finalize")();
 }
-
-TEST(PluginExports, OnlyTheContractLeavesTheLibrary)
-{
-    void *library = dlopen(KT930_TEST_APPDIR "/Plugins/libVAROAutoSeqEditor.so", RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    EXPECT_EQ(dlsym(library, "_ZN17TAutoSeqEditFrame12ReloadDataEv"), nullptr);
-    EXPECT_EQ(dlsym(library, "_ZN8TdataSet7loadAllEv"), nullptr);
-}

@@ -69,6 +69,4 @@ TEST(Progress, ExitCodeFollowsTheKindAndTheWorkersResult)
             EXPECT_EQ(form.findChild<QProgressBar *>("transferProgress")->value(), 57);
         }
     }
-    TcommSettings settings;
-    EXPECT_EQ(TfrmProgress(nullptr, nullptr, &settings).windowTitle(), "Transfer Progress");
 }

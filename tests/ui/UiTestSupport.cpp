@@ -1,10 +1,13 @@
 #include "UiTestSupport.h"
 #include "ByteBuilder.h"
+#include "THelpWindow.h"
 #include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTableWidget>
+#include <QTest>
 #include <gtest/gtest.h>
 #include <QTimer>
 #include <QWidget>
@@ -94,12 +97,52 @@ void AppDirScope::copyDemoDefinitions(bool withDescriptors) const
             std::filesystem::copy_file(entry.path(), data(entry.path().filename().string()));
 }
 
+void click(const QObject *parent, const char *button)
+{
+    if (auto *found = child<QAbstractButton>(parent, button))
+        found->click();
+}
+
+void mouseClick(const QObject *parent, const char *name)
+{
+    if (auto *found = child(parent, name))
+        QTest::mouseClick(found, Qt::LeftButton, {}, found->rect().center());
+}
+
+std::string bytesOf(const TInstr &record)
+{
+    return std::string(reinterpret_cast<const char *>(&record), sizeof record);
+}
+
+QStringList columnTexts(const QTableWidget *grid, int column)
+{
+    QStringList texts;
+    for (int r = 0; r < grid->rowCount(); ++r)
+        texts << (grid->item(r, column) ? grid->item(r, column)->text() : QString());
+    return texts;
+}
+
+QList<THelpWindow *> helpWindows()
+{
+    QList<THelpWindow *> found;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (auto *help = qobject_cast<THelpWindow *>(w); help && help->isVisible())
+            found << help;
+    return found;
+}
+
 QStringList comboTexts(const QComboBox *list)
 {
     QStringList texts;
     for (int i = 0; i < list->count(); ++i)
         texts << list->itemText(i);
     return texts;
+}
+
+QStringList comboTexts(const QObject *parent, const char *list)
+{
+    auto *box = child<QComboBox>(parent, list);
+    return box ? comboTexts(box) : QStringList();
 }
 
 QStringList numberTexts(int count)

@@ -10,8 +10,12 @@
 #include <QComboBox>
 #include <QWidget>
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+class QTableWidget;
+class THelpWindow;
 
 void ensureApplication();
 
@@ -23,6 +27,7 @@ public:
     const TempDir &dir() const { return m_dir; }
     std::filesystem::path data(const std::string &name) const { return m_dir.path() / "Data" / name; }
     void writeData(const std::string &name, const std::string &bytes) const { m_dir.write("Data/" + name, bytes); }
+    std::string readData(const std::string &name) const { return TempDir::read(data(name)); }
     // The demo folder's op code definitions (*.in), and its catdes.dat if asked.
     void copyDemoDefinitions(bool withDescriptors = false) const;
     // mit.dat, inspection.asq, usertester1..5.asq, testProc.asq, all valid.
@@ -55,8 +60,28 @@ struct FrameHost {
     int hostData2 = 0;
 };
 
+// The named child of parent; a missing one fails the test.
+template <class T = QWidget> T *child(const QObject *parent, const char *name)
+{
+    T *found = parent->findChild<T *>(QString::fromLatin1(name));
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+}
+// Presses the named button without a mouse (its click slot).
+void click(const QObject *parent, const char *button);
+// A real left-button mouse click in the middle of the named widget.
+void mouseClick(const QObject *parent, const char *name);
+
+// The 44 bytes of a checkitem record.
+std::string bytesOf(const TInstr &record);
+// The texts of a grid column, top to bottom; an empty cell gives "".
+QStringList columnTexts(const QTableWidget *grid, int column);
+// The help windows on show.
+QList<THelpWindow *> helpWindows();
+
 // The entries of a drop-down list; "1" to "count".
 QStringList comboTexts(const QComboBox *list);
+QStringList comboTexts(const QObject *parent, const char *list);
 QStringList numberTexts(int count);
 
 // The rows of the frame's inspection list.
