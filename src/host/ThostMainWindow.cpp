@@ -13,6 +13,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <cstdio>
 
 #ifndef KT930_VERSION
 #define KT930_VERSION "0"
@@ -30,9 +31,21 @@ QString settingsFile(const TappFolders &folders)
 {
     return text(folders.application / "KT930pc.ini");
 }
+
+void tell(ThostMainWindow::Reporting reporting, QMessageBox::Icon icon, const QString &caption, const QString &text)
+{
+    if (reporting == ThostMainWindow::Reporting::Console) {
+        std::fprintf(stderr, "kt930pc: %s\n", text.toLocal8Bit().constData());
+        return;
+    }
+    QMessageBox box(icon, caption, text);
+    box.setWindowModality(Qt::ApplicationModal);
+    box.exec();
+}
 }
 
-ThostMainWindow::ThostMainWindow(const TappFolders &folders) : m_folders(folders)
+ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting)
+    : m_folders(folders), m_reporting(reporting)
 {
     setWindowTitle(ProgramName);
     setWindowIcon(QIcon(QStringLiteral(":/kt930pc.svg")));
@@ -108,16 +121,14 @@ void ThostMainWindow::showAbout()
     QMessageBox::about(this, QStringLiteral("About %1").arg(ProgramName), aboutText());
 }
 
-void ThostMainWindow::prepareDataFolder(const TappFolders &folders)
+void ThostMainWindow::prepareDataFolder(const TappFolders &folders, Reporting reporting)
 {
     std::string message;
     const TappDir::Seeding seeding = TappDir::seed(folders, message);
     if (seeding == TappDir::Seeding::Present)
         return;
-    QMessageBox box(seeding == TappDir::Seeding::Created ? QMessageBox::Information : QMessageBox::Warning, ProgramName,
-                    QString::fromStdString(message));
-    box.setWindowModality(Qt::ApplicationModal);
-    box.exec();
+    tell(reporting, seeding == TappDir::Seeding::Created ? QMessageBox::Information : QMessageBox::Warning, ProgramName,
+         QString::fromStdString(message));
 }
 
 ThostMainWindow::~ThostMainWindow()
@@ -164,9 +175,8 @@ void ThostMainWindow::fitToScreen()
 
 void ThostMainWindow::report(const QString &text)
 {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Plug-in Error"), text);
-    box.setWindowModality(Qt::ApplicationModal);
-    box.exec();
+    ++m_pluginErrors;
+    tell(m_reporting, QMessageBox::Warning, QStringLiteral("Plug-in Error"), text);
 }
 
 void ThostMainWindow::loadPlugins(const QString &folder)

@@ -18,12 +18,16 @@ class THelpWindow;
 class ThostMainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    explicit ThostMainWindow(const TappFolders &folders);
+    // Boxes for a user; lines on stderr for a self-test, which nobody is there to answer.
+    enum class Reporting { Boxes, Console };
+
+    explicit ThostMainWindow(const TappFolders &folders, Reporting reporting = Reporting::Boxes);
     ~ThostMainWindow() override;
 
     QWidget *mainView() const { return m_mainView; }
     QWidget *container() const { return m_container; }
     int pluginCount() const { return int(m_plugins.size()); }
+    int pluginErrors() const { return m_pluginErrors; }
     QString pluginPath(int index) const { return m_plugins[std::size_t(index)].module->path(); }
     QString pluginName(int index) const { return m_plugins[std::size_t(index)].module->displayName(); }
 
@@ -31,7 +35,7 @@ public:
     void showAbout();
 
     // Makes a missing per-user data folder from the shipped defaults and says where it is.
-    static void prepareDataFolder(const TappFolders &folders);
+    static void prepareDataFolder(const TappFolders &folders, Reporting reporting = Reporting::Boxes);
     static QString aboutText();
 
 protected:
@@ -51,6 +55,8 @@ private:
     void report(const QString &text);
 
     TappFolders m_folders;
+    Reporting m_reporting;
+    int m_pluginErrors = 0;
     QWidget *m_container;
     QVBoxLayout *m_containerLayout;
     QWidget *m_mainView;

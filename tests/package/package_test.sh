@@ -31,6 +31,12 @@ expected="kt930ctl: Your data folder $HOME/.local/share/kt930pc was created from
 cmp -s "$usr/share/kt930pc/Data/mit.dat" "$HOME/.local/share/kt930pc/Data/mit.dat" || fail "mit.dat not copied"
 grep -q '^Checkitems (37 used):$' "$work/show.txt" || fail "kt930ctl show printed: $(head -n 5 "$work/show.txt")"
 
+# The host's self-test on a first start of its own: the message on stderr, never a box that waits.
+HOME=$work/home2 "$usr/bin/kt930pc" --self-test >"$work/first.txt" 2>"$work/first.err" \
+  || fail "kt930pc --self-test on a first start: $(cat "$work/first.txt" "$work/first.err")"
+expected="kt930pc: Your data folder $work/home2/.local/share/kt930pc was created from the shipped defaults. Your checkitems, sequences and settings are kept there."
+grep -qxF "$expected" "$work/first.err" || fail "first-start message of the self-test: $(cat "$work/first.err")"
+
 # The host on the same folder: the installed plug-in, not one found by a library path.
 "$usr/bin/kt930pc" --self-test >"$work/host.txt" 2>"$work/host.err" || fail "kt930pc --self-test: $(cat "$work/host.txt" "$work/host.err")"
 [ "$(cat "$work/host.txt")" = "plug-in \"Inspections and User Testers\" from $usr/lib/kt930pc/plugins/libVAROAutoSeqEditor.so

@@ -41,6 +41,26 @@ protected:
     AppDirScope appDir;
 };
 
+// Closes any box that opens while it lives, and says whether one did.
+class BoxWatch {
+public:
+    BoxWatch()
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            if (QWidget *box = QApplication::activeModalWidget()) {
+                m_seen = true;
+                box->close();
+            }
+        });
+        m_timer.start(2);
+    }
+    bool seen() const { return m_seen; }
+
+private:
+    QTimer m_timer;
+    bool m_seen = false;
+};
+
 TEST_F(HostTest, ButtonShowsTheFrameReturnGivesTheMainViewBackAndReloadReadsTheDisk)
 {
     ThostMainWindow window(folders());
@@ -227,5 +247,49 @@ TEST_F(HostTest, FirstStartSaysWhereTheNewDataFolderIs)
     EXPECT_EQ(icon, QMessageBox::Information);
     EXPECT_EQ(TempDir::read(fresh.application / "Data/catdes.dat"), "shipped");
     ThostMainWindow::prepareDataFolder(fresh); // present now: no second box (a box would hang here)
+
+    // A self-test's first start: the same words on stderr, and no box waits for a user.
+    TappFolders unattended = fresh;
+    unattended.application = appDir.dir().path() / "unattended";
+    BoxWatch boxes;
+    testing::internal::CaptureStderr();
+    ThostMainWindow::prepareDataFolder(unattended, ThostMainWindow::Reporting::Console);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "kt930pc: Your data folder " + unattended.application.string()
+                  + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n");
+    EXPECT_FALSE(boxes.seen());
+    EXPECT_EQ(TempDir::read(unattended.application / "Data/catdes.dat"), "shipped");
+}
+
+TEST_F(HostTest, APluginThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOthersStillLoad)
+{
+    TappFolders mixed = folders();
+    mixed.plugins = appDir.dir().path() / "Plugins";
+    appDir.dir().write("Plugins/broken.so", "not a library");
+    fs::create_symlink(folders().plugins / "libVAROAutoSeqEditor.so", mixed.plugins / "libVAROAutoSeqEditor.so");
+    const std::string loadError = "The plug-in broken.so could not be loaded.\n" + (mixed.plugins / "broken.so").string();
+
+    QString caption, text;
+    whenModal([&](QWidget *box) {
+        caption = box->windowTitle();
+        text = static_cast<QMessageBox *>(box)->text();
+        box->close();
+    });
+    {
+        ThostMainWindow window(mixed);
+        EXPECT_EQ(caption, QStringLiteral("Plug-in Error"));
+        EXPECT_TRUE(text.startsWith(QString::fromStdString(loadError))) << text.toStdString();
+        EXPECT_EQ(window.pluginCount(), 1);
+        EXPECT_EQ(window.pluginErrors(), 1);
+    }
+
+    BoxWatch boxes;
+    testing::internal::CaptureStderr();
+    ThostMainWindow window(mixed, ThostMainWindow::Reporting::Console);
+    const std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(err.rfind("kt930pc: " + loadError, 0), 0u) << err;
+    EXPECT_FALSE(boxes.seen());
+    EXPECT_EQ(window.pluginCount(), 1);
+    EXPECT_EQ(window.pluginErrors(), 1);
 }
 }
