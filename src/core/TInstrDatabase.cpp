@@ -111,14 +111,14 @@ int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::pat
     return writeFileAtomically(path, text) == AtomicWriteResult::Ok ? 0 : -1;
 }
 
-int TInstrDatabase::loadMasterTable(std::vector<TInstr> &table, const fs::path &path)
+int TInstrDatabase::loadMasterTable(std::vector<TInstr> &table, const fs::path &path, std::size_t limit)
 {
     std::ifstream in;
     if (!openRegularFile(in, path))
         return -1;
     table.clear();
     TInstr record;
-    while (in.read(reinterpret_cast<char *>(&record), sizeof record))
+    while (table.size() < limit && in.read(reinterpret_cast<char *>(&record), sizeof record))
         table.push_back(record);
     return 0;
 }

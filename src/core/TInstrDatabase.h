@@ -4,6 +4,7 @@
 #include "TInstr.h"
 #include "TinstStruct.h"
 #include <filesystem>
+#include <limits>
 #include <stdexcept>
 #include <vector>
 
@@ -40,8 +41,9 @@ public:
     static int exportText(const std::vector<TInstr> &records, const std::filesystem::path &path);
 
     // mit.dat: 44-byte records, no header. load: 0 ok, -1 cannot open (the vector
-    // holds as many whole records as the file has; a partial trailer is ignored).
-    static int loadMasterTable(std::vector<TInstr> &table, const std::filesystem::path &path);
+    // holds as many whole records as the file has, at most limit; a partial trailer is ignored).
+    static int loadMasterTable(std::vector<TInstr> &table, const std::filesystem::path &path,
+                               std::size_t limit = std::numeric_limits<std::size_t>::max());
     // 0 ok, -1 cannot create, -2 short write (the old file stays intact).
     static int saveMasterTable(const std::vector<TInstr> &table, const std::filesystem::path &path);
 

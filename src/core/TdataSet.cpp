@@ -49,7 +49,8 @@ fs::path TdataSet::dataFile(const std::string &name) const
 
 void TdataSet::loadCheckitems()
 {
-    if (TInstrDatabase::loadMasterTable(checkitems.slots(), dataFile("mit.dat")) != 0) {
+    // Slots past the table's end would be cut at once: they are not read, however large the file.
+    if (TInstrDatabase::loadMasterTable(checkitems.slots(), dataFile("mit.dat"), TInstrDatabase::SlotCount) != 0) {
         m_sink.error("Instruction List Error",
                      "Warning!! Corrupt Instruction List\nPlease restore the list from the KT930.");
         checkitems.clearAll();

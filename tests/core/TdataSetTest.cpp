@@ -3,8 +3,11 @@
 #include "TdataSet.h"
 #include "TempDir.h"
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace ByteBuilder;
 
@@ -91,6 +94,29 @@ TEST_F(DataSet, CompleteSetLoadsSilentlyAndPadsTheCheckitems)
     ASSERT_EQ(data.inspections.size(), 1u);
     EXPECT_EQ(data.userTesters[4].name, "Bench 5");
     EXPECT_EQ(data.checklists.size(), 3u);
+}
+
+// Slots past the table's 1044 are cut at once, so they are not read either: with the
+// address space capped a little above what the process uses, a 1 GiB mit.dat still loads.
+TEST_F(DataSet, HugeCheckitemFileLoadsItsFirstSlotsWithoutReadingTheRest)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the address sanitizer needs an uncapped address space";
+#endif
+    writeCompleteSet();
+    std::filesystem::resize_file(dir / "Data/mit.dat", std::uintmax_t(1) << 30); // sparse zeros after the items
+    const auto loadWithinCap = [this] {
+        std::size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const rlim_t cap = pages * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(256) << 20);
+        const rlimit limit{cap, cap};
+        setrlimit(RLIMIT_AS, &limit);
+        data.loadAll();
+        const bool loaded = sink.messages.empty() && data.checkitems.size() == 1044u
+            && data.checkitems[9].commandText() == "item";
+        std::_Exit(loaded ? 0 : 1);
+    };
+    EXPECT_EXIT(loadWithinCap(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(DataSet, OneMissingOrTruncatedTesterFile)
