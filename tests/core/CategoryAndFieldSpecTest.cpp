@@ -91,15 +91,15 @@ TEST(FieldSpec, AcceptsBareTypesAndRanges)
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.line);
-        TfieldSpec spec = TfieldSpec::parse(c.line);
-        EXPECT_EQ(spec.leftLabel, c.left);
-        EXPECT_EQ(spec.rightLabel, c.right);
-        EXPECT_EQ(spec.typeLetter, c.letter);
-        EXPECT_EQ(spec.typeTag, c.tag);
-        EXPECT_EQ(spec.range.hasRange, c.hasRange);
+        TfieldSpec field = TfieldSpec::parse(c.line);
+        EXPECT_EQ(field.leftLabel, c.left);
+        EXPECT_EQ(field.rightLabel, c.right);
+        EXPECT_EQ(field.typeLetter, c.letter);
+        EXPECT_EQ(field.typeTag, c.tag);
+        EXPECT_EQ(field.range.hasRange, c.hasRange);
         if (c.hasRange) {
-            EXPECT_DOUBLE_EQ(spec.range.minimum, c.min);
-            EXPECT_DOUBLE_EQ(spec.range.maximum, c.max);
+            EXPECT_DOUBLE_EQ(field.range.minimum, c.min);
+            EXPECT_DOUBLE_EQ(field.range.maximum, c.max);
         }
     }
 }
