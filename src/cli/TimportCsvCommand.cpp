@@ -1,6 +1,7 @@
 #include "TimportCsvCommand.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
+#include "TdataFolderLock.h"
 #include "TdataSet.h"
 #include <iostream>
 
@@ -42,6 +43,12 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
         return *exitCode;
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
+    // Held from the load to the save, so no other writer's change falls in between.
+    TdataFolderLock lock(data.dataFolder());
+    if (!lock.locked()) {
+        std::cerr << "kt930ctl import-csv: " << lock.failure() << "\n";
+        return 1;
+    }
     data.loadCheckitems();
     // A table that exists but cannot be read is not replaced by an import into empty slots.
     if (!sink.messages().empty() && std::filesystem::exists(data.dataFile("mit.dat")))
@@ -62,9 +69,7 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
     if (overflow)
         sink.warning("OVERFLOW", overflowText());
 
-    const std::size_t messagesBeforeSave = sink.messages().size();
-    data.saveCheckitems();
-    if (sink.messages().size() != messagesBeforeSave)
+    if (!data.saveCheckitems(TsaveAction::Import))
         return 1;
     std::cout << "Imported " << usedSlots(data.checkitems) - before << " checkitems into "
               << data.dataFile("mit.dat").string() << "\n";

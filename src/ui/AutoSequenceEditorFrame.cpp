@@ -160,15 +160,16 @@ void TAutoSeqEditFrame::BtnRestoreClick()
     refreshLists(2);
 }
 
+// A file another program changed may have been taken from the disk instead of saved.
 void TAutoSeqEditFrame::BtnBackupClick()
 {
     m_data->backup();
+    refreshLists(2);
 }
 
 void TAutoSeqEditFrame::saveAutosequences()
 {
-    m_data->saveInspections();
-    m_data->saveUserTesters();
+    m_data->save(TdataSet::Inspections | TdataSet::UserTesters);
 }
 
 // ---- lists
@@ -469,9 +470,11 @@ void TAutoSeqEditFrame::BtnUploadClick()
 
 void TAutoSeqEditFrame::BtnDownloadClick()
 {
+    bool downloaded = false;
     try {
         if (!runTransfer(false))
             return;
+        downloaded = true;
         m_data->validateOpCodes();
         refreshLists(2);
     } catch (const std::exception &e) {
@@ -479,7 +482,9 @@ void TAutoSeqEditFrame::BtnDownloadClick()
     } catch (...) {
         showInternalError(false, UnknownExceptionText);
     }
-    BtnBackupClick();
+    // A download replaces the set by design (and keeps a restore point); anything else is an edit.
+    m_data->backup(downloaded ? TsaveAction::Download : TsaveAction::Edit);
+    refreshLists(2);
 }
 
 void TAutoSeqEditFrame::BtnHelpClick()

@@ -14,14 +14,15 @@ Files savedFiles(int variant);
 
 struct KilledFigures {
     int kills = 0;
-    int killedBetweenFiles = 0; // kills after which old and new files were mixed
+    int killedBetweenFiles = 0; // kills after which the next load saw old and new files mixed
     int filesChecked = 0;
     int torn = 0;               // files equal to neither the old nor the new content
     int leftoversAfterKill = 0; // other names in the data folder right after a kill
     int leftoversAtEnd = 0;     // other names after one more, undisturbed save
 };
 // Runs the save loop program (`program APPDIR`) and kills it with SIGKILL at a
-// random moment `kills` times, checking the data folder after each kill.
+// random moment `kills` times, checking the data folder after each kill as the next
+// program to load it sees it.
 KilledFigures killSaves(const std::filesystem::path &program, int kills, unsigned seed);
 
 struct StarvedFigures {
