@@ -399,8 +399,18 @@ bool TAutoSeqEditFrame::LstUTSCollapsing() const
     return !m_pressOnItem;
 }
 
+// The window that holds the frame may be closed while the frame shows edits that
+// only Return To Main Window would save (a double-click edit saves nothing).
+void TAutoSeqEditFrame::showEvent(QShowEvent *event)
+{
+    window()->installEventFilter(this);
+    Tkt930Frame::showEvent(event);
+}
+
 bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == window() && event->type() == QEvent::Close && isVisible())
+        BtnBackupClick();
     if (watched == ui->LstUTS->viewport()) {
         if (event->type() == QEvent::MouseButtonPress)
             LstUTSMouseDown(static_cast<QMouseEvent *>(event));
