@@ -22,6 +22,16 @@ TEST(KilledSave, TheNextLoadSeesAWholeOldOrNewSetAndNoTemporary)
     EXPECT_EQ(figures.leftoversAtEnd, 0);
 }
 
+TEST(KilledSave, AFrameSaveKilledAtEachOfItsRenamesLeavesTheOldOrTheNewSet)
+{
+    TempDir appDir;
+    const auto figures = SaveUnderFaults::killAtEveryRename({KT930_SAVELOOP, appDir.path().string(), "--once"},
+                                                            appDir.path(), SaveUnderFaults::savedFiles(1));
+    EXPECT_GE(figures.kills, 7 + 1); // each file and the intent record
+    EXPECT_EQ(figures.mixed, 0);
+    EXPECT_EQ(figures.leftovers, 0);
+}
+
 TEST(StarvedSave, FullDiskKeepsEveryOldFileAndShowsOneFileErrorEach)
 {
     const SaveUnderFaults::Files before = SaveUnderFaults::savedFiles(0);
