@@ -94,8 +94,7 @@ TdataFolderLock::TdataFolderLock(const fs::path &dataFolder, Mode mode, std::chr
         }
         if (std::chrono::steady_clock::now() >= deadline) {
             m_failure = "The data folder " + dataFolder.string() + " is being saved by " + holderOf(fd)
-                + ", which has not finished for "
-                + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(wait).count()) + " s. Try again later.";
+                + ", which has not finished. Try again later.";
             ::close(fd);
             g_held.erase(m_key);
             return;
