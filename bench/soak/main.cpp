@@ -275,12 +275,12 @@ int main(int argc, char **argv)
 
     if (kills > 0) {
         const auto f = SaveUnderFaults::killSaves(KT930_SAVELOOP, kills, seed);
-        std::printf("Killed saves (full data set, SIGKILL at a random moment)\n");
-        std::printf("| kills | kills between two files of a save | files checked | torn | temporaries right after a kill "
+        std::printf("Killed saves (full data set, SIGKILL at a random moment, judged as the next load sees the set)\n");
+        std::printf("| kills | mixed sets seen by the next load | files checked | torn | temporaries after the next load "
                     "| temporaries after the next save |\n|---|---|---|---|---|---|\n");
         std::printf("| %d | %d | %d | %d | %d | %d |\n\n", f.kills, f.killedBetweenFiles, f.filesChecked, f.torn,
                     f.leftoversAfterKill, f.leftoversAtEnd);
-        clean &= f.torn == 0 && f.leftoversAtEnd == 0;
+        clean &= f.torn == 0 && f.killedBetweenFiles == 0 && f.leftoversAfterKill == 0 && f.leftoversAtEnd == 0;
     }
     if (starved > 0) {
         std::mt19937 random(seed);
