@@ -1,6 +1,7 @@
 // The frame's start-up, lists, clear, rename and save triggers, driven through
 // its controls by objectName, with messages recorded.
 #include "AutoSequenceEditorFrame.h"
+#include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "TlistRowDelegate.h"
@@ -450,4 +451,38 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
     EXPECT_EQ(node->text(0), "1. <unused>");
     EXPECT_TRUE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+}
+
+// Another program writes the data folder while the frame holds its copy.
+TEST_F(FrameFixture, ChangesOtherProgramsMadeSinceTheLoadSurviveTheFramesSaves)
+{
+    appDir.copyDemoDefinitions();
+    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
+    auto frame = makeFrame();
+    appDir.dir().write("new.csv", "A,P,IMPORTED BY ANOTHER PROGRAM\n");
+    const ProgramRun import = ProgramRun::run(
+        "kt930ctl", {"import-csv", (appDir.dir() / "new.csv").string(), "--appdir", appDir.dir().path().string()},
+        appDir.dir().path());
+    ASSERT_EQ(import.exitCode, 0) << import.err;
+    const std::string imported = read("mit.dat");
+
+    // Unchanged here: the import is taken without a question.
+    click(frame.get(), "BtnBackup");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(read("mit.dat"), imported);
+    EXPECT_EQ(bytesOf(frame->dataSet().checkitems[3]), imported.substr(3 * 44, 44));
+
+    // Changed on both sides: the user chooses, here the other program's version.
+    auto *list = child<QListWidget>(frame.get(), "lstIP");
+    list->setCurrentRow(0);
+    click(frame.get(), "BtnIPClear");
+    const std::string theirs = read("inspection.asq").replace(130, 6, "THEIRS");
+    appDir.writeData("inspection.asq", theirs);
+    sink.answers = {MsgAnswer::No};
+    sink.messages.clear();
+    click(frame.get(), "BtnBackup");
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0].caption, "Data File Changed");
+    EXPECT_EQ(read("inspection.asq"), theirs);
+    EXPECT_TRUE(list->item(0)->text().startsWith("THEIRS")) << list->item(0)->text().toStdString();
 }
