@@ -286,6 +286,15 @@ std::vector<std::string> TdataSet::unreadableFiles() const
     return names;
 }
 
+std::vector<std::string> TdataSet::folderWarnings() const
+{
+    std::vector<std::string> lines;
+    for (const std::string &name : unreadableFiles())
+        lines.push_back(dataFile(name).string() + " could not be read: before a save replaces it, its content is kept as "
+                        + name + ".unreadable-<date>-<time> beside it.");
+    return lines;
+}
+
 // The bytes of a file that failed to load may be the only copy of someone's work.
 bool TdataSet::keepUnreadable(const TpartFile &file)
 {

@@ -18,6 +18,7 @@
 #include <QApplication>
 #include <QFontMetrics>
 #include <QIcon>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QStyle>
 #include <QTimer>
@@ -108,6 +109,13 @@ void TAutoSeqEditFrame::setUpControls()
     ui->Label1->setFont(title);
     ui->Label2->setFont(title);
 
+    m_dataStatus = new QLabel(this);
+    m_dataStatus->setObjectName(QStringLiteral("lblDataStatus"));
+    m_dataStatus->setWordWrap(true);
+    m_dataStatus->setStyleSheet(QStringLiteral("color: rgb(160, 0, 0)"));
+    m_dataStatus->hide();
+    ui->frameLayout->addWidget(m_dataStatus);
+
     ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
     ui->LstUTS->setItemDelegate(new TtreeNodeDelegate(ui->LstUTS));
     ui->LstUTS->viewport()->installEventFilter(this);
@@ -143,6 +151,16 @@ void TAutoSeqEditFrame::startUp()
     LstUTSTimer->setInterval(QApplication::doubleClickInterval());
     buildTree();
     refreshLists(2);
+    refreshDataStatus();
+}
+
+void TAutoSeqEditFrame::refreshDataStatus()
+{
+    QStringList lines;
+    for (const std::string &line : m_data->folderWarnings())
+        lines << QString::fromStdString(line);
+    m_dataStatus->setText(lines.join(QLatin1Char('\n')));
+    m_dataStatus->setVisible(!lines.isEmpty());
 }
 
 void TAutoSeqEditFrame::ReloadData()
@@ -152,12 +170,14 @@ void TAutoSeqEditFrame::ReloadData()
     ui->LstUTS->clearSelection();
     ui->LstUTS->setCurrentItem(nullptr);
     refreshLists(2);
+    refreshDataStatus();
 }
 
 void TAutoSeqEditFrame::BtnRestoreClick()
 {
     m_data->loadAll();
     refreshLists(2);
+    refreshDataStatus();
 }
 
 // A file another program changed may have been taken from the disk instead of saved.
@@ -165,6 +185,7 @@ void TAutoSeqEditFrame::BtnBackupClick()
 {
     m_data->backup();
     refreshLists(2);
+    refreshDataStatus();
 }
 
 void TAutoSeqEditFrame::saveAutosequences()
@@ -495,6 +516,7 @@ void TAutoSeqEditFrame::BtnDownloadClick()
     // A download replaces the set by design (and keeps a restore point); anything else is an edit.
     m_data->backup(downloaded ? TsaveAction::Download : TsaveAction::Edit);
     refreshLists(2);
+    refreshDataStatus();
 }
 
 void TAutoSeqEditFrame::BtnHelpClick()

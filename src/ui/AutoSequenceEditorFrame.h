@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+class QLabel;
 namespace Ui { class TAutoSeqEditFrame; }
 class MessageSink;
 class TdataSet;
@@ -78,6 +79,7 @@ private:
     void showInternalError(bool upload, const char *what);
     bool runTransfer(bool upload);
     bool onNodeLabel(const QPoint &at) const;
+    void refreshDataStatus();
 
     std::unique_ptr<Ui::TAutoSeqEditFrame> ui;
     MessageSink &m_sink;
@@ -85,6 +87,7 @@ private:
     void *m_hostData2 = nullptr;
     std::unique_ptr<TdataSet> m_data;
     QTimer *LstUTSTimer = nullptr;
+    QLabel *m_dataStatus = nullptr; // what is wrong with the data folder; hidden when nothing is
     bool m_pressOnItem = false; // the stored hit-test result of the last left press
     QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

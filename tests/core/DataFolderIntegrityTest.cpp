@@ -76,15 +76,17 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
         sink.answers = {c.answer};
         data.saveInspections();
         ASSERT_EQ(int(sink.messages.size()), c.questions);
-        if (c.questions)
+        if (c.questions) {
             EXPECT_EQ(sink.messages[0], (Message{"Data File Changed", question, MsgIcon::Question, MsgButtons::YesNo}));
+        }
         RecordingMessageSink quiet;
         TdataSet reread(dir.path(), quiet);
         reread.loadInspections();
         EXPECT_EQ(firstTitle(reread), c.fileAfter);
         EXPECT_EQ(firstTitle(data), c.titleAfter);
-        if (c.fileAfter == "THEIRS")
+        if (c.fileAfter == "THEIRS") {
             EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("THEIRS"));
+        }
     }
 }
 
@@ -113,7 +115,9 @@ TEST_F(DataFolder, AFileThatFailedToLoadIsKeptBeforeASaveReplacesIt)
     const std::string cut = inspectionFile("CUT").substr(0, 100);
     dir.write("Data/inspection.asq", cut);
     data.loadInspections();
-    EXPECT_EQ(data.unreadableFiles(), std::vector<std::string>{"inspection.asq"});
+    EXPECT_EQ(data.folderWarnings(), std::vector<std::string>{file("inspection.asq").string()
+                                      + " could not be read: before a save replaces it, its content is kept as "
+                                        "inspection.asq.unreadable-<date>-<time> beside it."});
     sink.messages.clear();
     ASSERT_TRUE(data.saveInspections());
     fs::path kept;
@@ -128,7 +132,7 @@ TEST_F(DataFolder, AFileThatFailedToLoadIsKeptBeforeASaveReplacesIt)
                                              + " could not be read. Its original content was kept as\n" + kept.string()
                                              + "\nbefore it was replaced.",
                                          MsgIcon::Information}));
-    EXPECT_TRUE(data.unreadableFiles().empty());
+    EXPECT_TRUE(data.folderWarnings().empty());
 }
 
 TEST_F(DataFolder, ABusyFolderIsNamedWithItsHolderAndNothingIsSaved)
