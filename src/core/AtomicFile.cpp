@@ -114,8 +114,9 @@ void keepOwnership(int fd, const struct stat &old)
 }
 }
 
-AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_view bytes)
+AtomicWriteResult stageFile(const fs::path &requested, std::string_view bytes, TstagedFile &staged)
 {
+    staged = {};
     // The kernel follows the links here, also the ones of /proc such as
     // /dev/stdout, whose text names no file.
     struct stat existing {};
@@ -160,8 +161,52 @@ AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_vie
         return discard(AtomicWriteResult::ShortWrite);
     if (unnamed && !nameUnnamed(fd, target, temp))
         return discard(AtomicWriteResult::CannotCreate);
-    // Renamed straight after naming: the name lives for as short a time as it can.
-    if (std::rename(temp.c_str(), target.c_str()) != 0)
-        return discard(AtomicWriteResult::CannotCreate);
-    return ::close(fd) == 0 ? AtomicWriteResult::Ok : AtomicWriteResult::ShortWrite;
+    if (::close(fd) != 0) {
+        ::unlink(temp.c_str());
+        return AtomicWriteResult::ShortWrite;
+    }
+    staged.temp = temp;
+    staged.target = target;
+    return AtomicWriteResult::Ok;
+}
+
+bool commitStagedFile(const TstagedFile &staged)
+{
+    if (staged.temp.empty())
+        return true; // written in place
+    if (std::rename(staged.temp.c_str(), staged.target.c_str()) != 0) {
+        ::unlink(staged.temp.c_str());
+        return false;
+    }
+    return true;
+}
+
+void discardStagedFile(const TstagedFile &staged)
+{
+    if (!staged.temp.empty())
+        ::unlink(staged.temp.c_str());
+}
+
+bool syncFolder(const fs::path &folder)
+{
+    int fd = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool synced = ::fsync(fd) == 0;
+    ::close(fd);
+    return synced;
+}
+
+AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_view bytes)
+{
+    TstagedFile staged;
+    const AtomicWriteResult result = stageFile(requested, bytes, staged);
+    if (result != AtomicWriteResult::Ok)
+        return result;
+    if (!commitStagedFile(staged))
+        return AtomicWriteResult::CannotCreate;
+    // A power cut must not undo a save the user saw complete.
+    if (!staged.temp.empty())
+        syncFolder(staged.target.parent_path());
+    return AtomicWriteResult::Ok;
 }
