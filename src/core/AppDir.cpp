@@ -1,4 +1,5 @@
 #include "AppDir.h"
+#include "AtomicFile.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -68,19 +69,19 @@ fs::path makeStagingFolder(const fs::path &applicationFolder, std::error_code &e
     return name;
 }
 
-void syncPath(const fs::path &path, int flags, std::error_code &ec)
+void syncFile(const fs::path &file, std::error_code &ec)
 {
-    const int fd = ::open(path.c_str(), flags | O_CLOEXEC);
+    const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0 || ::fsync(fd) != 0)
         ec.assign(errno, std::generic_category());
     if (fd >= 0)
         ::close(fd);
 }
 
-void syncFolder(const fs::path &folder)
+void syncFolderOrFail(const fs::path &folder, std::error_code &ec)
 {
-    std::error_code ignored;
-    syncPath(folder, O_RDONLY | O_DIRECTORY, ignored);
+    if (!syncFolder(folder))
+        ec.assign(errno, std::generic_category());
 }
 
 // Shipped files are read-only and may be readable by all; the user's copies are
@@ -96,15 +97,15 @@ void copyPrivately(const fs::path &from, const fs::path &to, std::error_code &ec
         } else if (fs::copy_file(it->path(), copy, ec)) {
             fs::permissions(copy, fs::perms::owner_read | fs::perms::owner_write, ec);
             if (!ec)
-                syncPath(copy, O_RDONLY, ec);
+                syncFile(copy, ec);
         }
     }
     for (auto it = fs::recursive_directory_iterator(to, ec); !ec && it != fs::recursive_directory_iterator();
          it.increment(ec))
         if (it->is_directory(ec))
-            syncPath(it->path(), O_RDONLY | O_DIRECTORY, ec);
+            syncFolderOrFail(it->path(), ec);
     if (!ec)
-        syncPath(to, O_RDONLY | O_DIRECTORY, ec);
+        syncFolderOrFail(to, ec);
 }
 
 // False when the folder is there already: another program made it meanwhile.

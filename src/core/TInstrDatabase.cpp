@@ -106,7 +106,7 @@ int TInstrDatabase::importText(const fs::path &path, const TopCodeTable *known, 
     return 0;
 }
 
-int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::path &path)
+int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::path &path, InPlaceWrites inPlace)
 {
     std::string text;
     for (const TInstr &record : records) {
@@ -117,7 +117,7 @@ int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::pat
         text += record.commandText();
         text.push_back('\n');
     }
-    return writeFileAtomically(path, text) == AtomicWriteResult::Ok ? 0 : -1;
+    return writeFileAtomically(path, text, inPlace) == AtomicWriteResult::Ok ? 0 : -1;
 }
 
 int TInstrDatabase::loadMasterTable(std::vector<TInstr> &table, const fs::path &path, std::size_t limit)

@@ -1,6 +1,7 @@
 #pragma once
 // The master checkitem table: exactly 1044 TInstr slots once loaded. A checkitem
 // is known by its slot number (index + 1), so slot order is its identity.
+#include "AtomicFile.h"
 #include "TInstr.h"
 #include "TinstStruct.h"
 #include <filesystem>
@@ -50,8 +51,10 @@ public:
                    TcsvImportReport *report = nullptr);
     // One line per record of this table, "%c,%c,%s\n". 0 ok, -1 cannot create.
     int exportText(const std::filesystem::path &path) const { return exportText(m_slots, path); }
-    // The same for any list of records the caller wants written.
-    static int exportText(const std::vector<TInstr> &records, const std::filesystem::path &path);
+    // The same for any list of records the caller wants written; with in-place writes
+    // allowed, a pipe or terminal as path gets the lines (an export to standard output).
+    static int exportText(const std::vector<TInstr> &records, const std::filesystem::path &path,
+                          InPlaceWrites inPlace = InPlaceWrites::Refused);
 
     // mit.dat: 44-byte records, no header. load: 0 ok, -1 cannot open (the vector
     // holds as many whole records as the file has, at most limit; a partial trailer is ignored).
