@@ -2,6 +2,7 @@
 #include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
+#include "TdataFolderLock.h"
 #include "TdataSet.h"
 #include <iostream>
 
@@ -74,9 +75,17 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
         return *exitCode;
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
+    // Held from the load to the save, so no other writer's change falls in between.
+    TdataFolderLock lock(data.dataFolder());
+    if (!lock.locked()) {
+        std::cerr << "kt930ctl import-csv: " << lock.failure() << "\n";
+        return 1;
+    }
     data.loadCheckitems();
-    // A table that exists but cannot be read is not replaced by an import into empty slots.
-    if (!sink.messages().empty() && std::filesystem::exists(data.dataFile("mit.dat")))
+    // A table that exists (or may exist: its folder cannot be searched) but cannot be
+    // read is not replaced by an import into empty slots.
+    std::error_code unknown;
+    if (!sink.messages().empty() && (std::filesystem::exists(data.dataFile("mit.dat"), unknown) || unknown))
         return 1;
     const std::size_t before = usedSlots(data.checkitems);
     // A checkitem whose op code the analyzer does not know must not get into the table.
@@ -103,9 +112,7 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
     if (overflow)
         sink.warning("OVERFLOW", overflowText());
 
-    const std::size_t messagesBeforeSave = sink.messages().size();
-    data.saveCheckitems();
-    if (sink.messages().size() != messagesBeforeSave)
+    if (!data.saveCheckitems(TsaveAction::Import))
         return 1;
     const std::size_t imported = usedSlots(data.checkitems) - before;
     std::cout << "Imported " << imported << " checkitems into " << data.dataFile("mit.dat").string()

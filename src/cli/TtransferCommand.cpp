@@ -1,5 +1,4 @@
 #include "TtransferCommand.h"
-#include "AutosequenceConversions.h"
 #include "OpCodeDefinitions.h"
 #include "TCommPort.h"
 #include "TcliArguments.h"
@@ -200,19 +199,8 @@ int TtransferCommand::download(const TcliArguments &args, const TcommSettings &s
         return 1;
 
     data.validateOpCodes();
-    const std::size_t before = messages.messages().size();
-    data.backup();
-    TautosequenceFile checklistFile;
-    AutosequenceConversions::checklistsToFile(data.checklists, checklistFile);
-    int written = -1;
-    try {
-        written = checklistFile.write(data.dataFile("testProc.asq"));
-    } catch (const TInvalidWrite &) {
-        written = -1;
-    }
-    if (written != 0)
-        messages.error("File Error", "An error occured while backing up the checklists");
-    if (messages.messages().size() != before)
+    if (!data.save(TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters | TdataSet::Checklists,
+                   TsaveAction::Download))
         return 1;
     std::cout << "Downloaded the data set into " << data.dataFolder().string() << "\n";
     return 0;
@@ -311,9 +299,7 @@ int TtransferCommand::sync(const TcliArguments &args, const TcommSettings &setti
     if (!runWorker(worker, progress))
         return 1;
     record->copyInto(data.checkitems);
-    const std::size_t before = messages.messages().size();
-    data.saveCheckitems();
-    if (messages.messages().size() != before)
+    if (!data.saveCheckitems(TsaveAction::Sync))
         return 1;
     std::cout << "Saved the analyzer's checkitem database as " << data.dataFile("mit.dat").string() << "\n";
     return 0;

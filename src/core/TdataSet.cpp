@@ -4,25 +4,23 @@
 #include "MessageSink.h"
 #include "OpCodeDefinitions.h"
 #include "autosequenceFileStructs.h"
+#include "RegularFile.h"
+#include "TdataFolderLock.h"
+#include "TfileSetWriter.h"
+#include "TrestorePoints.h"
 #include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fstream>
 
 namespace fs = std::filesystem;
 
 namespace {
-// 0 when the file was read whole; a short read counts as a failure.
-int readAutosequenceFile(TautosequenceFile &file, const fs::path &path)
+// 0 when the bytes held a whole file; a short one counts as a failure.
+int parseAutosequenceFile(TautosequenceFile &file, const std::string &bytes)
 {
     try {
-        return file.read(path);
-    } catch (const std::exception &) {
-        return -1;
-    }
-}
-
-int writeAutosequenceFile(TautosequenceFile &file, const fs::path &path)
-{
-    try {
-        return file.write(path);
+        return file.parse(bytes);
     } catch (const std::exception &) {
         return -1;
     }
@@ -32,6 +30,27 @@ std::string userTesterFileName(int index)
 {
     return "usertester" + std::to_string(index + 1) + ".asq";
 }
+
+std::string timeStamp()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local {};
+    localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
+    return text;
+}
+
+constexpr std::size_t CheckitemFileLimit = TInstrDatabase::SlotCount * sizeof(TInstr);
+}
+
+TdataSet::TfileStamp TdataSet::TfileStamp::of(const std::string &bytes)
+{
+    // FNV-1a: enough to tell whether a file changed, not a defence against forgery.
+    std::uint64_t hash = 14695981039346656037ull;
+    for (unsigned char c : bytes)
+        hash = (hash ^ c) * 1099511628211ull;
+    return {true, bytes.size(), hash};
 }
 
 // The containers start default-constructed; the owner calls loadAll() when it is ready.
@@ -47,22 +66,85 @@ fs::path TdataSet::dataFile(const std::string &name) const
     return dataFolder() / name;
 }
 
+std::vector<std::string> TdataSet::fileNames()
+{
+    std::vector<std::string> names;
+    for (const TpartFile &file : filesOf(Checkitems | Inspections | UserTesters | Checklists))
+        names.push_back(file.name);
+    return names;
+}
+
+std::vector<TdataSet::TpartFile> TdataSet::filesOf(unsigned parts)
+{
+    std::vector<TpartFile> files;
+    if (parts & Checkitems)
+        files.push_back({Checkitems, "mit.dat"});
+    if (parts & Inspections)
+        files.push_back({Inspections, "inspection.asq"});
+    if (parts & UserTesters)
+        for (int i = 0; i < UserTesterCount; ++i)
+            files.push_back({UserTesters, userTesterFileName(i), i});
+    if (parts & Checklists)
+        files.push_back({Checklists, "testProc.asq"});
+    return files;
+}
+
+bool TdataSet::readFile(const std::string &name, std::string &bytes, std::size_t limit)
+{
+    bytes.clear();
+    std::ifstream in;
+    if (!openRegularFile(in, dataFile(name)))
+        return false;
+    bytes.resize(limit);
+    in.read(bytes.data(), std::streamsize(limit));
+    bytes.resize(std::size_t(in.gcount()));
+    return true;
+}
+
+void TdataSet::remember(const std::string &name, bool present, const std::string &bytes, bool unreadable)
+{
+    TfileState &state = m_files[name];
+    state.known = true;
+    state.stamp = present ? TfileStamp::of(bytes) : TfileStamp{};
+    state.unreadable = present && unreadable;
+}
+
+// A save of ours killed half-way is finished before anything is read.
+void TdataSet::recoverInterruptedSave()
+{
+    TfileSetWriter::recover(dataFolder(), fileNames());
+}
+
 void TdataSet::loadCheckitems()
 {
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
+    recoverInterruptedSave();
     // Slots past the table's end would be cut at once: they are not read, however large the file.
-    if (TInstrDatabase::loadMasterTable(checkitems.slots(), dataFile("mit.dat"), TInstrDatabase::SlotCount) != 0) {
+    std::string bytes;
+    const bool present = readFile("mit.dat", bytes, CheckitemFileLimit);
+    remember("mit.dat", present, bytes, false);
+    if (!present) {
         m_sink.error("Instruction List Error",
                      "Warning!! Corrupt Instruction List\nPlease restore the list from the KT930.");
         checkitems.clearAll();
         return;
     }
+    std::vector<TInstr> &table = checkitems.slots();
+    table.assign(bytes.size() / sizeof(TInstr), TInstr());
+    std::memcpy(static_cast<void *>(table.data()), bytes.data(), table.size() * sizeof(TInstr));
     checkitems.normalizeSize();
 }
 
 void TdataSet::loadInspections()
 {
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
+    recoverInterruptedSave();
+    std::string bytes;
     TautosequenceFile file;
-    if (readAutosequenceFile(file, dataFile("inspection.asq")) == 0) {
+    const bool present = readFile("inspection.asq", bytes);
+    const bool loaded = present && parseAutosequenceFile(file, bytes) == 0;
+    remember("inspection.asq", present, bytes, !loaded);
+    if (loaded) {
         AutosequenceConversions::fileToInspections(file, inspections);
         return;
     }
@@ -71,20 +153,26 @@ void TdataSet::loadInspections()
     inspections.assign(DefaultInspectionCount, Tautosequence::unused());
 }
 
+bool TdataSet::loadUserTester(int index)
+{
+    const std::string name = userTesterFileName(index);
+    std::string bytes;
+    TautosequenceFile file;
+    const bool present = readFile(name, bytes);
+    const bool loaded = present && parseAutosequenceFile(file, bytes) == 0;
+    remember(name, present, bytes, !loaded);
+    userTesters.resize(UserTesterCount);
+    userTesters[std::size_t(index)] = loaded ? AutosequenceConversions::fileToUserTester(file) : defaultUserTester(index);
+    return loaded;
+}
+
 void TdataSet::loadUserTesters()
 {
-    std::vector<TuserTester> loaded;
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
+    recoverInterruptedSave();
     bool failed = false;
-    for (int i = 0; i < UserTesterCount; ++i) {
-        TautosequenceFile file;
-        if (readAutosequenceFile(file, dataFile(userTesterFileName(i))) == 0) {
-            loaded.push_back(AutosequenceConversions::fileToUserTester(file));
-        } else {
-            loaded.push_back(defaultUserTester(i));
-            failed = true;
-        }
-    }
-    userTesters = std::move(loaded);
+    for (int i = 0; i < UserTesterCount; ++i)
+        failed = !loadUserTester(i) || failed;
     if (failed)
         m_sink.error("User Tester Sequences Error",
                      "Warning!! One or more corrupt User Tester Sequences detected.\n"
@@ -93,8 +181,14 @@ void TdataSet::loadUserTesters()
 
 void TdataSet::loadChecklists()
 {
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
+    recoverInterruptedSave();
+    std::string bytes;
     TautosequenceFile file;
-    if (readAutosequenceFile(file, dataFile("testProc.asq")) == 0) {
+    const bool present = readFile("testProc.asq", bytes);
+    const bool loaded = present && parseAutosequenceFile(file, bytes) == 0;
+    remember("testProc.asq", present, bytes, !loaded);
+    if (loaded) {
         AutosequenceConversions::fileToChecklists(file, checklists);
         return;
     }
@@ -102,8 +196,10 @@ void TdataSet::loadChecklists()
     checklists.makeUnused();
 }
 
+// One lock for the whole set, so that no save lands between two of its files.
 void TdataSet::loadAll()
 {
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
     loadCheckitems();
     loadInspections();
     loadUserTesters();
@@ -112,43 +208,169 @@ void TdataSet::loadAll()
 
 void TdataSet::reloadData()
 {
+    TdataFolderLock lock(dataFolder(), TdataFolderLock::Mode::Read);
     loadCheckitems();
     loadChecklists();
     loadInspections();
     loadUserTesters();
 }
 
-void TdataSet::saveCheckitems()
+std::string TdataSet::bytesOf(const TpartFile &file)
 {
-    if (TInstrDatabase::saveMasterTable(checkitems.slots(), dataFile("mit.dat")) != 0)
-        m_sink.error("File Error", "An error occured while backing up the master checkitem database");
+    if (file.part == Checkitems)
+        return std::string(reinterpret_cast<const char *>(checkitems.slots().data()), checkitems.size() * sizeof(TInstr));
+    TautosequenceFile image;
+    if (file.part == Inspections)
+        AutosequenceConversions::inspectionsToFile(inspections, image);
+    else if (file.part == Checklists)
+        AutosequenceConversions::checklistsToFile(checklists, image);
+    else
+        AutosequenceConversions::userTesterToFile(userTesters.at(std::size_t(file.tester)), image);
+    return image.serialize();
 }
 
-void TdataSet::saveInspections()
+std::string TdataSet::fileErrorText(const TpartFile &file) const
 {
-    TautosequenceFile file;
-    AutosequenceConversions::inspectionsToFile(inspections, file);
-    if (writeAutosequenceFile(file, dataFile("inspection.asq")) != 0)
-        m_sink.error("File Error", "An error occured while backing up the data for Physical Inspections");
-}
-
-void TdataSet::saveUserTesters()
-{
-    const std::vector<TuserTester> testers = userTesters;
-    for (std::size_t i = 0; i < testers.size(); ++i) {
-        TautosequenceFile file;
-        AutosequenceConversions::userTesterToFile(testers[i], file);
-        if (writeAutosequenceFile(file, dataFile(userTesterFileName(static_cast<int>(i)))) != 0)
-            m_sink.error("File Error", "An error occured while backing up the data for User Tester Sequence "
-                                           + std::to_string(i + 1));
+    switch (file.part) {
+    case Checkitems:
+        return "An error occured while backing up the master checkitem database";
+    case Inspections:
+        return "An error occured while backing up the data for Physical Inspections";
+    case Checklists:
+        return "An error occured while backing up the checklists";
+    default:
+        return "An error occured while backing up the data for User Tester Sequence " + std::to_string(file.tester + 1);
     }
 }
 
-void TdataSet::backup()
+void TdataSet::reloadFile(const TpartFile &file)
 {
-    saveCheckitems();
-    saveInspections();
-    saveUserTesters();
+    switch (file.part) {
+    case Checkitems:
+        loadCheckitems();
+        break;
+    case Inspections:
+        loadInspections();
+        break;
+    case Checklists:
+        loadChecklists();
+        break;
+    default:
+        if (!loadUserTester(file.tester))
+            m_sink.error("User Tester Sequences Error",
+                         "Warning!! One or more corrupt User Tester Sequences detected.\n"
+                         "Please restore the data from the KT930.");
+    }
+}
+
+bool TdataSet::loadsCleanly(const TpartFile &file)
+{
+    std::string bytes;
+    if (!readFile(file.name, bytes))
+        return !fs::exists(fs::symlink_status(dataFile(file.name)));
+    TautosequenceFile image;
+    return file.part == Checkitems || parseAutosequenceFile(image, bytes) == 0;
+}
+
+std::string TdataSet::unreadableCopyName(const std::string &name)
+{
+    return name + ".unreadable-" + timeStamp();
+}
+
+std::vector<std::string> TdataSet::unreadableFiles() const
+{
+    std::vector<std::string> names;
+    for (const auto &[name, state] : m_files)
+        if (state.unreadable)
+            names.push_back(name);
+    return names;
+}
+
+// The bytes of a file that failed to load may be the only copy of someone's work.
+bool TdataSet::keepUnreadable(const TpartFile &file)
+{
+    TfileState &state = m_files[file.name];
+    if (state.known ? !state.unreadable : loadsCleanly(file))
+        return true;
+    const fs::path copy = dataFile(unreadableCopyName(file.name));
+    std::error_code ec;
+    if (!fs::exists(dataFile(file.name), ec))
+        return true;
+    if (fs::exists(fs::symlink_status(copy, ec)) || !keepCopyOf(dataFile(file.name), copy))
+        return false;
+    state.unreadable = false;
+    m_sink.show({"Unreadable File Kept",
+                 "The file " + dataFile(file.name).string() + " could not be read. Its original content was kept as\n"
+                     + copy.string() + "\nbefore it was replaced.",
+                 MsgIcon::Information, MsgButtons::Ok, MsgModality::Task});
+    return true;
+}
+
+bool TdataSet::save(unsigned parts, TsaveAction action)
+{
+    const std::vector<TpartFile> files = filesOf(parts);
+    TdataFolderLock lock(dataFolder());
+    if (!lock.locked()) {
+        m_sink.error("Data Folder Busy", lock.failure() + "\nNothing was saved.");
+        return false;
+    }
+    recoverInterruptedSave();
+    bool complete = true;
+    TfileSetWriter writer(dataFolder());
+    std::vector<std::pair<std::string, std::string>> written;
+    for (const TpartFile &file : files) {
+        const std::string bytes = bytesOf(file);
+        TfileState &state = m_files[file.name];
+        if (action == TsaveAction::Edit && state.known) {
+            std::string disk;
+            const bool present = readFile(file.name, disk);
+            const TfileStamp onDisk = present ? TfileStamp::of(disk) : TfileStamp{};
+            // Changed on disk, and not into what is about to be written. A file deleted
+            // since is written again: a deletion never wins over data.
+            if (present && !(onDisk == state.stamp) && !(onDisk == TfileStamp::of(bytes))) {
+                // Nothing changed here: the other program's version is simply taken.
+                const bool keepMine = !(TfileStamp::of(bytes) == state.stamp)
+                    && m_sink.show({"Data File Changed",
+                                    "The file\n" + dataFile(file.name).string()
+                                        + "\nwas changed by another program after it was loaded here.\n\n"
+                                          "Yes keeps the version shown here and replaces the file.\n"
+                                          "No loads the file's new content instead; the changes made here to it are dropped.",
+                                    MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task})
+                        == MsgAnswer::Yes;
+                if (!keepMine) {
+                    reloadFile(file);
+                    continue;
+                }
+            }
+        }
+        if (!keepUnreadable(file) || writer.stage(dataFile(file.name), bytes) != AtomicWriteResult::Ok) {
+            m_sink.error("File Error", fileErrorText(file));
+            complete = false;
+            continue;
+        }
+        written.emplace_back(file.name, bytes);
+    }
+    if (writer.empty())
+        return complete;
+    if (action != TsaveAction::Edit) {
+        static const char *const actionNames[] = {"edit", "download", "sync", "import"};
+        std::vector<std::string> names;
+        for (const auto &[name, bytes] : written)
+            names.push_back(name);
+        std::string why;
+        if (!TrestorePoints(dataFolder()).create(actionNames[int(action)], names, why)) {
+            m_sink.error("Restore Point Error", why + "\nNothing was saved.");
+            return false;
+        }
+    }
+    if (!writer.commit()) {
+        for (const TpartFile &file : files)
+            m_sink.error("File Error", fileErrorText(file));
+        return false;
+    }
+    for (const auto &[name, bytes] : written)
+        remember(name, true, bytes, false);
+    return complete;
 }
 
 void TdataSet::validateOpCodes()

@@ -160,15 +160,16 @@ void TAutoSeqEditFrame::BtnRestoreClick()
     refreshLists(2);
 }
 
+// A file another program changed may have been taken from the disk instead of saved.
 void TAutoSeqEditFrame::BtnBackupClick()
 {
     m_data->backup();
+    refreshLists(2);
 }
 
 void TAutoSeqEditFrame::saveAutosequences()
 {
-    m_data->saveInspections();
-    m_data->saveUserTesters();
+    m_data->save(TdataSet::Inspections | TdataSet::UserTesters);
 }
 
 // ---- lists
@@ -398,8 +399,18 @@ bool TAutoSeqEditFrame::LstUTSCollapsing() const
     return !m_pressOnItem;
 }
 
+// The window that holds the frame may be closed while the frame shows edits that
+// only Return To Main Window would save (a double-click edit saves nothing).
+void TAutoSeqEditFrame::showEvent(QShowEvent *event)
+{
+    window()->installEventFilter(this);
+    Tkt930Frame::showEvent(event);
+}
+
 bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == window() && event->type() == QEvent::Close && isVisible())
+        BtnBackupClick();
     if (watched == ui->LstUTS->viewport()) {
         if (event->type() == QEvent::MouseButtonPress)
             LstUTSMouseDown(static_cast<QMouseEvent *>(event));
@@ -469,9 +480,11 @@ void TAutoSeqEditFrame::BtnUploadClick()
 
 void TAutoSeqEditFrame::BtnDownloadClick()
 {
+    bool downloaded = false;
     try {
         if (!runTransfer(false))
             return;
+        downloaded = true;
         m_data->validateOpCodes();
         refreshLists(2);
     } catch (const std::exception &e) {
@@ -479,7 +492,9 @@ void TAutoSeqEditFrame::BtnDownloadClick()
     } catch (...) {
         showInternalError(false, UnknownExceptionText);
     }
-    BtnBackupClick();
+    // A download replaces the set by design (and keeps a restore point); anything else is an edit.
+    m_data->backup(downloaded ? TsaveAction::Download : TsaveAction::Edit);
+    refreshLists(2);
 }
 
 void TAutoSeqEditFrame::BtnHelpClick()

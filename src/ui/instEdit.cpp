@@ -1,6 +1,7 @@
 #include "instEdit.h"
 #include "ui_instEdit.h"
 #include "AppDir.h"
+#include "TdataSet.h"
 #include "FieldSpec.h"
 #include "OpCodeDefinitions.h"
 #include "THelpWindow.h"
@@ -59,7 +60,6 @@ const char *const CannotEditCategoryText = "You cannot edit this category.\nPlea
 const char *const ImportOverflowText =
     "WARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the checkitem "
     "database to\ninsert all of the checkitems from the specified file.";
-const char *const BackupFailedText = "An error occured while backing up the master checkitem database";
 
 // The category list: index 0 is no category, 1..26 the letters "A" to "Z".
 int categoryIndex(char letter)
@@ -763,9 +763,10 @@ void TinstructionEditorForm::btnSyncClick()
             return;
         record->copyInto(*m_db);
         resetListOrder();
-        const std::filesystem::path backup = TappDir::dataFolder(m_appDir) / "mit.dat";
-        if (TInstrDatabase::saveMasterTable(m_db->slots(), backup) != 0)
-            m_sink.error("File Error", BackupFailedText);
+        // Saved as the set's sync, so the replaced database is kept as a restore point.
+        TdataSet synced(m_appDir, m_sink);
+        synced.checkitems = *m_db;
+        synced.saveCheckitems(TsaveAction::Sync);
     } catch (const TinstructionEditorFormException &) {
         throw; // reported already
     } catch (const std::exception &) {

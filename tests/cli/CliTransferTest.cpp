@@ -3,6 +3,7 @@
 #include "LoopbackAddress.h"
 #include "ProgramRun.h"
 #include "TempDir.h"
+#include "SaveUnderFaults.h"
 #include <filesystem>
 #include <gtest/gtest.h>
 namespace fs = std::filesystem;
@@ -160,4 +161,28 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
     EXPECT_EQ(ctl({"download", "--help"}), 0);
     EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
 }
+}
+
+// What replaces the data set is killed at each of its renames in turn.
+TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNewSet)
+{
+    const std::string at = address(7);
+    auto sim = startSimulator(at);
+    temp.write("new.csv", "A,P,ADDED\n");
+    const std::string ctlPath = (fs::path(KT930_TEST_APPDIR) / "kt930ctl").string();
+    const std::string appDir = (temp / "pc").string();
+    const SaveUnderFaults::Files before = SaveUnderFaults::savedFiles(1);
+    const struct {
+        std::vector<std::string> arguments;
+        int minimumKills;
+    } commands[] = {{{"download", "--ethernet", at}, 8 + 1}, {{"sync", "--ethernet", at}, 1}, {{"import-csv", (temp / "new.csv").string()}, 1}};
+    for (const auto &command : commands) {
+        std::vector<std::string> line{ctlPath};
+        line.insert(line.end(), command.arguments.begin(), command.arguments.end());
+        line.insert(line.end(), {"--appdir", appDir});
+        const auto figures = SaveUnderFaults::killAtEveryRename(line, temp / "pc", before);
+        EXPECT_GE(figures.kills, command.minimumKills) << command.arguments[0];
+        EXPECT_EQ(figures.mixed, 0) << command.arguments[0];
+        EXPECT_EQ(figures.leftovers, 0) << command.arguments[0];
+    }
 }

@@ -3,6 +3,9 @@
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "TempDir.h"
+#include "AppDir.h"
+#include "ProgramRun.h"
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <csignal>
@@ -17,13 +20,18 @@ namespace fs = std::filesystem;
 
 namespace SaveUnderFaults {
 namespace {
+// The data files by name; anything else but the lock, the restore points and the
+// op-code and category files counts as a leftover.
 Files readFiles(const fs::path &folder, int &others)
 {
+    const std::vector<std::string> dataNames = TdataSet::fileNames();
     Files files;
     others = 0;
     for (const auto &entry : fs::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
-        if (name == "mit.dat" || name == "inspection.asq" || (name.rfind("usertester", 0) == 0 && name.size() == 15))
+        if (name == ".lock" || name == ".restore" || name == "catdes.dat" || entry.path().extension() == ".in")
+            continue;
+        if (std::find(dataNames.begin(), dataNames.end(), name) != dataNames.end())
             files[name] = TempDir::read(entry.path());
         else
             ++others;
@@ -36,6 +44,14 @@ void writeFiles(const fs::path &folder, const Files &files)
     fs::create_directories(folder);
     for (const auto &[name, bytes] : files)
         std::ofstream(folder / name, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+Files loadedFiles(const fs::path &appDir, int &others)
+{
+    RecordingMessageSink sink;
+    TdataSet loader(appDir, sink);
+    loader.loadAll();
+    return readFiles(TappDir::dataFolder(appDir), others);
 }
 
 // Starts the program with a pipe on its stdout and waits for its first line.
@@ -121,8 +137,9 @@ KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
         ::waitpid(pid, &status, 0);
         ++figures.kills;
 
+        // The set is judged as the next program to load it sees it.
         int others = 0;
-        const Files found = readFiles(data, others);
+        const Files found = loadedFiles(appDir.path(), others);
         figures.leftoversAfterKill += others;
         bool sawOld = false, sawNew = false;
         for (const auto &[name, bytes] : variants[0]) {
@@ -144,6 +161,37 @@ KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
     readFiles(data, others);
     figures.leftoversAtEnd = others;
     return figures;
+}
+
+RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, const fs::path &appDir, const Files &before)
+{
+    const fs::path data = TappDir::dataFolder(appDir);
+    auto startFromBefore = [&] {
+        for (const std::string &name : TdataSet::fileNames())
+            fs::remove(data / name);
+        writeFiles(data, before);
+    };
+    startFromBefore();
+    RenameKillFigures figures;
+    const ProgramRun whole = ProgramRun::runTool(command.front(), {command.begin() + 1, command.end()}, appDir);
+    if (whole.exitCode != 0)
+        throw std::runtime_error("the command failed without a kill: " + whole.err);
+    int others = 0;
+    const Files after = readFiles(data, others);
+    for (int rename = 1;; ++rename) {
+        startFromBefore();
+        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-e", "trace=rename,renameat,renameat2",
+                                        "-e", "inject=rename,renameat,renameat2:signal=SIGKILL:when=" + std::to_string(rename)};
+        traced.insert(traced.end(), command.begin(), command.end());
+        const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
+        const Files found = loadedFiles(appDir, others);
+        figures.leftovers += others;
+        if (found != before && found != after)
+            ++figures.mixed;
+        if (run.exitCode == 0)
+            return figures;
+        ++figures.kills;
+    }
 }
 
 void withFileSizeLimit(std::size_t limit, const std::function<void()> &action)

@@ -14,15 +14,28 @@ Files savedFiles(int variant);
 
 struct KilledFigures {
     int kills = 0;
-    int killedBetweenFiles = 0; // kills after which old and new files were mixed
+    int killedBetweenFiles = 0; // kills after which the next load saw old and new files mixed
     int filesChecked = 0;
     int torn = 0;               // files equal to neither the old nor the new content
     int leftoversAfterKill = 0; // other names in the data folder right after a kill
     int leftoversAtEnd = 0;     // other names after one more, undisturbed save
 };
 // Runs the save loop program (`program APPDIR`) and kills it with SIGKILL at a
-// random moment `kills` times, checking the data folder after each kill.
+// random moment `kills` times, checking the data folder after each kill as the next
+// program to load it sees it.
 KilledFigures killSaves(const std::filesystem::path &program, int kills, unsigned seed);
+
+struct RenameKillFigures {
+    int kills = 0; // runs killed at a rename: one per rename the command makes
+    int mixed = 0; // kills after which the next load saw neither the old nor the new set
+    int leftovers = 0;
+};
+// Runs command (a program on PATH or a path, and its arguments) once whole, then under
+// strace once per rename it makes, killed at that rename; before each run the data
+// folder of appDir holds `before`, after each run it is loaded as the next program
+// would load it and must hold `before` or the whole run's files.
+RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, const std::filesystem::path &appDir,
+                                    const Files &before);
 
 struct StarvedFigures {
     int saves = 0;

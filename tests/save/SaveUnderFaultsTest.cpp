@@ -11,13 +11,25 @@
 
 namespace fs = std::filesystem;
 
-TEST(KilledSave, EveryFileIsOldOrNewAfterEachKillAndNoTemporaryOutlivesTheNextSave)
+TEST(KilledSave, TheNextLoadSeesAWholeOldOrNewSetAndNoTemporary)
 {
-    const auto figures = SaveUnderFaults::killSaves(KT930_SAVELOOP, 8, 930);
-    EXPECT_EQ(figures.kills, 8);
-    EXPECT_EQ(figures.filesChecked, 8 * 7);
+    const auto figures = SaveUnderFaults::killSaves(KT930_SAVELOOP, 12, 930);
+    EXPECT_EQ(figures.kills, 12);
+    EXPECT_EQ(figures.filesChecked, 12 * 7);
     EXPECT_EQ(figures.torn, 0);
+    EXPECT_EQ(figures.killedBetweenFiles, 0);
+    EXPECT_EQ(figures.leftoversAfterKill, 0);
     EXPECT_EQ(figures.leftoversAtEnd, 0);
+}
+
+TEST(KilledSave, AFrameSaveKilledAtEachOfItsRenamesLeavesTheOldOrTheNewSet)
+{
+    TempDir appDir;
+    const auto figures = SaveUnderFaults::killAtEveryRename({KT930_SAVELOOP, appDir.path().string(), "--once"},
+                                                            appDir.path(), SaveUnderFaults::savedFiles(1));
+    EXPECT_GE(figures.kills, 7 + 1); // each file and the intent record
+    EXPECT_EQ(figures.mixed, 0);
+    EXPECT_EQ(figures.leftovers, 0);
 }
 
 TEST(StarvedSave, FullDiskKeepsEveryOldFileAndShowsOneFileErrorEach)
@@ -38,7 +50,7 @@ TEST(StarvedSave, FullDiskKeepsEveryOldFileAndShowsOneFileErrorEach)
     EXPECT_EQ(sink.messages, expected);
     for (const auto &[name, bytes] : before)
         EXPECT_EQ(TempDir::read(appDir / "Data" / name), bytes) << name;
-    EXPECT_EQ(std::distance(fs::directory_iterator(appDir / "Data"), {}), 7);
+    EXPECT_EQ(std::distance(fs::directory_iterator(appDir / "Data"), {}), 7 + 1); // and the lock
 }
 
 TEST(StarvedSave, FilesBelowTheLimitAreWrittenAndTheOthersKept)

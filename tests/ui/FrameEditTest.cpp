@@ -114,6 +114,17 @@ TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItWithoutSaving)
     EXPECT_TRUE(writtenFiles().empty());
 }
 
+TEST_F(FrameEditFixture, ClosingTheWindowSavesWhatADoubleClickEditLeft)
+{
+    QString shown;
+    addAndConfirm(&shown);
+    doubleClickInspection(1);
+    ASSERT_TRUE(writtenFiles().empty());
+    frame->close();
+    EXPECT_EQ(writtenFiles(), Files);
+    expectFilesHoldTheDataSet();
+}
+
 TEST_F(FrameEditFixture, NoSelectionOpensNothingAndTheButtonStillSaves)
 {
     click(frame.get(), "BtnIPEdit"); // a modal editor here would hang the test

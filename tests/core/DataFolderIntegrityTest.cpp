@@ -1,0 +1,182 @@
+// Saves that meet another writer's changes, an interrupted save, an unreadable file,
+// a busy folder, and the restore points of the actions that replace the set.
+#include "ByteBuilder.h"
+#include "RecordingMessageSink.h"
+#include "TdataFolderLock.h"
+#include "TdataSet.h"
+#include "TempDir.h"
+#include "TrestorePoints.h"
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace ByteBuilder;
+namespace fs = std::filesystem;
+
+namespace {
+std::string inspectionFile(const std::string &title)
+{
+    return asqHeader("Physical Inspections", "", 1) + asqRecord(title, "", 0, positions({1}));
+}
+
+std::string firstTitle(const TdataSet &set)
+{
+    std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+std::vector<std::string> namesIn(const fs::path &folder)
+{
+    std::vector<std::string> names;
+    for (const auto &entry : fs::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+struct DataFolder : ::testing::Test {
+    DataFolder()
+    {
+        dir.write("Data/mit.dat", checkitem('B', 'M', "item"));
+        dir.write("Data/inspection.asq", inspectionFile("OURS"));
+        data.loadAll();
+        sink.messages.clear();
+    }
+    fs::path file(const std::string &name) const { return dir / ("Data/" + name); }
+    TempDir dir;
+    RecordingMessageSink sink;
+    TdataSet data{dir.path(), sink};
+};
+}
+
+TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
+{
+    const std::string question = "The file\n" + file("inspection.asq").string()
+        + "\nwas changed by another program after it was loaded here.\n\n"
+          "Yes keeps the version shown here and replaces the file.\n"
+          "No loads the file's new content instead; the changes made here to it are dropped.";
+    const struct {
+        bool changedHere;
+        MsgAnswer answer;
+        int questions;
+        std::string fileAfter, titleAfter;
+    } cases[] = {
+        {false, MsgAnswer::Yes, 0, "THEIRS", "THEIRS"}, // nothing to lose here: theirs is taken
+        {true, MsgAnswer::Yes, 1, "EDITED", "EDITED"},
+        {true, MsgAnswer::No, 1, "THEIRS", "THEIRS"},
+    };
+    for (const auto &c : cases) {
+        dir.write("Data/inspection.asq", inspectionFile("OURS"));
+        data.loadInspections();
+        dir.write("Data/inspection.asq", inspectionFile("THEIRS"));
+        if (c.changedHere)
+            Tautosequence::setTitle(data.inspections[0].title1, "EDITED");
+        sink.messages.clear();
+        sink.answers = {c.answer};
+        data.saveInspections();
+        ASSERT_EQ(int(sink.messages.size()), c.questions);
+        if (c.questions)
+            EXPECT_EQ(sink.messages[0], (Message{"Data File Changed", question, MsgIcon::Question, MsgButtons::YesNo}));
+        RecordingMessageSink quiet;
+        TdataSet reread(dir.path(), quiet);
+        reread.loadInspections();
+        EXPECT_EQ(firstTitle(reread), c.fileAfter);
+        EXPECT_EQ(firstTitle(data), c.titleAfter);
+        if (c.fileAfter == "THEIRS")
+            EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("THEIRS"));
+    }
+}
+
+TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilledBefore)
+{
+    for (const bool recorded : {true, false}) {
+        dir.write("Data/mit.dat", "old mit");
+        dir.write("Data/inspection.asq", inspectionFile("OLD"));
+        dir.write("Data/mit.dat.tmpAAAAAA", "new mit");
+        dir.write("Data/inspection.asq.tmpBBBBBB", inspectionFile("NEW"));
+        if (recorded) {
+            using namespace std::string_literals;
+            dir.write("Data/.saving", file("inspection.asq.tmpBBBBBB").string() + "\0"s
+                          + file("inspection.asq").string() + "\0"s + file("mit.dat.tmpAAAAAA").string() + "\0"s
+                          + file("mit.dat").string() + "\0"s);
+        }
+        data.loadAll();
+        EXPECT_EQ(TempDir::read(file("mit.dat")), recorded ? "new mit" : "old mit");
+        EXPECT_EQ(firstTitle(data), recorded ? "NEW" : "OLD");
+        EXPECT_EQ(namesIn(dir / "Data"), (std::vector<std::string>{"inspection.asq", "mit.dat"}));
+    }
+}
+
+TEST_F(DataFolder, AFileThatFailedToLoadIsKeptBeforeASaveReplacesIt)
+{
+    const std::string cut = inspectionFile("CUT").substr(0, 100);
+    dir.write("Data/inspection.asq", cut);
+    data.loadInspections();
+    EXPECT_EQ(data.unreadableFiles(), std::vector<std::string>{"inspection.asq"});
+    sink.messages.clear();
+    ASSERT_TRUE(data.saveInspections());
+    fs::path kept;
+    for (const auto &entry : fs::directory_iterator(dir / "Data"))
+        if (entry.path().filename().string().rfind("inspection.asq.unreadable-", 0) == 0)
+            kept = entry.path();
+    ASSERT_FALSE(kept.empty());
+    EXPECT_EQ(TempDir::read(kept), cut);
+    ASSERT_EQ(sink.messages.size(), 1u);
+    EXPECT_EQ(sink.messages[0], (Message{"Unreadable File Kept",
+                                         "The file " + file("inspection.asq").string()
+                                             + " could not be read. Its original content was kept as\n" + kept.string()
+                                             + "\nbefore it was replaced.",
+                                         MsgIcon::Information}));
+    EXPECT_TRUE(data.unreadableFiles().empty());
+}
+
+TEST_F(DataFolder, ABusyFolderIsNamedWithItsHolderAndNothingIsSaved)
+{
+    const int held = ::open(file(".lock").c_str(), O_RDWR | O_CREAT, 0600);
+    ASSERT_EQ(::write(held, "4242\n", 5), 5);
+    ASSERT_EQ(::flock(held, LOCK_EX), 0);
+    TdataFolderLock::setWaitForTests(std::chrono::milliseconds(30));
+    Tautosequence::setTitle(data.inspections[0].title1, "EDITED");
+    EXPECT_FALSE(data.saveInspections());
+    TdataFolderLock::setWaitForTests(std::chrono::milliseconds(-1));
+    ::close(held);
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Data Folder Busy",
+                                                    "The data folder " + (dir / "Data").string()
+                                                        + " is being saved by process 4242, which has not finished. "
+                                                          "Try again later.\nNothing was saved."}}));
+    EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("OURS"));
+}
+
+TEST_F(DataFolder, DownloadAndSyncKeepRestorePointsThatPutTheSetBack)
+{
+    const std::string original = TempDir::read(file("mit.dat"));
+    data.checkitems[0] = TInstr('C', 'M', "downloaded");
+    ASSERT_TRUE(data.saveCheckitems(TsaveAction::Download));
+    const std::string downloaded = TempDir::read(file("mit.dat"));
+    data.checkitems[0] = TInstr('C', 'M', "synced");
+    ASSERT_TRUE(data.saveCheckitems(TsaveAction::Sync));
+    data.saveInspections(); // an edit keeps none
+
+    TrestorePoints points(dir / "Data");
+    auto list = points.list();
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0].action, "sync");
+    EXPECT_EQ(list[1].action, "download");
+    EXPECT_EQ(list[1].files, std::vector<std::string>{"mit.dat"});
+    EXPECT_EQ(TempDir::read(list[1].folder / "mit.dat"), original);
+
+    std::string why;
+    ASSERT_TRUE(points.restore(2, why)) << why;
+    EXPECT_EQ(TempDir::read(file("mit.dat")), original);
+    list = points.list();
+    ASSERT_EQ(list.size(), 3u);
+    EXPECT_EQ(list[0].action.rfind("restore 2 (", 0), 0u) << list[0].action;
+    EXPECT_NE(TempDir::read(list[0].folder / "mit.dat"), downloaded); // the synced table it replaced
+    EXPECT_FALSE(points.restore(4, why));
+    EXPECT_EQ(why, "There is no restore point 4; the restore points are 1 to 3.");
+
+    for (int i = 0; i < 25; ++i)
+        ASSERT_TRUE(points.create("import", {"mit.dat"}, why));
+    EXPECT_EQ(points.list().size(), TrestorePoints::Kept);
+}
