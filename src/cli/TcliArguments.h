@@ -8,7 +8,8 @@
 #include <vector>
 
 struct TcliArguments {
-    std::filesystem::path appDir; // --appdir, else the application folder of TappDir
+    std::filesystem::path appDir; // --appdir, else the application folder of TappDir; a reader of a
+                                  // folder not seeded yet gets the shipped defaults' folder
     TappFolders folders;          // the folders in use; application is appDir
     bool appDirGiven = false;
     std::set<std::string> flags;

@@ -16,8 +16,11 @@ public:
     virtual int run(const std::vector<std::string> &arguments) = 0;
 
 protected:
-    // Whether the command works on the data set, so a new per-user folder is made for it.
-    virtual bool needsDataFolder() const { return true; }
+    // What the command does with the data set. Only a writer gets a new per-user folder
+    // made for it; a reader creates nothing and, until that folder exists, reads the
+    // shipped defaults.
+    enum class DataAccess { None, Read, Write };
+    virtual DataAccess dataAccess() const { return DataAccess::Write; }
     // Parses the arguments into args. On a bad command line (usage on stderr, 2) or
     // --help (usage on stdout, 0) it returns the exit code to end with.
     std::optional<int> parseArguments(const std::vector<std::string> &arguments, TcliArguments &args,

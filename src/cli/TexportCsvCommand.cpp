@@ -27,7 +27,8 @@ int TexportCsvCommand::run(const std::vector<std::string> &arguments)
     for (const TInstr &record : data.checkitems.slots())
         if (args.has("--all") || !record.isFree())
             records.push_back(record);
-    if (TInstrDatabase::exportText(records, args.positional[0]) != 0) {
+    // FILE may be a pipe or the terminal (/dev/stdout), which get the lines as they are.
+    if (TInstrDatabase::exportText(records, args.positional[0], InPlaceWrites::Allowed) != 0) {
         std::cerr << "kt930ctl export-csv: cannot create " << args.positional[0] << "\n";
         return 1;
     }

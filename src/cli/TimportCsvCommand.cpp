@@ -1,4 +1,5 @@
 #include "TimportCsvCommand.h"
+#include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
 #include "TdataFolderLock.h"
@@ -13,6 +14,35 @@ std::size_t usedSlots(const TInstrDatabase &db)
         used += record.isFree() ? 0 : 1;
     return used;
 }
+
+std::string lines(std::size_t count)
+{
+    return std::to_string(count) + (count == 1 ? " line" : " lines");
+}
+
+// "; skipped 3 lines: 1 that is not category,op code,command, 2 with an op code ...".
+std::string skippedText(const TcsvImportReport &report)
+{
+    constexpr std::size_t NamedAtMost = 5;
+    const std::size_t unknown = report.unknownOpCodes.size();
+    if (report.malformed + unknown == 0)
+        return "";
+    std::string malformed = std::string(report.malformed == 1 ? " that is" : " that are")
+        + " not category,op code,command";
+    std::string named;
+    for (std::size_t i = 0; i < unknown && i < NamedAtMost; ++i)
+        named += std::string(i ? ", " : "") + "line " + std::to_string(report.unknownOpCodes[i].line) + " ("
+            + report.unknownOpCodes[i].opCode + ")";
+    if (unknown > NamedAtMost)
+        named += " and " + std::to_string(unknown - NamedAtMost) + " more";
+    const std::string unknownText = " with an op code that no definition file knows: " + named;
+    if (unknown == 0)
+        return "; skipped " + lines(report.malformed) + malformed;
+    if (report.malformed == 0)
+        return "; skipped " + lines(unknown) + unknownText;
+    return "; skipped " + lines(report.malformed + unknown) + ": " + std::to_string(report.malformed) + malformed
+        + ", " + std::to_string(unknown) + unknownText;
+}
 }
 
 std::string TimportCsvCommand::usage() const
@@ -20,7 +50,9 @@ std::string TimportCsvCommand::usage() const
     return "Usage: kt930ctl import-csv FILE [--appdir DIR]\n"
            "Adds every \"category,op code,command\" line of FILE to the free slots of the checkitem\n"
            "table and saves DIR/Data/mit.dat; existing checkitems are kept. Lines without two\n"
-           "commas are skipped. When the table fills up, what fitted is saved and the exit code is 1.\n"
+           "commas, and lines whose op code no DIR/Data/*.in file defines, are skipped and counted; when\n"
+           "nothing could be imported from a file that has lines, the exit code is 1. When the table\n"
+           "fills up, what fitted is saved and the exit code is 1.\n"
            "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
@@ -50,15 +82,26 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
         return 1;
     }
     data.loadCheckitems();
-    // A table that exists but cannot be read is not replaced by an import into empty slots.
-    if (!sink.messages().empty() && std::filesystem::exists(data.dataFile("mit.dat")))
+    // A table that exists (or may exist: its folder cannot be searched) but cannot be
+    // read is not replaced by an import into empty slots.
+    std::error_code unknown;
+    if (!sink.messages().empty() && (std::filesystem::exists(data.dataFile("mit.dat"), unknown) || unknown))
         return 1;
     const std::size_t before = usedSlots(data.checkitems);
+    // A checkitem whose op code the analyzer does not know must not get into the table.
+    TopCodeTable known;
+    try {
+        if (OpCodeDefinitions::load(data.dataFolder(), known, sink) != 0)
+            return 1;
+    } catch (const TopCodeFileCorrupt &) {
+        return 1; // reported
+    }
 
     bool overflow = false;
     int result = 0;
+    TcsvImportReport report;
     try {
-        result = data.checkitems.importText(args.positional[0]);
+        result = data.checkitems.importText(args.positional[0], &known, &report);
     } catch (const TinstListOverflowException &) {
         overflow = true;
     }
@@ -71,7 +114,8 @@ int TimportCsvCommand::run(const std::vector<std::string> &arguments)
 
     if (!data.saveCheckitems(TsaveAction::Import))
         return 1;
-    std::cout << "Imported " << usedSlots(data.checkitems) - before << " checkitems into "
-              << data.dataFile("mit.dat").string() << "\n";
-    return overflow ? 1 : 0;
+    const std::size_t imported = usedSlots(data.checkitems) - before;
+    std::cout << "Imported " << imported << " checkitems into " << data.dataFile("mit.dat").string()
+              << skippedText(report) << "\n";
+    return overflow || (imported == 0 && report.lines > 0) ? 1 : 0;
 }

@@ -9,4 +9,7 @@ public:
     std::string summary() const override { return "print the checkitem listing to a PDF file"; }
     std::string usage() const override;
     int run(const std::vector<std::string> &arguments) override;
+
+protected:
+    DataAccess dataAccess() const override { return DataAccess::Read; }
 };

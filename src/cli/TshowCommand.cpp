@@ -1,5 +1,6 @@
 #include "TshowCommand.h"
 #include "CategoryDescriptors.h"
+#include "FolderPermissions.h"
 #include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
@@ -26,6 +27,7 @@ struct Tchecklist {
 };
 struct Treport {
     std::vector<Message> messages;
+    std::vector<std::string> permissionWarnings;
     std::vector<Tcheckitem> checkitems;
     std::vector<std::string> inspections;
     std::vector<Ttester> testers;
@@ -90,6 +92,7 @@ Treport gather(const std::filesystem::path &appDir)
         report.checklists.push_back(shown);
     }
     report.messages = sink.messages();
+    report.permissionWarnings = permissionWarnings(data.dataFolder());
     return report;
 }
 
@@ -115,6 +118,10 @@ void printText(const Treport &report, std::ostream &out)
             start = end + 1;
         }
     }
+    if (!report.permissionWarnings.empty())
+        out << "\nPermission warnings:\n";
+    for (const std::string &warning : report.permissionWarnings)
+        out << "  " << warning << "\n";
     out << "\nCheckitems (" << report.checkitems.size() << " used):\n";
     for (const Tcheckitem &item : report.checkitems) {
         char number[16];
@@ -143,6 +150,9 @@ void printJson(const Treport &report, std::ostream &out)
     for (std::size_t i = 0; i < report.messages.size(); ++i)
         out << (i ? ",\n" : "\n") << "    {\"caption\": " << q(utf8(report.messages[i].caption))
             << ", \"text\": " << q(utf8(report.messages[i].text)) << "}";
+    out << "\n  ],\n  \"permissionWarnings\": [";
+    for (std::size_t i = 0; i < report.permissionWarnings.size(); ++i)
+        out << (i ? ",\n" : "\n") << "    " << q(report.permissionWarnings[i]);
     out << "\n  ],\n  \"checkitems\": [";
     for (std::size_t i = 0; i < report.checkitems.size(); ++i) {
         const Tcheckitem &item = report.checkitems[i];
@@ -183,7 +193,8 @@ std::string TshowCommand::usage() const
     return "Usage: kt930ctl show [--json] [--appdir DIR]\n"
            "Loads the data set of DIR/Data as the editor does and prints the load messages,\n"
            "the used checkitems (number, category, op code, command with tabs shown as \xC2\xBB),\n"
-           "the physical inspections, the user tester sequences and the used checklists.\n"
+           "the physical inspections, the user tester sequences and the used checklists, and warns\n"
+           "when other users may write the data folder or one of its data files.\n"
            "  --json         print the same as one JSON document\n"
            "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }

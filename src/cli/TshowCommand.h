@@ -8,4 +8,7 @@ public:
     std::string summary() const override;
     std::string usage() const override;
     int run(const std::vector<std::string> &arguments) override;
+
+protected:
+    DataAccess dataAccess() const override { return DataAccess::Read; }
 };

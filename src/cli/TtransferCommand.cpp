@@ -1,4 +1,5 @@
 #include "TtransferCommand.h"
+#include "OpCodeDefinitions.h"
 #include "TCommPort.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
@@ -87,7 +88,7 @@ std::string TtransferCommand::summary() const
 std::string TtransferCommand::usage() const
 {
     std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N)"
-        + (m_kind == Kind::Upload ? " [--verify]" : "") + " [--appdir DIR]\n";
+        + (m_kind == Kind::Upload ? " [--verify] [--force]" : "") + " [--appdir DIR]\n";
     switch (m_kind) {
     case Kind::Download:
         text += "Fetches the whole data set from the analyzer. When the transfer completed, checks every\n"
@@ -96,7 +97,9 @@ std::string TtransferCommand::usage() const
         break;
     case Kind::Upload:
         text += "Sends the data set saved in DIR/Data to the analyzer. Refuses to send when a file of the\n"
-                "data set could not be read, so defaults never overwrite the analyzer's content.\n"
+                "data set could not be read, so defaults never overwrite the analyzer's content, and when\n"
+                "a checkitem has an op code that no DIR/Data/*.in file defines.\n"
+                "  --force          send checkitems with such op codes all the same\n"
                 "  --verify         after a completed upload, read the analyzer's memory back (into memory,\n"
                 "                   touching no file) and compare it byte for byte with what was sent;\n"
                 "                   a difference is named by its first place and exits with code 3\n";
@@ -159,7 +162,7 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
     TcliArguments args;
     std::set<std::string> flags{"--usb"};
     if (m_kind == Kind::Upload)
-        flags.insert("--verify");
+        flags.insert({"--verify", "--force"});
     if (auto exitCode = parseArguments(arguments, args, flags, 0, {"--ethernet", "--serial"}))
         return *exitCode;
     TcommSettings settings;
@@ -203,6 +206,29 @@ int TtransferCommand::download(const TcliArguments &args, const TcommSettings &s
     return 0;
 }
 
+namespace {
+// The checkitems the analyzer would get with op codes it does not know, as
+// "slot 38 (Z), slot 39 (0)"; empty when there are none.
+std::string checkitemsWithUnknownOpCodes(const TdataSet &data, MessageSink &sink)
+{
+    constexpr std::size_t NamedAtMost = 5;
+    TopCodeTable known;
+    try {
+        OpCodeDefinitions::load(data.dataFolder(), known, sink);
+    } catch (const TopCodeFileCorrupt &) {
+        // Reported; the op codes read so far still count as known.
+    }
+    const std::vector<std::size_t> slots = data.checkitems.slotsWithUnknownOpCodes(known);
+    std::string named;
+    for (std::size_t i = 0; i < slots.size() && i < NamedAtMost; ++i)
+        named += std::string(i ? ", " : "") + "slot " + std::to_string(slots[i]) + " ("
+            + data.checkitems[slots[i] - 1].opCode + ")";
+    if (slots.size() > NamedAtMost)
+        named += " and " + std::to_string(slots.size() - NamedAtMost) + " more";
+    return named;
+}
+}
+
 int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &settings)
 {
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
@@ -213,6 +239,15 @@ int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &set
         std::cerr << "kt930ctl upload: not sending, the data set in " << data.dataFolder().string()
                   << " did not load cleanly (see above)\n";
         return 1;
+    }
+    if (!args.has("--force")) {
+        const std::string unknown = checkitemsWithUnknownOpCodes(data, messages);
+        if (!unknown.empty()) {
+            std::cerr << "kt930ctl upload: not sending, checkitems with an op code that no definition file "
+                         "knows: "
+                      << unknown << " (--force sends them all the same)\n";
+            return 1;
+        }
     }
     auto record = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
                                                       &data.inspections);

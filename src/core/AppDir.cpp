@@ -1,5 +1,10 @@
 #include "AppDir.h"
+#include "AtomicFile.h"
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -34,6 +39,84 @@ fs::path installPrefix(const fs::path &executableFolder)
     if (executableFolder.filename() == "bin" && fs::is_directory(prefix / KT930_INSTALL_SHAREDIR / "Data", ec))
         return prefix;
     return {};
+}
+
+// The user's data is the user's alone: folders the program makes are 0700.
+void createPrivateFolders(const fs::path &folder, std::error_code &ec)
+{
+    fs::path made;
+    for (const fs::path &part : folder) {
+        made /= part;
+        struct stat st {};
+        if (::stat(made.c_str(), &st) == 0)
+            continue;
+        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+            ec.assign(errno, std::generic_category());
+            return;
+        }
+    }
+    if (!fs::is_directory(folder, ec) && !ec)
+        ec = std::make_error_code(std::errc::not_a_directory);
+}
+
+fs::path makeStagingFolder(const fs::path &applicationFolder, std::error_code &ec)
+{
+    std::string name = (applicationFolder / "Data.seed-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) {
+        ec.assign(errno, std::generic_category());
+        return {};
+    }
+    return name;
+}
+
+void syncFile(const fs::path &file, std::error_code &ec)
+{
+    const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0 || ::fsync(fd) != 0)
+        ec.assign(errno, std::generic_category());
+    if (fd >= 0)
+        ::close(fd);
+}
+
+void syncFolderOrFail(const fs::path &folder, std::error_code &ec)
+{
+    if (!syncFolder(folder))
+        ec.assign(errno, std::generic_category());
+}
+
+// Shipped files are read-only and may be readable by all; the user's copies are
+// the user's own and writable, and on disk before they get their final name.
+void copyPrivately(const fs::path &from, const fs::path &to, std::error_code &ec)
+{
+    for (auto it = fs::recursive_directory_iterator(from, ec); !ec && it != fs::recursive_directory_iterator();
+         it.increment(ec)) {
+        const fs::path copy = to / it->path().lexically_relative(from);
+        if (it->is_directory(ec)) {
+            if (::mkdir(copy.c_str(), S_IRWXU) != 0)
+                ec.assign(errno, std::generic_category());
+        } else if (fs::copy_file(it->path(), copy, ec)) {
+            fs::permissions(copy, fs::perms::owner_read | fs::perms::owner_write, ec);
+            if (!ec)
+                syncFile(copy, ec);
+        }
+    }
+    for (auto it = fs::recursive_directory_iterator(to, ec); !ec && it != fs::recursive_directory_iterator();
+         it.increment(ec))
+        if (it->is_directory(ec))
+            syncFolderOrFail(it->path(), ec);
+    if (!ec)
+        syncFolderOrFail(to, ec);
+}
+
+// False when the folder is there already: another program made it meanwhile.
+bool renameIntoPlace(const fs::path &from, const fs::path &to, std::error_code &ec)
+{
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno == EEXIST || errno == ENOTEMPTY)
+        return false;
+    ec.assign(errno, std::generic_category());
+    return true;
 }
 }
 
@@ -94,30 +177,32 @@ TappDir::Seeding TappDir::seed(const TappFolders &folders, std::string &message)
     message.clear();
     if (folders.defaults.empty() || hasDataFolder(folders.application))
         return Seeding::Present;
-    std::error_code ec;
     const fs::path target = folders.application / "Data";
-    // Copied under another name first, so a failed copy never looks like a data set.
-    const fs::path partial = folders.application / "Data.partial";
-    fs::remove_all(partial, ec);
-    fs::create_directories(folders.application, ec);
+    // Copied into a folder of a name of its own, so a failed copy never looks like a
+    // data set and programs seeding at the same time never share a half-made folder.
+    std::error_code ec;
+    createPrivateFolders(folders.application, ec);
+    fs::path staging;
     if (!ec)
-        fs::copy(folders.defaults, partial, fs::copy_options::recursive, ec);
-    if (!ec) {
-        // Shipped files are read-only; the user's copies must be writable.
-        fs::permissions(partial, fs::perms::owner_all, fs::perm_options::add, ec);
-        for (auto it = fs::recursive_directory_iterator(partial, ec); !ec && it != fs::recursive_directory_iterator();
-             it.increment(ec))
-            fs::permissions(it->path(), fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add, ec);
-    }
+        staging = makeStagingFolder(folders.application, ec);
     if (!ec)
-        fs::rename(partial, target, ec);
-    if (ec) {
+        copyPrivately(folders.defaults, staging, ec);
+    bool lost = false;
+    if (!ec)
+        lost = !renameIntoPlace(staging, target, ec);
+    if (ec || lost) {
         std::error_code ignored;
-        fs::remove_all(partial, ignored);
+        if (!staging.empty())
+            fs::remove_all(staging, ignored);
+    }
+    if (lost)
+        return Seeding::Present; // another program seeded it first: theirs is the data set
+    if (ec) {
         message = "The data folder " + target.string() + " could not be created from " + folders.defaults.string()
             + ": " + ec.message() + ".";
         return Seeding::Failed;
     }
+    syncFolder(folders.application);
     message = "Your data folder " + folders.application.string()
         + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.";
     return Seeding::Created;

@@ -1,4 +1,5 @@
 #include "AtomicFile.h"
+#include "TrustedLinks.h"
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -10,31 +11,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-// The kernel gives up after 40 links in a row; so do we.
-constexpr int MaxLinkHops = 40;
-
-// The path a write through `target` would reach: symbolic links in the last
-// component are followed, also when the final file does not exist yet.
-// Returns false for a loop of links.
-bool resolveLinks(fs::path target, fs::path &resolved)
-{
-    for (int hop = 0; hop <= MaxLinkHops; ++hop) {
-        struct stat st {};
-        if (::lstat(target.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) {
-            resolved = target;
-            return true;
-        }
-        std::string link(static_cast<std::size_t>(st.st_size > 0 ? st.st_size : 255) + 1, '\0');
-        ssize_t n = ::readlink(target.c_str(), link.data(), link.size());
-        if (n < 0 || static_cast<std::size_t>(n) >= link.size())
-            return false;
-        link.resize(static_cast<std::size_t>(n));
-        fs::path next(link);
-        target = next.is_absolute() ? next : target.parent_path() / next;
-    }
-    return false;
-}
-
 bool writeAll(int fd, std::string_view bytes)
 {
     std::size_t done = 0;
@@ -114,7 +90,8 @@ void keepOwnership(int fd, const struct stat &old)
 }
 }
 
-AtomicWriteResult stageFile(const fs::path &requested, std::string_view bytes, TstagedFile &staged)
+AtomicWriteResult stageFile(const fs::path &requested, std::string_view bytes, TstagedFile &staged,
+                            InPlaceWrites inPlace)
 {
     staged = {};
     // The kernel follows the links here, also the ones of /proc such as
@@ -122,9 +99,9 @@ AtomicWriteResult stageFile(const fs::path &requested, std::string_view bytes, T
     struct stat existing {};
     const bool exists = ::stat(requested.c_str(), &existing) == 0;
     if (exists && !S_ISREG(existing.st_mode))
-        return writeInPlace(requested, bytes);
+        return inPlace == InPlaceWrites::Allowed ? writeInPlace(requested, bytes) : AtomicWriteResult::CannotCreate;
     fs::path target;
-    if (!resolveLinks(requested, target))
+    if (!resolveTrustedLinks(requested, target))
         return AtomicWriteResult::CannotCreate;
     // An existing file that we may not write stays as it is. For root, whom
     // access() never refuses, the owner's write bit decides.
@@ -197,10 +174,10 @@ bool syncFolder(const fs::path &folder)
     return synced;
 }
 
-AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_view bytes)
+AtomicWriteResult writeFileAtomically(const fs::path &requested, std::string_view bytes, InPlaceWrites inPlace)
 {
     TstagedFile staged;
-    const AtomicWriteResult result = stageFile(requested, bytes, staged);
+    const AtomicWriteResult result = stageFile(requested, bytes, staged, inPlace);
     if (result != AtomicWriteResult::Ok)
         return result;
     if (!commitStagedFile(staged))

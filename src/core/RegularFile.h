@@ -2,7 +2,8 @@
 #include <filesystem>
 #include <fstream>
 
-// Opens a data file for binary reading, but only a regular file (links are
-// followed): a folder opens but reads as empty, and a FIFO or a device would
-// block or never end, so both count as files that cannot be opened.
+// Opens a data file for binary reading, but only a regular file: a folder, a FIFO or
+// a device counts as a file that cannot be opened, and none of them is ever opened in
+// a way that could block. Links are followed only where the kernel's protected_symlinks
+// rule would follow them (see TrustedLinks.h).
 bool openRegularFile(std::ifstream &in, const std::filesystem::path &path);

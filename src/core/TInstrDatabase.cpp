@@ -72,18 +72,27 @@ int TInstrDatabase::findFreeSlot(int previous)
     return -1;
 }
 
-int TInstrDatabase::importText(const fs::path &path)
+int TInstrDatabase::importText(const fs::path &path, const TopCodeTable *known, TcsvImportReport *report)
 {
     std::ifstream in;
     if (!openRegularFile(in, path))
         return -1;
+    TcsvImportReport ignored;
+    TcsvImportReport &left = report ? *report : ignored;
     TtextLineReader reader(in, CsvLineLimit);
     std::string line;
     int slot = -1;
     while (reader.next(line)) {
+        ++left.lines;
         TcsvFields fields;
-        if (!parseCsvLine(line, fields))
+        if (!parseCsvLine(line, fields)) {
+            ++left.malformed;
             continue;
+        }
+        if (known && !isKnownOpCode(*known, fields.opCode[0])) {
+            left.unknownOpCodes.push_back({left.lines, fields.opCode[0]});
+            continue;
+        }
         char category = fields.category.empty() ? ' ' : fields.category[0];
         if (category < 'A' || category > 'Z')
             category = ' ';
@@ -97,7 +106,7 @@ int TInstrDatabase::importText(const fs::path &path)
     return 0;
 }
 
-int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::path &path)
+int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::path &path, InPlaceWrites inPlace)
 {
     std::string text;
     for (const TInstr &record : records) {
@@ -108,7 +117,7 @@ int TInstrDatabase::exportText(const std::vector<TInstr> &records, const fs::pat
         text += record.commandText();
         text.push_back('\n');
     }
-    return writeFileAtomically(path, text) == AtomicWriteResult::Ok ? 0 : -1;
+    return writeFileAtomically(path, text, inPlace) == AtomicWriteResult::Ok ? 0 : -1;
 }
 
 int TInstrDatabase::loadMasterTable(std::vector<TInstr> &table, const fs::path &path, std::size_t limit)
@@ -174,12 +183,26 @@ std::string TInstrDatabase::nameOfRecord(TInstr &record)
     return names->begin()->second.name;
 }
 
+bool TInstrDatabase::isKnownOpCode(const TopCodeTable &table, char opCode)
+{
+    // Only an empty op code passes unchecked.
+    return opCode == 0 || table.count(opCode) != 0;
+}
+
+std::vector<std::size_t> TInstrDatabase::slotsWithUnknownOpCodes(const TopCodeTable &table) const
+{
+    std::vector<std::size_t> unknown;
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+        if (!isKnownOpCode(table, m_slots[i].opCode))
+            unknown.push_back(i + 1);
+    return unknown;
+}
+
 bool TInstrDatabase::repairUnknownOpCodes(const TopCodeTable &table)
 {
     bool repaired = false;
     for (TInstr &record : m_slots) {
-        // Only an empty op code passes unchecked.
-        if (record.opCode == 0 || table.count(record.opCode))
+        if (isKnownOpCode(table, record.opCode))
             continue;
         if (table.empty())
             throw std::runtime_error("Invalid Op Code");

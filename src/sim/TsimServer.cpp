@@ -9,6 +9,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
@@ -22,6 +23,14 @@ void log(const std::string &text)
 void setNonBlocking(int fd)
 {
     ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
+}
+
+// What a symbolic link points at; empty for anything else.
+std::string linkTarget(const std::filesystem::path &link)
+{
+    std::error_code ec;
+    const std::filesystem::path target = std::filesystem::read_symlink(link, ec);
+    return ec ? std::string() : target.string();
 }
 }
 
@@ -82,7 +91,18 @@ bool TsimServer::openPty(std::string &why)
     ::fcntl(m_ptySlaveFd, F_SETFD, FD_CLOEXEC);
 
     std::error_code ec;
-    std::filesystem::remove(m_options.ptyLink, ec);
+    // Only a link to a pseudo-terminal, one a simulator left behind, is ours to replace.
+    struct stat existing {};
+    if (::lstat(m_options.ptyLink.c_str(), &existing) == 0) {
+        if (linkTarget(m_options.ptyLink).rfind("/dev/pts/", 0) != 0) {
+            why = "refusing to replace " + m_options.ptyLink.string()
+                + ": it exists and is not a link to a pseudo-terminal";
+            ::close(master);
+            return false;
+        }
+        std::filesystem::remove(m_options.ptyLink, ec);
+    }
+    m_ptySlaveName = slaveName;
     std::filesystem::create_symlink(slaveName, m_options.ptyLink, ec);
     if (ec) {
         why = "cannot create the link " + m_options.ptyLink.string() + ": " + ec.message();
@@ -101,8 +121,10 @@ void TsimServer::closePty()
     detach(m_pty);
     ::close(m_ptySlaveFd);
     m_ptySlaveFd = -1;
+    // Whatever has taken the link's place since is left alone.
     std::error_code ec;
-    std::filesystem::remove(m_options.ptyLink, ec);
+    if (linkTarget(m_options.ptyLink) == m_ptySlaveName)
+        std::filesystem::remove(m_options.ptyLink, ec);
 }
 
 void TsimServer::attach(Channel &channel, int fd, const std::string &name)

@@ -38,6 +38,7 @@ private:
     TsimSession::Settings m_settings;
     int m_listenFd = -1;
     int m_ptySlaveFd = -1; // held open so the master survives the PC closing its side
+    std::string m_ptySlaveName;
     Channel m_client;
     Channel m_pty;
 };

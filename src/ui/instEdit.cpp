@@ -30,8 +30,10 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
+#include <fcntl.h>
 #include <new>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 constexpr int GridColumns = 4;
@@ -65,16 +67,30 @@ int categoryIndex(char letter)
     return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 1 : 0;
 }
 
-// The debug trace of the op-code list, rewritten whenever a record is shown.
+// The debug trace of the op-code list, rewritten whenever a record is shown. It lands
+// in whatever folder the program runs in, so it never follows a link and is written
+// only into a regular file of the user's own; otherwise there is no trace.
 void writeOpListTrace(const std::map<int, char> &revOpComboMap)
 {
-    std::ofstream trace("lstOpChange.log", std::ios::trunc);
-    trace << "revOpComboMap\n";
+    std::string text = "revOpComboMap\n";
     char line[32];
     for (const auto &[index, opCode] : revOpComboMap) {
         std::snprintf(line, sizeof line, "  %d - %c\n", index, opCode);
-        trace << line;
+        text += line;
     }
+    const int fd = ::open("lstOpChange.log", O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0600);
+    if (fd < 0)
+        return;
+    struct stat st {};
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_uid == ::geteuid() && ::ftruncate(fd, 0) == 0) {
+        for (std::size_t done = 0; done < text.size();) {
+            const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
+            if (n <= 0)
+                break;
+            done += static_cast<std::size_t>(n);
+        }
+    }
+    ::close(fd);
 }
 }
 

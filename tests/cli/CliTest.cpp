@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -111,7 +112,8 @@ TEST_F(CliTest, ImportAddsCheckitemsAfterTheUsedOnes)
     temp.write("in.csv", "E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\n");
     ProgramRun result = run({"import-csv", (temp / "in.csv").string(), "--appdir", appDir()});
     ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_TRUE(hasLine(result.out, "Imported 2 checkitems into " + (temp / "app/Data/mit.dat").string()));
+    EXPECT_TRUE(hasLine(result.out, "Imported 2 checkitems into " + (temp / "app/Data/mit.dat").string()
+                                        + "; skipped 1 line that is not category,op code,command"));
     const std::string after = TempDir::read(mitDat());
     ASSERT_EQ(after.size(), 45936u);
     EXPECT_EQ(after.substr(0, 37 * 44), before.substr(0, 37 * 44));
@@ -178,7 +180,7 @@ TEST_F(CliTest, UsageErrorsAndHelp)
 
 // A copy laid out as the package installs it: the first command seeds the per-user
 // folder (with one message), later commands work on it, and where says so.
-TEST_F(CliTest, InstalledCopySeedsThePerUserFolderOnceAndWhereNamesEveryFolder)
+TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserFolder)
 {
     const fs::path usr = temp / "root/usr";
     fs::create_directories(usr / "bin");
@@ -203,9 +205,22 @@ TEST_F(CliTest, InstalledCopySeedsThePerUserFolderOnceAndWhereNamesEveryFolder)
                          "help files:         " + (usr / "share/kt930pc").string() + "\n"
                          "shipped defaults:   " + (usr / "share/kt930pc/Data").string() + "\n");
 
+    // A reader creates nothing, also not where a relative folder would put it: it reads the shipped defaults.
     ProgramRun first = ProgramRun::runTool(ctl, {"show"}, temp.path());
     EXPECT_EQ(first.exitCode, 0);
-    EXPECT_EQ(first.err.substr(0, first.err.find('\n') + 1),
+    EXPECT_EQ(first.err, "kt930ctl: there is no data folder " + (userFolder / "Data").string()
+                             + " yet: reading the shipped defaults in " + (usr / "share/kt930pc/Data").string() + "\n");
+    fs::create_directories(temp / "cwd");
+    ProgramRun relative = ProgramRun::runTool("env", {"-C", (temp / "cwd").string(), ctl, "show", "--appdir", "rel/app"},
+                                              temp.path());
+    EXPECT_EQ(relative.out, first.out);
+    EXPECT_FALSE(fs::exists(home / ".local"));
+    EXPECT_TRUE(fs::is_empty(temp / "cwd"));
+
+    temp.write("empty.csv", "");
+    ProgramRun seeding = ProgramRun::runTool(ctl, {"import-csv", (temp / "empty.csv").string()}, temp.path());
+    EXPECT_EQ(seeding.exitCode, 0);
+    EXPECT_EQ(seeding.err.substr(0, seeding.err.find('\n') + 1),
               "kt930ctl: Your data folder " + userFolder.string()
                   + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n");
     EXPECT_EQ(TempDir::read(userFolder / "Data/mit.dat"), TempDir::read(usr / "share/kt930pc/Data/mit.dat"));
@@ -218,4 +233,78 @@ TEST_F(CliTest, InstalledCopySeedsThePerUserFolderOnceAndWhereNamesEveryFolder)
     where = ProgramRun::runTool(ctl, {"where", "--appdir", appDir()}, temp.path());
     EXPECT_TRUE(hasLine(where.out, "application folder: " + appDir()));
     EXPECT_TRUE(hasLine(where.out, "  because --appdir was given"));
+}
+
+TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
+{
+    const std::string before = TempDir::read(mitDat());
+    const std::string into = "Imported 0 checkitems into " + mitDat().string();
+    std::string noCommas;
+    for (int i = 0; i < 1234; ++i)
+        noCommas += "no comma\n";
+    const struct {
+        std::string csv;
+        int exitCode;
+        std::string out;
+    } cases[] = {
+        {"", 0, into + "\n"},
+        {noCommas, 1,
+         into + "; skipped 1234 lines that are not category,op code,command\n"},
+        {"A,Z,zap\nA,Z,zap\n,0,x\nA,Z,zap\nA,Z,zap\nA,Z,zap\nA,Z,zap\n", 1,
+         into + "; skipped 7 lines with an op code that no definition file knows: line 1 (Z), line 2 (Z), "
+                "line 3 (0), line 4 (Z), line 5 (Z) and 2 more\n"},
+        {"B,Z,zap\nA,K,ok\nno comma\n,0,x\n", 0,
+         "Imported 1 checkitems into " + mitDat().string() + "; skipped 3 lines: 1 that is not category,op code,"
+         "command, 2 with an op code that no definition file knows: line 1 (Z), line 4 (0)\n"},
+    };
+    for (const auto &c : cases) {
+        temp.write("in.csv", c.csv);
+        ProgramRun result = run({"import-csv", (temp / "in.csv").string(), "--appdir", appDir()});
+        EXPECT_EQ(result.exitCode, c.exitCode) << c.out;
+        EXPECT_EQ(result.out, c.out);
+    }
+    const std::string after = TempDir::read(mitDat());
+    EXPECT_EQ(after.substr(37 * 44, 44), ByteBuilder::checkitem('A', 'K', "ok"));
+    EXPECT_EQ(after.substr(38 * 44), before.substr(38 * 44));
+}
+
+TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWrite)
+{
+    const fs::path data = temp / "app/Data";
+    fs::permissions(data, fs::perms::group_write, fs::perm_options::add);
+    fs::permissions(data / "usertester2.asq", fs::perms::others_write, fs::perm_options::add);
+    ProgramRun result = run({"show", "--appdir", appDir()});
+    ASSERT_EQ(result.exitCode, 0);
+    EXPECT_NE(result.out.find("\nPermission warnings:\n  Data folder " + data.string()
+                              + " is writable by other users: run chmod go-w " + data.string() + "\n  Data file "
+                              + (data / "usertester2.asq").string() + " is writable by other users: run chmod go-w "
+                              + (data / "usertester2.asq").string() + "\n\nCheckitems"),
+              std::string::npos)
+        << result.out;
+}
+
+TEST_F(CliTest, AnUnreadableApplicationFolderIsSaidPlainly)
+{
+    temp.write("file", "not a folder");
+    for (const char *command : {"show", "export-csv"}) {
+        std::vector<std::string> arguments{command, "--appdir", (temp / "file").string()};
+        if (std::string(command) == "export-csv")
+            arguments.push_back((temp / "out.csv").string());
+        ProgramRun result = run(arguments);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_EQ(result.err, "kt930ctl " + std::string(command) + ": the application folder "
+                                  + (temp / "file").string() + " cannot be read (Not a directory)\n");
+    }
+    if (::geteuid() == 0 && ProgramRun::runTool("setpriv", {"--help"}, temp.path()).exitCode == 0) {
+        fs::permissions(temp.path(), fs::perms::others_exec, fs::perm_options::add);
+        fs::create_directories(temp / "locked");
+        fs::permissions(temp / "locked", fs::perms::none);
+        ProgramRun result = ProgramRun::runTool(
+            "setpriv", {"--reuid=65534", "--regid=65534", "--clear-groups", std::string(KT930_TEST_APPDIR) + "/kt930ctl",
+                        "import-csv", "x.csv", "--appdir", (temp / "locked").string()},
+            temp.path());
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_EQ(result.err, "kt930ctl import-csv: the application folder " + (temp / "locked").string()
+                                  + " cannot be read (Permission denied)\n");
+    }
 }

@@ -130,6 +130,26 @@ TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
     EXPECT_EQ(TempDir::read(pcData("mit.dat")) + TempDir::read(pcData("testProc.asq")), files);
 }
 
+TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForced)
+{
+    for (const char *name : DataFiles)
+        fs::copy_file(demoData() / name, pcData(name));
+    std::string table = TempDir::read(demoData() / "mit.dat");
+    table[1 * 44 + 1] = 'Z';
+    table[19 * 44 + 1] = '0';
+    temp.write("pc/Data/mit.dat", table);
+    const std::string at = address(9);
+    // Refused before any connection is tried.
+    EXPECT_EQ(ctl({"upload", "--ethernet", at}), 1);
+    EXPECT_EQ(stderrText, "kt930ctl upload: not sending, checkitems with an op code that no definition file knows: "
+                          "slot 2 (Z), slot 20 (0) (--force sends them all the same)\n");
+
+    auto sim = startSimulator(at);
+    ASSERT_EQ(ctl({"upload", "--force", "--ethernet", at}), 0) << stderrText;
+    sim->stop();
+    EXPECT_EQ(TempDir::read(temp / "memory.bin").substr(0, 45936), table);
+}
+
 TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
 {
     EXPECT_EQ(ctl({"download"}), 2);

@@ -2,7 +2,9 @@
 // and the first-start copy of the shipped defaults into a per-user folder.
 #include "AppDir.h"
 #include "TempDir.h"
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -130,4 +132,33 @@ TEST_F(AppDirTest, AFolderThatCannotBeMadeIsReportedAndLeavesNothingBehind)
     EXPECT_EQ(message.rfind(expected, 0), 0u)
         << message;
     EXPECT_EQ(TempDir::read(temp / "xdg"), "a file where the folder should be");
+}
+
+TEST_F(AppDirTest, ProgramsSeedingOneNewFolderAtOnceAllSucceedWithTheWholePrivateSet)
+{
+    const fs::path bin = install();
+    for (int round = 0; round < 10; ++round) {
+        const fs::path xdg = temp / ("xdg" + std::to_string(round));
+        const TappFolders folders = TappDir::resolve(environment(bin, xdg.string()));
+        std::vector<TappDir::Seeding> results(8);
+        std::vector<std::thread> programs;
+        for (TappDir::Seeding &result : results)
+            programs.emplace_back([&] {
+                std::string message;
+                result = TappDir::seed(folders, message);
+            });
+        for (std::thread &program : programs)
+            program.join();
+        EXPECT_EQ(std::count(results.begin(), results.end(), TappDir::Seeding::Created), 1);
+        EXPECT_EQ(std::count(results.begin(), results.end(), TappDir::Seeding::Present), 7);
+
+        std::vector<std::string> left;
+        for (const auto &entry : fs::recursive_directory_iterator(xdg / "kt930pc"))
+            left.push_back(entry.path().lexically_relative(xdg / "kt930pc").string() + " "
+                           + std::to_string(static_cast<unsigned>(entry.status().permissions())));
+        std::sort(left.begin(), left.end());
+        EXPECT_EQ(left, (std::vector<std::string>{"Data 448", "Data/catdes.dat 384", "Data/passfail.in 384"}));
+        EXPECT_EQ(fs::status(xdg).permissions(), fs::perms::owner_all);
+        EXPECT_EQ(TempDir::read(xdg / "kt930pc/Data/passfail.in"), "shipped definitions");
+    }
 }

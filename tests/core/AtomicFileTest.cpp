@@ -63,20 +63,40 @@ TEST(AtomicWriteTarget, LinkLoopAndFolderAreRefusedAndKept)
     EXPECT_EQ(entriesIn(dir.path()), 3u);
 }
 
-TEST(AtomicWriteTarget, FifoIsWrittenInPlace)
+// Only a caller that asks for it (an export to a pipe) writes into a FIFO; a data
+// file's save never opens one, so it cannot hang on it.
+TEST(AtomicWriteTarget, FifoIsRefusedUnlessInPlaceWritesAreAllowed)
 {
+    for (InPlaceWrites inPlace : {InPlaceWrites::Refused, InPlaceWrites::Allowed}) {
+        TempDir dir;
+        auto fifo = dir / "out.csv";
+        ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+        int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
+        ASSERT_GE(reader, 0);
+        const bool allowed = inPlace == InPlaceWrites::Allowed;
+        ASSERT_EQ(writeFileAtomically(fifo, "B,M,text\n", inPlace),
+                  allowed ? AtomicWriteResult::Ok : AtomicWriteResult::CannotCreate);
+        char buffer[64] = {};
+        ssize_t n = ::read(reader, buffer, sizeof buffer);
+        ::close(reader);
+        EXPECT_EQ(std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0), allowed ? "B,M,text\n" : "");
+        EXPECT_TRUE(S_ISFIFO(statOf(fifo).st_mode));
+        EXPECT_EQ(entriesIn(dir.path()), 1u);
+    }
+}
+
+TEST(AtomicWriteTarget, LinkPlantedByAnotherUserIsRefusedAndItsTargetKept)
+{
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "links of another user can only be made by root";
     TempDir dir;
-    auto fifo = dir / "out.csv";
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    int reader = ::open(fifo.c_str(), O_RDONLY | O_NONBLOCK);
-    ASSERT_GE(reader, 0);
-    ASSERT_EQ(writeFileAtomically(fifo, "B,M,text\n"), AtomicWriteResult::Ok);
-    char buffer[64] = {};
-    ssize_t n = ::read(reader, buffer, sizeof buffer);
-    ::close(reader);
-    EXPECT_EQ(std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0), "B,M,text\n");
-    EXPECT_TRUE(S_ISFIFO(statOf(fifo).st_mode));
-    EXPECT_EQ(entriesIn(dir.path()), 1u);
+    auto victim = dir.write("victim.conf", "root's");
+    fs::create_directories(dir / "Data");
+    fs::create_symlink(victim, dir / "Data/usertester5.asq");
+    ASSERT_EQ(::lchown((dir / "Data/usertester5.asq").c_str(), 4242, 4242), 0);
+    EXPECT_EQ(writeFileAtomically(dir / "Data/usertester5.asq", "x"), AtomicWriteResult::CannotCreate);
+    EXPECT_EQ(TempDir::read(victim), "root's");
+    EXPECT_EQ(entriesIn(dir / "Data"), 1u);
 }
 
 TEST(AtomicWriteOwnership, ReplacedFileKeepsOwnerGroupAndMode)

@@ -245,6 +245,37 @@ TEST_F(SimulatorTest, ServesAPseudoTerminalAndRemovesItsLinkOnStop)
     EXPECT_FALSE(fs::exists(fs::symlink_status(link)));
 }
 
+TEST_F(SimulatorTest, PseudoTerminalLinkReplacesOnlyAStaleLinkOfItsKindAndLeavesOthersAlone)
+{
+    const fs::path link = temp / "ttyKT930";
+    fs::create_symlink("/dev/pts/999", link); // left behind by a simulator that was killed
+    {
+        TsimProcess sim({"--pty", link.string(), "--appdir", KT930_TEST_APPDIR});
+        ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
+        const fs::path slave = fs::read_symlink(link);
+        EXPECT_NE(slave, "/dev/pts/999");
+        // Someone else's link took the place meanwhile: it stays.
+        fs::remove(link);
+        fs::create_symlink("/dev/pts/998", link);
+        EXPECT_EQ(sim.stop(), 0);
+        EXPECT_EQ(fs::read_symlink(link), "/dev/pts/998");
+    }
+    fs::remove(link);
+    temp.write("ttyKT930", "a user's file");
+    fs::create_directories(temp / "folder");
+    fs::create_symlink(temp / "folder", temp / "toFolder");
+    for (const char *name : {"ttyKT930", "folder", "toFolder"}) {
+        TsimProcess sim({"--pty", (temp / name).string(), "--appdir", KT930_TEST_APPDIR});
+        EXPECT_EQ(sim.waitExit(), 1);
+        EXPECT_TRUE(sim.log().ends_with("\nkt930sim: refusing to replace " + (temp / name).string()
+                                        + ": it exists and is not a link to a pseudo-terminal\n"))
+            << sim.log();
+    }
+    EXPECT_EQ(TempDir::read(temp / "ttyKT930"), "a user's file");
+    EXPECT_TRUE(fs::is_directory(fs::symlink_status(temp / "folder")));
+    EXPECT_EQ(fs::read_symlink(temp / "toFolder"), temp / "folder");
+}
+
 // 264 bytes at 960 bytes a second take at least 275 ms, both ways.
 TEST_F(SimulatorTest, BaudRatePacesTheOutputAndTheInput)
 {

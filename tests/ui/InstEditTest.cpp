@@ -26,6 +26,7 @@
 #include <QTableWidget>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 using Messages = std::vector<Message>;
@@ -186,6 +187,20 @@ TEST_F(Editor, OpensOnTheFirstSlotsWithNamesListOrderTraceAndSilentRepair)
     EXPECT_EQ(editor->focusWidget(), child(editor.get(), "btnNewInst"));
     EXPECT_EQ(fieldTexts(editor.get()), (QStringList{"", ""}));
     EXPECT_EQ(header(editor.get())->sortColumn(), 0);
+}
+
+TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
+{
+    const std::filesystem::path victim = appDir.dir().write("victim", "kept");
+    std::filesystem::create_symlink(victim, "lstOpChange.log");
+    open();
+    EXPECT_EQ(TempDir::read(victim), "kept");
+    EXPECT_TRUE(std::filesystem::is_symlink("lstOpChange.log"));
+
+    std::filesystem::remove("lstOpChange.log");
+    ASSERT_EQ(::mkfifo("lstOpChange.log", 0600), 0);
+    open(); // no reader: a blocking open would never return
+    EXPECT_EQ(std::filesystem::status("lstOpChange.log").type(), std::filesystem::file_type::fifo);
 }
 
 TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
