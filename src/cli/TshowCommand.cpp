@@ -1,6 +1,5 @@
 #include "TshowCommand.h"
 #include "CategoryDescriptors.h"
-#include "FolderPermissions.h"
 #include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
@@ -27,7 +26,7 @@ struct Tchecklist {
 };
 struct Treport {
     std::vector<Message> messages;
-    std::vector<std::string> permissionWarnings;
+    std::vector<std::string> folderWarnings;
     std::vector<Tcheckitem> checkitems;
     std::vector<std::string> inspections;
     std::vector<Ttester> testers;
@@ -92,7 +91,7 @@ Treport gather(const std::filesystem::path &appDir)
         report.checklists.push_back(shown);
     }
     report.messages = sink.messages();
-    report.permissionWarnings = permissionWarnings(data.dataFolder());
+    report.folderWarnings = data.folderWarnings();
     return report;
 }
 
@@ -118,9 +117,9 @@ void printText(const Treport &report, std::ostream &out)
             start = end + 1;
         }
     }
-    if (!report.permissionWarnings.empty())
-        out << "\nPermission warnings:\n";
-    for (const std::string &warning : report.permissionWarnings)
+    if (!report.folderWarnings.empty())
+        out << "\nData folder warnings:\n";
+    for (const std::string &warning : report.folderWarnings)
         out << "  " << warning << "\n";
     out << "\nCheckitems (" << report.checkitems.size() << " used):\n";
     for (const Tcheckitem &item : report.checkitems) {
@@ -150,9 +149,9 @@ void printJson(const Treport &report, std::ostream &out)
     for (std::size_t i = 0; i < report.messages.size(); ++i)
         out << (i ? ",\n" : "\n") << "    {\"caption\": " << q(utf8(report.messages[i].caption))
             << ", \"text\": " << q(utf8(report.messages[i].text)) << "}";
-    out << "\n  ],\n  \"permissionWarnings\": [";
-    for (std::size_t i = 0; i < report.permissionWarnings.size(); ++i)
-        out << (i ? ",\n" : "\n") << "    " << q(report.permissionWarnings[i]);
+    out << "\n  ],\n  \"folderWarnings\": [";
+    for (std::size_t i = 0; i < report.folderWarnings.size(); ++i)
+        out << (i ? ",\n" : "\n") << "    " << q(report.folderWarnings[i]);
     out << "\n  ],\n  \"checkitems\": [";
     for (std::size_t i = 0; i < report.checkitems.size(); ++i) {
         const Tcheckitem &item = report.checkitems[i];

@@ -4,6 +4,7 @@
 #include "MessageSink.h"
 #include "OpCodeDefinitions.h"
 #include "autosequenceFileStructs.h"
+#include "FolderPermissions.h"
 #include "RegularFile.h"
 #include "TdataFolderLock.h"
 #include "TfileSetWriter.h"
@@ -288,7 +289,7 @@ std::vector<std::string> TdataSet::unreadableFiles() const
 
 std::vector<std::string> TdataSet::folderWarnings() const
 {
-    std::vector<std::string> lines;
+    std::vector<std::string> lines = permissionWarnings(dataFolder());
     for (const std::string &name : unreadableFiles())
         lines.push_back(dataFile(name).string() + " could not be read: before a save replaces it, its content is kept as "
                         + name + ".unreadable-<date>-<time> beside it.");

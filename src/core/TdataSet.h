@@ -65,7 +65,8 @@ public:
     // The data files that failed to load and are not yet kept aside.
     std::vector<std::string> unreadableFiles() const;
     // What a technician should know about the folder after a load or a save, one line
-    // each: files that failed to load and where their bytes will be kept.
+    // each: a folder or file others may write, files that failed to load and where
+    // their bytes will be kept.
     std::vector<std::string> folderWarnings() const;
     // The name a file that failed to load is kept under when a save replaces it.
     static std::string unreadableCopyName(const std::string &name);

@@ -268,17 +268,20 @@ TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
     EXPECT_EQ(after.substr(38 * 44), before.substr(38 * 44));
 }
 
-TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWrite)
+TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWriteAndOfAnUnreadableFile)
 {
     const fs::path data = temp / "app/Data";
     fs::permissions(data, fs::perms::group_write, fs::perm_options::add);
     fs::permissions(data / "usertester2.asq", fs::perms::others_write, fs::perm_options::add);
+    fs::resize_file(data / "inspection.asq", 100);
     ProgramRun result = run({"show", "--appdir", appDir()});
     ASSERT_EQ(result.exitCode, 0);
-    EXPECT_NE(result.out.find("\nPermission warnings:\n  Data folder " + data.string()
+    EXPECT_NE(result.out.find("\nData folder warnings:\n  Data folder " + data.string()
                               + " is writable by other users: run chmod go-w " + data.string() + "\n  Data file "
                               + (data / "usertester2.asq").string() + " is writable by other users: run chmod go-w "
-                              + (data / "usertester2.asq").string() + "\n\nCheckitems"),
+                              + (data / "usertester2.asq").string() + "\n  " + (data / "inspection.asq").string()
+                              + " could not be read: before a save replaces it, its content is kept as "
+                                "inspection.asq.unreadable-<date>-<time> beside it.\n\nCheckitems"),
               std::string::npos)
         << result.out;
 }
