@@ -1,22 +1,28 @@
 // The host window loading the real plug-in library: button, view swap, return,
 // ReloadData when the frame is shown again; its menus, About box, status line,
-// remembered geometry and the first-start message of a new data folder.
+// remembered geometry, the first-start message of a new data folder, restore
+// points and a data folder that another program has open.
 #include "AutosequenceConversions.h"
 #include "ThostMainWindow.h"
 #include "UiTestSupport.h"
 #include "THelpWindow.h"
+#include "TdataFolderSession.h"
 #include "TempDir.h"
+#include "TrestorePoints.h"
 #include <QApplication>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -161,7 +167,7 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTh
             entries << entry->text();
     }
     EXPECT_EQ(menus, (QStringList{"&File", "&Help"}));
-    EXPECT_EQ(entries, (QStringList{"&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
+    EXPECT_EQ(entries, (QStringList{"&Restore Previous Data Set...", "", "&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
                                     "&About KT930 Plus PC", "About &Qt"}));
 
     // A help entry opens its file at the first page.
@@ -291,5 +297,95 @@ TEST_F(HostTest, APluginThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOthersSti
     EXPECT_FALSE(boxes.seen());
     EXPECT_EQ(window.pluginCount(), 1);
     EXPECT_EQ(window.pluginErrors(), 1);
+}
+
+// The caption and text of a message box, after pressing its button.
+struct BoxSeen {
+    QString caption, text;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+    static void answer(BoxSeen &seen, QMessageBox::StandardButton button, std::function<void()> then = {})
+    {
+        whenModal([&seen, button, then](QWidget *widget) {
+            auto *box = qobject_cast<QMessageBox *>(widget);
+            ASSERT_NE(box, nullptr) << widget->windowTitle().toStdString();
+            seen = {box->windowTitle(), box->text(), box->standardButton(box->defaultButton())};
+            if (then)
+                then();
+            box->button(button)->click();
+        });
+    }
+};
+
+TEST_F(HostTest, RestorePreviousDataSetListsConfirmsAndPutsTheFilesBackOnlyFromTheMainView)
+{
+    ThostMainWindow window(folders());
+    window.show();
+    QAction *restore = window.findChild<QAction *>(QStringLiteral("actionRestore"));
+    const fs::path data = appDir.dir().path() / "Data";
+    BoxSeen seen;
+    BoxSeen::answer(seen, QMessageBox::Ok);
+    restore->trigger();
+    EXPECT_EQ(seen.text, QStringLiteral("There are no restore points in ") + QString::fromStdString(data.string())
+                             + QStringLiteral(".\nA download, a sync or an import keeps the files it replaces as one."));
+
+    // A frame on show may hold edits of the files: the user goes back first.
+    window.showPlugin(0);
+    BoxSeen::answer(seen, QMessageBox::Ok);
+    restore->trigger();
+    EXPECT_EQ(seen.text, QStringLiteral("Return to the main window first, so that the open view saves its changes."));
+    child<QPushButton>(window.container()->findChild<Tkt930Frame *>(), "BtnExit")->click();
+
+    const std::string original = appDir.readData("mit.dat");
+    std::string why;
+    ASSERT_TRUE(TrestorePoints(data).create("sync", {"mit.dat"}, why)) << why;
+    const QString time = QString::fromStdString(TrestorePoints(data).list().at(0).time);
+    appDir.writeData("mit.dat", "replaced by the sync");
+
+    QStringList rows;
+    BoxSeen confirmation, done;
+    whenModal([&](QWidget *dialog) {
+        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Restore Previous Data Set"));
+        auto *list = child<QListWidget>(dialog, "restorePoints");
+        for (int i = 0; i < list->count(); ++i)
+            rows << list->item(i)->text();
+        BoxSeen::answer(confirmation, QMessageBox::Yes, [&] { BoxSeen::answer(done, QMessageBox::Ok); });
+        dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
+    });
+    restore->trigger();
+    EXPECT_EQ(rows, QStringList{QStringLiteral("1.  ") + time + QStringLiteral("  sync:  mit.dat")});
+    EXPECT_EQ(confirmation.caption, QStringLiteral("Restore Previous Data Set"));
+    EXPECT_EQ(confirmation.text, QStringLiteral("Put back the files that \"sync\" replaced on ") + time
+                                     + QStringLiteral("?\n\nThe current files are kept as a restore point first, so "
+                                                      "this can be undone."));
+    EXPECT_EQ(confirmation.defaultButton, QMessageBox::No);
+    EXPECT_EQ(done.text, QStringLiteral("The files that \"sync\" replaced on ") + time
+                             + QStringLiteral(" were put back.\nThe files they replaced are now restore point 1."));
+    EXPECT_EQ(appDir.readData("mit.dat"), original);
+    const std::vector<TrestorePoint> points = TrestorePoints(data).list();
+    ASSERT_EQ(points.size(), 2u);
+    EXPECT_EQ(TempDir::read(points[0].folder / "mit.dat"), "replaced by the sync");
+}
+
+TEST_F(HostTest, ASecondHostOnTheDataFolderAsksWhetherToGoOnOrSaysSoOnStderr)
+{
+    const fs::path data = appDir.dir().path() / "Data";
+    const TdataFolderSession first(data), second(data);
+    ASSERT_TRUE(second.inUse());
+    const std::string warning = "The data folder\n" + data.string() + "\nis in use by another KT930 program (process "
+        + std::to_string(::getpid()) + ").\n\nBoth may change the same files. Before each save this program checks "
+                                       "for changes made by the other and asks which version to keep.";
+    BoxSeen seen;
+    BoxSeen::answer(seen, QMessageBox::No);
+    EXPECT_FALSE(ThostMainWindow::continueWithDataFolderInUse(second, data));
+    EXPECT_EQ(seen.caption, QStringLiteral("Data Folder In Use"));
+    EXPECT_EQ(seen.text.toStdString(), warning + "\n\nContinue anyway?");
+    EXPECT_EQ(seen.defaultButton, QMessageBox::Yes);
+
+    BoxWatch boxes;
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(ThostMainWindow::continueWithDataFolderInUse(second, data, ThostMainWindow::Reporting::Console));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "kt930pc: " + warning + "\n");
+    EXPECT_TRUE(ThostMainWindow::continueWithDataFolderInUse(first, data));
+    EXPECT_FALSE(boxes.seen());
 }
 }
