@@ -58,11 +58,14 @@ struct PointName {
 };
 
 // A folder planted by another user, or a link to one, would receive copies of our data
-// and offer its own files to a restore.
+// and offer its own files to a restore. Ours, or the data folder owner's (root working
+// on a user's folder), as the kernel's protected_symlinks rule trusts.
 bool isOwnFolder(const fs::path &folder)
 {
-    struct stat st {};
-    return ::lstat(folder.c_str(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == ::geteuid();
+    struct stat st {}, parent {};
+    return ::lstat(folder.c_str(), &st) == 0 && S_ISDIR(st.st_mode)
+        && (st.st_uid == ::geteuid()
+            || (::stat(folder.parent_path().c_str(), &parent) == 0 && st.st_uid == parent.st_uid));
 }
 
 // Newest first.
