@@ -59,6 +59,7 @@ int main(int argc, char *argv[])
     const TappFolders folders = TappDir::folders();
     ThostMainWindow::prepareDataFolder(folders, reporting);
     const std::filesystem::path dataFolder = TappDir::dataFolder(folders.application);
+    // Held until the host ends, so that a second host on this folder can say who has it.
     const TdataFolderSession session(dataFolder);
     if (!ThostMainWindow::continueWithDataFolderInUse(session, dataFolder, reporting))
         return 0;
