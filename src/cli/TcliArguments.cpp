@@ -42,8 +42,8 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
         }
     }
     if (positional.size() != positionalCount) {
-        why = positionalCount ? "expected " + std::to_string(positionalCount) + " file name" : "unexpected argument "
-                + positional.front();
+        why = positionalCount ? "expected " + std::to_string(positionalCount) + (positionalCount > 1 ? " arguments" : " argument")
+                              : "unexpected argument " + positional.front();
         return false;
     }
     folders = TappDir::folders();

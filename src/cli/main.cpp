@@ -5,9 +5,12 @@
 #include "TprintSequenceCommand.h"
 #endif
 #include "TimportCsvCommand.h"
+#include "TrestoreCommand.h"
+#include "TrestorePointsCommand.h"
 #include "TshowCommand.h"
 #include "TtransferCommand.h"
 #include "TwhereCommand.h"
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -25,6 +28,8 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Sync));
+    commands.push_back(std::make_unique<TrestorePointsCommand>());
+    commands.push_back(std::make_unique<TrestoreCommand>());
     commands.push_back(std::make_unique<TwhereCommand>());
     return commands;
 }
@@ -33,9 +38,12 @@ std::string overview(const std::vector<std::unique_ptr<TcliCommand>> &commands)
 {
     std::string text = "Usage: kt930ctl <command> [options]\n"
                        "Works on the data set of an application folder (its Data/ folder).\n\nCommands:\n";
+    std::size_t width = 0;
+    for (const auto &command : commands)
+        width = std::max(width, command->name().size() + 2);
     for (const auto &command : commands) {
-        std::string name = command->name();
-        text += "  " + name + std::string(name.size() < 12 ? 12 - name.size() : 1, ' ') + command->summary() + "\n";
+        const std::string name = command->name();
+        text += "  " + name + std::string(width - name.size(), ' ') + command->summary() + "\n";
     }
     text += "\nEvery command takes --appdir DIR (default: as kt930ctl where says) and --help.\n"
             "Exit codes: 0 success, 1 failure, 2 bad command line.\n";

@@ -1,11 +1,14 @@
 #include "TrestorePoints.h"
 #include "TdataFolderLock.h"
+#include "TdataSet.h"
 #include "TfileSetWriter.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -54,10 +57,23 @@ struct PointName {
     }
 };
 
+// A folder planted by another user, or a link to one, would receive copies of our data
+// and offer its own files to a restore. Ours, or the data folder owner's (root working
+// on a user's folder), as the kernel's protected_symlinks rule trusts.
+bool isOwnFolder(const fs::path &folder)
+{
+    struct stat st {}, parent {};
+    return ::lstat(folder.c_str(), &st) == 0 && S_ISDIR(st.st_mode)
+        && (st.st_uid == ::geteuid()
+            || (::stat(folder.parent_path().c_str(), &parent) == 0 && st.st_uid == parent.st_uid));
+}
+
 // Newest first.
 std::vector<fs::path> pointFolders(const fs::path &folder)
 {
     std::vector<fs::path> result;
+    if (!isOwnFolder(folder))
+        return result;
     std::error_code ec;
     for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec))
         if (it->is_directory(ec) && !it->is_symlink(ec) && it->path().extension().empty())
@@ -75,8 +91,12 @@ TrestorePoints::TrestorePoints(fs::path dataFolder) : m_dataFolder(std::move(dat
 bool TrestorePoints::create(const std::string &action, const std::vector<std::string> &names, std::string &why)
 {
     std::error_code ec;
-    if (!fs::is_directory(folder(), ec) && ::mkdir(folder().c_str(), 0700) != 0) {
+    if (::mkdir(folder().c_str(), 0700) != 0 && errno != EEXIST) {
         why = "The restore point folder " + folder().string() + " cannot be created.";
+        return false;
+    }
+    if (!isOwnFolder(folder())) {
+        why = "The restore point folder " + folder().string() + " is not a folder of your own.";
         return false;
     }
     const std::string stamp = timeStamp();
@@ -96,7 +116,8 @@ bool TrestorePoints::create(const std::string &action, const std::vector<std::st
             if (fs::exists(file, ec))
                 kept = kept && keepCopyOf(file, partial / name);
         }
-        std::ofstream(partial / ActionFile) << action << "\n";
+        // Flushed like the copies: a point without its action after a power cut is not listed right.
+        kept = kept && writeFileAtomically(partial / ActionFile, action + "\n") == AtomicWriteResult::Ok;
         // Complete before it takes its name: a half-made restore point is never listed.
         if (!kept || !syncFolder(partial) || std::rename(partial.c_str(), point.c_str()) != 0) {
             fs::remove_all(partial, ec);
@@ -142,6 +163,9 @@ bool TrestorePoints::restore(int number, std::string &why)
         why = lock.failure();
         return false;
     }
+    // A save killed half way is finished first: its own record would be overwritten by ours,
+    // and the restore point of what we replace must be a consistent set.
+    TfileSetWriter::recover(m_dataFolder, TdataSet::fileNames());
     const std::vector<TrestorePoint> points = list();
     if (number < 1 || number > int(points.size())) {
         why = points.empty() ? "There are no restore points in " + folder().string() + "."

@@ -1,5 +1,9 @@
 #include "ThostMainWindow.h"
 #include "THelpWindow.h"
+#include "TdataFolderLock.h"
+#include "TdataFolderSession.h"
+#include "TrestorePointDialog.h"
+#include "TrestorePoints.h"
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
@@ -21,6 +25,7 @@
 
 namespace {
 const QString ProgramName = QStringLiteral("KT930 Plus PC");
+const QString RestoreCaption = QStringLiteral("Restore Previous Data Set");
 
 QString text(const std::filesystem::path &path)
 {
@@ -84,6 +89,9 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
 void ThostMainWindow::createMenus()
 {
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->addAction(QStringLiteral("&Restore Previous Data Set..."), this, &ThostMainWindow::restorePreviousDataSet)
+        ->setObjectName(QStringLiteral("actionRestore"));
+    file->addSeparator();
     QAction *quit = file->addAction(QStringLiteral("&Quit"), this, &QWidget::close);
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QKeySequence::Quit);
@@ -129,6 +137,85 @@ void ThostMainWindow::prepareDataFolder(const TappFolders &folders, Reporting re
         return;
     tell(reporting, seeding == TappDir::Seeding::Created ? QMessageBox::Information : QMessageBox::Warning, ProgramName,
          QString::fromStdString(message));
+}
+
+bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &session, const std::filesystem::path &dataFolder,
+                                                  Reporting reporting)
+{
+    if (!session.inUse())
+        return true;
+    const QString process = session.holder() > 0 ? QStringLiteral(" (process %1)").arg(session.holder()) : QString();
+    const QString warning = QStringLiteral("The data folder\n%1\nis in use by another KT930 program%2.\n\n"
+                                           "Both may change the same files. Before each save this program checks for "
+                                           "changes made by the other and asks which version to keep.")
+                                .arg(text(dataFolder), process);
+    if (reporting == Reporting::Console) {
+        std::fprintf(stderr, "kt930pc: %s\n", warning.toLocal8Bit().constData());
+        return true;
+    }
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Data Folder In Use"),
+                    warning + QStringLiteral("\n\nContinue anyway?"), QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes;
+}
+
+void ThostMainWindow::restorePreviousDataSet()
+{
+    if (m_mainView->isHidden()) {
+        QMessageBox::information(this, RestoreCaption,
+                                 QStringLiteral("Return to the main window first, so that the open view saves its changes."));
+        return;
+    }
+    const std::filesystem::path dataFolder = TappDir::dataFolder(m_folders.application);
+    TrestorePoints restorePoints(dataFolder);
+    const std::vector<TrestorePoint> points = restorePoints.list();
+    if (points.empty()) {
+        QMessageBox::information(this, RestoreCaption,
+                                 QStringLiteral("There are no restore points in %1.\nA download, a sync or an import keeps "
+                                                "the files it replaces as one.")
+                                     .arg(text(dataFolder)));
+        return;
+    }
+    TrestorePointDialog dialog(points, this);
+    if (dialog.exec() != QDialog::Accepted || dialog.chosenNumber() < 1)
+        return;
+    const TrestorePoint chosen = points[std::size_t(dialog.chosenNumber() - 1)];
+    const QString when = QString::fromStdString(chosen.time), action = QString::fromStdString(chosen.action);
+    QMessageBox confirm(QMessageBox::Question, RestoreCaption,
+                        QStringLiteral("Put back the files that \"%1\" replaced on %2?\n\nThe current files are kept as "
+                                       "a restore point first, so this can be undone.")
+                            .arg(action, when),
+                        QMessageBox::Yes | QMessageBox::No, this);
+    confirm.setDefaultButton(QMessageBox::No);
+    if (confirm.exec() != QMessageBox::Yes)
+        return;
+
+    // Another program may have added a restore point while the user chose: find ours again under the lock.
+    std::string why;
+    bool restored = false;
+    {
+        TdataFolderLock lock(dataFolder);
+        if (!lock.locked()) {
+            why = lock.failure();
+        } else {
+            int number = 0;
+            for (const TrestorePoint &point : restorePoints.list())
+                if (point.folder == chosen.folder)
+                    number = point.number;
+            if (number == 0)
+                why = "The restore point is no longer there.";
+            else
+                restored = restorePoints.restore(number, why);
+        }
+    }
+    if (restored)
+        QMessageBox::information(this, RestoreCaption,
+                                 QStringLiteral("The files that \"%1\" replaced on %2 were put back.\nThe files they "
+                                                "replaced are now restore point 1.")
+                                     .arg(action, when));
+    else
+        QMessageBox::warning(this, RestoreCaption,
+                             QStringLiteral("The data set could not be restored.\n%1").arg(QString::fromStdString(why)));
 }
 
 ThostMainWindow::~ThostMainWindow()

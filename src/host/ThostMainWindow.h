@@ -1,8 +1,9 @@
 #pragma once
 // The host's main window: one button per plug-in found in the plug-in folder.
 // A button swaps the main view for the plug-in's frame; the frame swaps back
-// itself through the host record ("Return To Main Window"). Menus give Quit, the
-// help files, About and About Qt; the status line names the application folder.
+// itself through the host record ("Return To Main Window"). Menus give Restore
+// Previous Data Set, Quit, the help files, About and About Qt; the status line
+// names the application folder.
 #include "AppDir.h"
 #include "TpluginModule.h"
 #include <QMainWindow>
@@ -14,6 +15,7 @@ class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class THelpWindow;
+class TdataFolderSession;
 
 class ThostMainWindow : public QMainWindow {
     Q_OBJECT
@@ -33,10 +35,17 @@ public:
 
     void showPlugin(int index);
     void showAbout();
+    // Puts back a restore point the user picks, after a confirmation; only from the main view,
+    // so that no open frame holds unsaved edits of the files it replaces.
+    void restorePreviousDataSet();
 
     // Makes a missing per-user data folder from the shipped defaults and says where it is.
     static void prepareDataFolder(const TappFolders &folders, Reporting reporting = Reporting::Boxes);
     static QString aboutText();
+    // Whether to go on when another program has the data folder open: a box asks
+    // (Yes the default); a self-test only says so on stderr and goes on.
+    static bool continueWithDataFolderInUse(const TdataFolderSession &session, const std::filesystem::path &dataFolder,
+                                            Reporting reporting = Reporting::Boxes);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -1,5 +1,6 @@
 // kt930pc: the PC host. Loads the plug-ins of the plug-in folder and offers one
 // button per plug-in, on the application folder TappDir chooses.
+#include "TdataFolderSession.h"
 #include "ThostMainWindow.h"
 #include <QApplication>
 #include <QTimer>
@@ -57,6 +58,11 @@ int main(int argc, char *argv[])
     const auto reporting = test ? ThostMainWindow::Reporting::Console : ThostMainWindow::Reporting::Boxes;
     const TappFolders folders = TappDir::folders();
     ThostMainWindow::prepareDataFolder(folders, reporting);
+    const std::filesystem::path dataFolder = TappDir::dataFolder(folders.application);
+    // Held until the host ends, so that a second host on this folder can say who has it.
+    const TdataFolderSession session(dataFolder);
+    if (!ThostMainWindow::continueWithDataFolderInUse(session, dataFolder, reporting))
+        return 0;
     int result = 0;
     {
         ThostMainWindow window(folders, reporting);

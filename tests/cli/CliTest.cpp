@@ -156,7 +156,7 @@ TEST_F(CliTest, UsageErrorsAndHelp)
     EXPECT_EQ(run({}).exitCode, 2);
     ProgramRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    EXPECT_TRUE(hasLine(help.out, "  import-csv  add the checkitems of a CSV file to the checkitem table"));
+    EXPECT_TRUE(hasLine(help.out, "  import-csv      add the checkitems of a CSV file to the checkitem table"));
     EXPECT_EQ(run({"show", "--bogus"}).exitCode, 2);
     EXPECT_EQ(run({"export-csv"}).exitCode, 2);
     ProgramRun unknown = run({"frobnicate"});

@@ -1,22 +1,28 @@
 // The host window loading the real plug-in library: button, view swap, return,
 // ReloadData when the frame is shown again; its menus, About box, status line,
-// remembered geometry and the first-start message of a new data folder.
+// remembered geometry, the first-start message of a new data folder, restore
+// points and a data folder that another program has open.
 #include "AutosequenceConversions.h"
 #include "ThostMainWindow.h"
 #include "UiTestSupport.h"
 #include "THelpWindow.h"
+#include "TdataFolderSession.h"
 #include "TempDir.h"
+#include "TrestorePoints.h"
 #include <QApplication>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QDialogButtonBox>
 #include <QMessageBox>
 #include <QStatusBar>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QTimer>
+#include <functional>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -161,7 +167,7 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTh
             entries << entry->text();
     }
     EXPECT_EQ(menus, (QStringList{"&File", "&Help"}));
-    EXPECT_EQ(entries, (QStringList{"&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
+    EXPECT_EQ(entries, (QStringList{"&Restore Previous Data Set...", "", "&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
                                     "&About KT930 Plus PC", "About &Qt"}));
 
     // A help entry opens its file at the first page.
@@ -291,5 +297,77 @@ TEST_F(HostTest, APluginThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOthersSti
     EXPECT_FALSE(boxes.seen());
     EXPECT_EQ(window.pluginCount(), 1);
     EXPECT_EQ(window.pluginErrors(), 1);
+}
+
+// What a message box said, answered with button; then runs before the button is pressed.
+struct BoxSeen {
+    QString caption, text;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+    void answer(QMessageBox::StandardButton button, std::function<void()> then = {})
+    {
+        whenModal([this, button, then](QWidget *widget) {
+            auto *box = static_cast<QMessageBox *>(widget);
+            *this = {box->windowTitle(), box->text(), box->standardButton(box->defaultButton())};
+            if (then)
+                then();
+            box->button(button)->click();
+        });
+    }
+};
+
+TEST_F(HostTest, RestorePreviousDataSetListsConfirmsAndPutsTheFilesBackOnlyFromTheMainView)
+{
+    ThostMainWindow window(folders());
+    window.show();
+    QAction *restore = window.findChild<QAction *>(QStringLiteral("actionRestore"));
+    const fs::path data = appDir.dir().path() / "Data";
+    BoxSeen seen, done;
+    seen.answer(QMessageBox::Ok);
+    restore->trigger();
+    EXPECT_EQ(seen.text.toStdString(), "There are no restore points in " + data.string()
+                                           + ".\nA download, a sync or an import keeps the files it replaces as one.");
+    // A frame on show may hold edits of the files: the user goes back first.
+    window.showPlugin(0);
+    seen.answer(QMessageBox::Ok);
+    restore->trigger();
+    EXPECT_EQ(seen.text, QStringLiteral("Return to the main window first, so that the open view saves its changes."));
+    child<QPushButton>(window.container()->findChild<Tkt930Frame *>(), "BtnExit")->click();
+
+    const std::string original = appDir.readData("mit.dat");
+    std::string why;
+    ASSERT_TRUE(TrestorePoints(data).create("sync", {"mit.dat"}, why)) << why;
+    const QString time = QString::fromStdString(TrestorePoints(data).list().at(0).time);
+    appDir.writeData("mit.dat", "replaced by the sync");
+    QString row;
+    whenModal([&](QWidget *dialog) {
+        row = child<QListWidget>(dialog, "restorePoints")->currentItem()->text();
+        seen.answer(QMessageBox::Yes, [&] { done.answer(QMessageBox::Ok); });
+        dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok)->click();
+    });
+    restore->trigger();
+    EXPECT_EQ(row, "1.  " + time + "  sync:  mit.dat");
+    EXPECT_EQ(seen.text, "Put back the files that \"sync\" replaced on " + time
+                             + "?\n\nThe current files are kept as a restore point first, so this can be undone.");
+    EXPECT_EQ(seen.defaultButton, QMessageBox::No);
+    EXPECT_EQ(done.text, "The files that \"sync\" replaced on " + time
+                             + " were put back.\nThe files they replaced are now restore point 1.");
+    EXPECT_EQ(appDir.readData("mit.dat"), original);
+    EXPECT_EQ(TempDir::read(TrestorePoints(data).list().at(0).folder / "mit.dat"), "replaced by the sync");
+}
+
+TEST_F(HostTest, ASecondHostOnTheDataFolderNamesTheProcessAndNoEndsIt)
+{
+    const fs::path data = appDir.dir().path() / "Data";
+    const TdataFolderSession first(data), second(data);
+    BoxSeen seen;
+    seen.answer(QMessageBox::No);
+    EXPECT_FALSE(ThostMainWindow::continueWithDataFolderInUse(second, data));
+    EXPECT_EQ(seen.caption, QStringLiteral("Data Folder In Use"));
+    EXPECT_EQ(seen.text.toStdString(), "The data folder\n" + data.string() + "\nis in use by another KT930 program (process "
+                                           + std::to_string(::getpid()) + ").\n\nBoth may change the same files. Before "
+                                           "each save this program checks for changes made by the other and asks which "
+                                           "version to keep.\n\nContinue anyway?");
+    EXPECT_EQ(seen.defaultButton, QMessageBox::Yes);
+    EXPECT_TRUE(ThostMainWindow::continueWithDataFolderInUse(first, data)); // no box: it would wait here
 }
 }
