@@ -10,5 +10,5 @@ public:
     int run(const std::vector<std::string> &arguments) override;
 
 protected:
-    bool needsDataFolder() const override { return false; }
+    DataAccess dataAccess() const override { return DataAccess::None; }
 };

@@ -14,8 +14,9 @@ constexpr uid_t Stranger = 4242;
 void plant(const fs::path &link, const fs::path &target, uid_t owner)
 {
     fs::create_symlink(target, link);
-    if (owner != ::geteuid())
+    if (owner != ::geteuid()) {
         ASSERT_EQ(::lchown(link.c_str(), owner, static_cast<gid_t>(-1)), 0);
+    }
 }
 }
 
@@ -52,8 +53,9 @@ TEST(TrustedLinks, FollowsOwnAndFolderOwnersLinksOnlyAtEveryHop)
         SCOPED_TRACE(c.path);
         fs::path resolved;
         EXPECT_EQ(resolveTrustedLinks(dir / c.path, resolved), c.followed);
-        if (c.followed)
+        if (c.followed) {
             EXPECT_EQ(resolved, fs::canonical(dir / c.path));
+        }
         std::ifstream in;
         EXPECT_EQ(openRegularFile(in, dir / c.path), c.followed);
     }
