@@ -13,6 +13,7 @@
 #include <cstring>
 #include <ctime>
 #include <fstream>
+#include <mutex>
 
 namespace fs = std::filesystem;
 
@@ -43,6 +44,24 @@ std::string timeStamp()
 }
 
 constexpr std::size_t CheckitemFileLimit = TInstrDatabase::SlotCount * sizeof(TInstr);
+
+// What the last save of this process left in each file: another data set of ours (the
+// checkitem editor's sync saves through one) is not another program.
+std::mutex g_writtenMutex;
+std::map<std::string, TdataSet::TfileStamp> g_written;
+
+TdataSet::TfileStamp writtenByThisProcess(const fs::path &file)
+{
+    std::lock_guard<std::mutex> guard(g_writtenMutex);
+    auto it = g_written.find(file.string());
+    return it == g_written.end() ? TdataSet::TfileStamp{} : it->second;
+}
+
+void rememberWrittenByThisProcess(const fs::path &file, const TdataSet::TfileStamp &stamp)
+{
+    std::lock_guard<std::mutex> guard(g_writtenMutex);
+    g_written[file.string()] = stamp;
+}
 }
 
 TdataSet::TfileStamp TdataSet::TfileStamp::of(const std::string &bytes)
@@ -337,7 +356,8 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
             const TfileStamp onDisk = present ? TfileStamp::of(disk) : TfileStamp{};
             // Changed on disk, and not into what is about to be written. A file deleted
             // since is written again: a deletion never wins over data.
-            if (present && !(onDisk == state.stamp) && !(onDisk == TfileStamp::of(bytes))) {
+            if (present && !(onDisk == state.stamp) && !(onDisk == TfileStamp::of(bytes))
+                && !(onDisk == writtenByThisProcess(dataFile(file.name)))) {
                 // Nothing changed here: the other program's version is simply taken.
                 const bool keepMine = !(TfileStamp::of(bytes) == state.stamp)
                     && m_sink.show({"Data File Changed",
@@ -379,7 +399,10 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
         return false;
     }
     for (const auto &[name, bytes] : written)
+    {
         remember(name, true, bytes, false);
+        rememberWrittenByThisProcess(dataFile(name), m_files[name].stamp);
+    }
     return complete;
 }
 

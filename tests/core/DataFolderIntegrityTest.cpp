@@ -90,6 +90,18 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
     }
 }
 
+// The checkitem editor's sync saves through a data set of its own into the table the frame holds.
+TEST_F(DataFolder, ASaveOfThisProcessIsNotAnotherProgramsChange)
+{
+    TdataSet editorSync(dir.path(), sink);
+    editorSync.checkitems[0] = TInstr('C', 'M', "synced");
+    ASSERT_TRUE(editorSync.saveCheckitems(TsaveAction::Sync));
+    data.checkitems[0] = TInstr('C', 'M', "synced, then edited");
+    ASSERT_TRUE(data.saveCheckitems());
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(TempDir::read(file("mit.dat")).substr(0, 44), std::string(reinterpret_cast<const char *>(&data.checkitems[0]), 44));
+}
+
 TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilledBefore)
 {
     for (const bool recorded : {true, false}) {
