@@ -21,14 +21,14 @@ for needed in libqt6widgets6 libftdi1-2 libqt6help6 qt6-qpa-plugins; do
   [[ $depends == *"$needed"* ]] || fail "Depends lacks $needed: $depends"
 done
 
-# First start on an empty home: the message, then the data set of the shipped defaults.
+# A read-only command on an empty home reads the shipped defaults and creates nothing.
 export HOME=$work/home XDG_DATA_HOME= QT_QPA_PLATFORM=offscreen
 unset KT930PC_APPDIR
 mkdir -p "$HOME"
 "$usr/bin/kt930ctl" show >"$work/show.txt" 2>"$work/show.err" || fail "kt930ctl show: $(cat "$work/show.err")"
-expected="kt930ctl: Your data folder $HOME/.local/share/kt930pc was created from the shipped defaults. Your checkitems, sequences and settings are kept there."
+expected="kt930ctl: there is no data folder $HOME/.local/share/kt930pc/Data yet: reading the shipped defaults in $usr/share/kt930pc/Data"
 [ "$(head -n 1 "$work/show.err")" = "$expected" ] || fail "first-start message: $(head -n 1 "$work/show.err")"
-cmp -s "$usr/share/kt930pc/Data/mit.dat" "$HOME/.local/share/kt930pc/Data/mit.dat" || fail "mit.dat not copied"
+[ ! -e "$HOME/.local/share/kt930pc" ] || fail "kt930ctl show created $HOME/.local/share/kt930pc"
 grep -q '^Checkitems (37 used):$' "$work/show.txt" || fail "kt930ctl show printed: $(head -n 5 "$work/show.txt")"
 
 # The host's self-test on a first start of its own: the message on stderr, never a box that waits.
@@ -36,6 +36,8 @@ HOME=$work/home2 "$usr/bin/kt930pc" --self-test >"$work/first.txt" 2>"$work/firs
   || fail "kt930pc --self-test on a first start: $(cat "$work/first.txt" "$work/first.err")"
 expected="kt930pc: Your data folder $work/home2/.local/share/kt930pc was created from the shipped defaults. Your checkitems, sequences and settings are kept there."
 grep -qxF "$expected" "$work/first.err" || fail "first-start message of the self-test: $(cat "$work/first.err")"
+cmp -s "$usr/share/kt930pc/Data/mit.dat" "$work/home2/.local/share/kt930pc/Data/mit.dat" || fail "mit.dat not copied"
+[ "$(stat -c %a "$work/home2/.local/share/kt930pc/Data")" = 700 ] || fail "the new data folder is not private"
 
 # The host on the same folder: the installed plug-in, not one found by a library path.
 "$usr/bin/kt930pc" --self-test >"$work/host.txt" 2>"$work/host.err" || fail "kt930pc --self-test: $(cat "$work/host.txt" "$work/host.err")"
