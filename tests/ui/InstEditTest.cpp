@@ -10,6 +10,7 @@
 #include "TinstGridHeader.h"
 #include "TinstListingPrinter.h"
 #include "UiTestSupport.h"
+#include "autoSequenceEditForm.h"
 #include "instEdit.h"
 #include <QApplication>
 #include <QComboBox>
@@ -21,6 +22,7 @@
 #include <QPlainTextEdit>
 #include <QPrinter>
 #include <QProcess>
+#include <QStyleHints>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableWidget>
@@ -206,25 +208,29 @@ TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
 TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
 {
     std::filesystem::remove(appDir.data("catdes.dat"));
-    appDir.writeData("zz.in", "Z - Zap\nN 11\n\"Level\"\t\"\"\n"); // a field line the panel cannot read
     {
         // Bare letters, still one item per category: the first checkitem's "E" stands at "E".
         auto editor = open();
         EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "A", "B"}));
         EXPECT_EQ(child<QComboBox>(editor.get(), "lstCat")->currentText(), "E");
     }
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nCheckitem Database Files Appear Corrupt!\nPlease "
-                                                  "restart program.\nIf this problem persists, contact your software "
-                                                  "vendor."},
-                                       {"ERROR", "There has been an error initializing the category descriptors\r"
+    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "There has been an error initializing the category descriptors\r"
                                                  "This will not affect the operation of the program, however all\r"
                                                  "instructions will be displayed without a category name."}}));
-    sink.messages.clear();
-    appDir.writeData("zz.in", "Z\n");
-    EXPECT_THROW(open(), TinstructionEditorFormException);
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing " + appDir.data("zz.in").string()
-                                                     + ".\nThe file is corrupt.  Please contact your product's "
-                                                       "distributor immediately."}}));
+    // A header that cannot be read, or a field line that breaks the grammar (a blank
+    // line appended, a bad type): no editor, and no checkitem of that op code repaired.
+    const std::string measure = appDir.readData("measure.in");
+    const std::string before = mitBytes(db.slots());
+    for (const std::string &broken : {std::string("Z\n"), measure + "\n", measure + "\"Mode\"\t\"\"\t\"X\"\n"}) {
+        sink.messages.clear();
+        appDir.writeData("measure.in", broken);
+        EXPECT_THROW(open(), TinstructionEditorFormException);
+        EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing "
+                                                         + appDir.data("measure.in").string()
+                                                         + ".\nThe file is corrupt.  Please contact your product's "
+                                                           "distributor immediately."}}));
+        EXPECT_TRUE(mitBytes(db.slots()) == before);
+    }
     sink.messages.clear();
     for (const auto &entry : std::filesystem::directory_iterator(appDir.dir().path() / "Data"))
         std::filesystem::remove(entry.path());
@@ -268,6 +274,68 @@ TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClampedAndTabGoesThroughTheField
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
     EXPECT_FALSE(child(editor.get(), "btnUpdate")->isVisible());
     EXPECT_EQ(column(editor.get(), 1)[0], "Insulation");
+}
+
+// A command that does not fit its op code's fields is said once and kept: clicking
+// through, OK and an Update with untouched fields leave it; typing replaces it.
+TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
+{
+    const struct {
+        char opCode;
+        const char *command, *opName, *reason;
+    } cases[] = {
+        {'C', "MAINS\t-1", "C - Control", "a value does not suit the type of its field"},
+        {'M', "IR\t500", "M - Measure", "it has fewer values than the op code has fields"},
+        {'K', "Press\tOK", "K - OK Prompt", "it has more values than the op code has fields"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.command);
+        db[3].assign('B', c.opCode, c.command);
+        const std::string before = mitBytes(db.slots());
+        sink.messages.clear();
+        auto editor = open();
+        for (int row : {0, 1, 2, 3, 4, 3})
+            clickRow(editor.get(), row);
+        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit",
+                                            std::string("The command of checkitem 4 does not fit the fields of \"")
+                                                + c.opName + "\": " + c.reason
+                                                + ".\nThe command is kept as it is. To replace it, type new values "
+                                                  "into the fields and press Update.",
+                                            MsgIcon::Exclamation}}));
+        click(editor.get(), "btnEditInst");
+        choose(editor.get(), "lstCat", 9);
+        click(editor.get(), "btnUpdate");
+        EXPECT_EQ(bytesOf(db[3]), bytesOf(TInstr('I', c.opCode, c.command)));
+        click(editor.get(), "btnEditInst");
+        choose(editor.get(), "lstCat", 2);
+        click(editor.get(), "btnUpdate");
+        EXPECT_TRUE(mitBytes(db.slots()) == before);
+        EXPECT_EQ(sink.messages.size(), 1u);
+
+        click(editor.get(), "btnEditInst");
+        retype(editor.get(), 0, "Z");
+        click(editor.get(), "btnUpdate");
+        EXPECT_EQ(db[3].commandText().substr(0, 2), shownFields(editor.get()).size() > 1 ? "Z\t" : "Z ");
+    }
+}
+
+// In the fields Enter is the tick and Escape the cross.
+TEST_F(Editor, EnterAndEscapeInTheFieldsCommitAndCancelTheEdit)
+{
+    auto editor = open();
+    click(editor.get(), "btnEditInst");
+    retype(editor.get(), 0, "ir");
+    QTest::keyClick(shownFields(editor.get())[0], Qt::Key_Return);
+    EXPECT_EQ(bytesOf(db[0]), bytesOf(TInstr('E', 'M', padded("IR\t0\t5"))));
+    EXPECT_EQ(enabledControls(editor.get()), Browsing);
+    click(editor.get(), "btnEditInst");
+    choose(editor.get(), "lstCat", 9);
+    retype(editor.get(), 2, "7");
+    shownFields(editor.get())[2]->setFocus();
+    QTest::keyClick(shownFields(editor.get())[2], Qt::Key_Escape);
+    EXPECT_EQ(bytesOf(db[0]), bytesOf(TInstr('E', 'M', padded("IR\t0\t5"))));
+    EXPECT_EQ(enabledControls(editor.get()), Browsing);
+    EXPECT_TRUE(editor->isVisible());
 }
 
 TEST_F(Editor, OpCodeAndCategoryChangeAtOnceAndCancelPutsThemBack)
@@ -368,6 +436,79 @@ TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
     EXPECT_EQ(editor->result(), QDialog::Accepted);
     EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")), "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional "
                                                         "checks\nI, Insulation\nL, Leakage current\nP, Operator prompts\n");
+}
+
+// Escape and the close button drop category changes only when the user says so.
+TEST_F(Editor, ClosingWithChangedCategoriesAsksWhetherToSaveThem)
+{
+    const std::string before = appDir.readData("catdes.dat");
+    const struct {
+        bool rename, byEscape;
+        MsgAnswer answer;
+        int result;
+        bool saved;
+    } cases[] = {
+        {false, true, MsgAnswer::Yes, QDialog::Rejected, false},
+        {true, true, MsgAnswer::No, QDialog::Rejected, false},
+        {true, false, MsgAnswer::Yes, QDialog::Accepted, true},
+    };
+    for (const auto &c : cases) {
+        auto editor = open();
+        if (c.rename) {
+            click(editor.get(), "btnEditInst");
+            nameCategory("Renamed");
+            click(editor.get(), "btnEditCat");
+            click(editor.get(), "btnUpdate");
+        }
+        sink.messages.clear();
+        sink.answers = {c.answer};
+        if (c.byEscape)
+            QTest::keyClick(editor.get(), Qt::Key_Escape);
+        else
+            editor->close();
+        const Messages asked{{"Checkitem Database", "Save the changed category names?", MsgIcon::Question, MsgButtons::YesNo}};
+        EXPECT_EQ(sink.messages, c.rename ? asked : Messages{});
+        EXPECT_FALSE(editor->isVisible());
+        EXPECT_EQ(editor->result(), c.result);
+        const std::string names = appDir.readData("catdes.dat");
+        EXPECT_EQ(names != before, c.saved);
+        EXPECT_EQ(names.find("E, Renamed\n") != std::string::npos, c.saved);
+        sink.answers.clear();
+    }
+}
+
+// The second click of the double click that opened the editor must not press Help.
+TEST_F(Editor, ClicksWithinTheDoubleClickIntervalOfTheOpeningPressNoButton)
+{
+    QStyleHints *hints = QGuiApplication::styleHints();
+    const int interval = hints->mouseDoubleClickInterval();
+    hints->setMouseDoubleClickInterval(60000);
+    auto editor = open();
+    mouseClick(editor.get(), "btnHelp");
+    EXPECT_TRUE(editor->findChildren<THelpWindow *>().isEmpty());
+    hints->setMouseDoubleClickInterval(0);
+    mouseClick(editor.get(), "btnHelp");
+    hints->setMouseDoubleClickInterval(interval);
+    EXPECT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
+}
+
+// As with a large scale factor: the editors scroll rather than outgrow the screen.
+TEST_F(Editor, EditorsNeverAskForMoreThanTheScreen)
+{
+    const QFont font = QApplication::font();
+    QFont large = font;
+    large.setPointSizeF(font.pointSizeF() * 3);
+    QApplication::setFont(large);
+    auto editor = open();
+    Tautosequence seq = sequence("EARTH", "BOND", {1});
+    TsequenceEditor sequenceEditor(nullptr, &host, &db, seq, [] {}, false, &sink);
+    sequenceEditor.show();
+    for (QWidget *window : {static_cast<QWidget *>(editor.get()), static_cast<QWidget *>(&sequenceEditor)}) {
+        const QSize room = window->screen()->availableGeometry().size();
+        EXPECT_TRUE(room.expandedTo(window->minimumSize()) == room) << window->minimumSize().width();
+        EXPECT_TRUE(room.expandedTo(window->size()) == room) << window->size().width();
+    }
+    QApplication::setFont(font);
 }
 
 TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
