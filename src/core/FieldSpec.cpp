@@ -42,6 +42,25 @@ bool parseDecimal(const std::string &text, double &value)
 }
 }
 
+bool TfieldSpec::readRange(const std::string &typeSpec, TdataInfo &range)
+{
+    range = TdataInfo();
+    // Positions counted from 0: the letter at 1, the minimum from 2, the closing quote last.
+    if (typeSpec.size() < 4)
+        return false;
+    const std::size_t comma = typeSpec.find(',');
+    if (comma == std::string::npos || comma == 2 || comma >= typeSpec.size() - 2)
+        return false;
+    TdataInfo read;
+    if (!parseDecimal(typeSpec.substr(2, comma - 2), read.minimum)
+        || !parseDecimal(typeSpec.substr(comma + 1, typeSpec.size() - 2 - comma), read.maximum)
+        || read.maximum < read.minimum)
+        return false;
+    read.hasRange = true;
+    range = read;
+    return true;
+}
+
 TfieldSpec TfieldSpec::parse(const std::string &line)
 {
     std::vector<std::string> tokens;
@@ -70,19 +89,8 @@ TfieldSpec TfieldSpec::parse(const std::string &line)
     if (type.size() == 3) {
         if (field.typeLetter == 0 || !std::strchr("ANFU", field.typeLetter))
             fail(__LINE__);
-    } else {
-        if (field.typeLetter != 'N' && field.typeLetter != 'F')
-            fail(__LINE__);
-        std::size_t comma = type.find(',');
-        // Positions counted from 0: the minimum starts at 2, the closing quote is last.
-        if (comma == std::string::npos || comma == 2 || comma == type.size() - 2)
-            fail(__LINE__);
-        std::string minimum = type.substr(2, comma - 2);
-        std::string maximum = type.substr(comma + 1, type.size() - 2 - comma);
-        if (!parseDecimal(minimum, field.range.minimum) || !parseDecimal(maximum, field.range.maximum)
-            || field.range.maximum < field.range.minimum)
-            fail(__LINE__);
-        field.range.hasRange = true;
+    } else if ((field.typeLetter != 'N' && field.typeLetter != 'F') || !readRange(type, field.range)) {
+        fail(__LINE__);
     }
     switch (field.typeLetter) {
     case 'N': field.typeTag = 1; break;

@@ -26,4 +26,7 @@ struct TfieldSpec {
 
     // Throws TInstrPanelError code 6 when the line breaks the grammar.
     static TfieldSpec parse(const std::string &line);
+    // The range of a quoted type specification such as "N+5,10" (quotes included);
+    // false when it has none or breaks the grammar of a range.
+    static bool readRange(const std::string &typeSpec, TdataInfo &range);
 };

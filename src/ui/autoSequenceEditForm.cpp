@@ -12,6 +12,7 @@
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
 #include "TsequencePrinter.h"
+#include "TscreenFit.h"
 #include "TsequenceReport.h"
 #include "Twindows1252.h"
 #include "Twindows1252Validator.h"
@@ -50,6 +51,7 @@ TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TIns
       m_appDir(TappDir::applicationFolder())
 {
     setUpControls();
+    TscreenFit::fit(this);
     ui->title1txt->setText(rightTrimmed(m_sequence.title1));
     ui->title2txt->setText(rightTrimmed(m_sequence.title2));
     new Twindows1252Validator(ui->title1txt);

@@ -15,6 +15,8 @@
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
 #include "TinstSyncThread.h"
+#include "TopeningClickGuard.h"
+#include "TscreenFit.h"
 #include "TtransferRunner.h"
 #include "VAROAutoSeqEditor.h"
 #include "asEdFilterPopup.h"
@@ -23,6 +25,7 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QStyle>
@@ -114,6 +117,7 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
     buildOpList();
     TInstrDatabase::setNames(m_opInfoMap);
     loadCategories();
+    TscreenFit::fit(this);
 
     m_db = database;
     QStringList header;
@@ -148,6 +152,7 @@ TinstructionEditorForm::~TinstructionEditorForm() = default;
 void TinstructionEditorForm::setUpControls()
 {
     ui->setupUi(this);
+    new TopeningClickGuard(this);
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
                    | Qt::WindowCloseButtonHint);
 
@@ -243,9 +248,11 @@ void TinstructionEditorForm::buildPanels()
                 panel->Disable();
                 info = OpCodeDefinitions::readHeader(file);
             } catch (const TopCodeFileCorrupt &) {
-                panel.reset();
-                m_sink.error("ERROR", OpCodeDefinitions::corruptFileText(file.string()));
-                throw TinstructionEditorFormException("Corrupt checkitem definition file", __LINE__);
+                reportCorruptFile(file);
+            } catch (const TInstrPanelError &) {
+                // A field line that breaks the grammar: carrying on without this op code
+                // would let the display rule rewrite every checkitem of it.
+                reportCorruptFile(file);
             }
             if (info.opCode == 'A' && !m_checklistMode)
                 continue;
@@ -259,7 +266,7 @@ void TinstructionEditorForm::buildPanels()
     } catch (const TinstructionEditorFormException &) {
         throw;
     } catch (const std::runtime_error &) {
-        // A file the stream cannot read, or a field line the panel cannot: the files are corrupt.
+        // A file the stream cannot read.
         m_sink.error("ERROR!", FilesCorruptText);
     } catch (const std::bad_alloc &) {
         m_sink.error("SYSTEM ERROR!", NoMemoryText);
@@ -271,6 +278,12 @@ void TinstructionEditorForm::buildPanels()
         tallest = std::max(tallest, panel->sizeHint().height());
     ui->pnlInst->setMinimumHeight(ui->pnlInst->minimumSizeHint().height() + tallest
                                   + ui->pnlInstLayout->spacing());
+}
+
+void TinstructionEditorForm::reportCorruptFile(const std::filesystem::path &file)
+{
+    m_sink.error("ERROR", OpCodeDefinitions::corruptFileText(file.string()));
+    throw TinstructionEditorFormException("Corrupt checkitem definition file", __LINE__);
 }
 
 // The panels come to life after the form's own controls, which would put their fields
@@ -315,7 +328,9 @@ void TinstructionEditorForm::buildOpList()
 void TinstructionEditorForm::loadCategories()
 {
     const std::filesystem::path file = TappDir::dataFolder(m_appDir) / "catdes.dat";
-    if (CategoryDescriptors::load(file, m_categoryDescriptors) == 0)
+    const int loaded = CategoryDescriptors::load(file, m_categoryDescriptors);
+    m_savedCategoryDescriptors = m_categoryDescriptors;
+    if (loaded == 0)
         rebuildCategoryList();
     else
         m_sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
@@ -446,13 +461,30 @@ void TinstructionEditorForm::showRecord(int row)
     panel.Show();
     try {
         panel.SetInstr(record);
-    } catch (const TInstrPanelError &) {
-        // A command that does not fit this op code's fields (as after a change of
-        // op code): the panel starts empty rather than with another record's values.
+    } catch (const TInstrPanelError &error) {
+        // The panel starts empty rather than with another record's values; the
+        // command stays as it is until the user types new values.
         panel.Clear();
+        reportUnfitCommand(m_shownItems.at(std::size_t(row)), record, error.code);
     }
     ui->lstOp->setCurrentIndex(m_opComboMap.count(record.opCode) ? m_opComboMap[record.opCode] : -1);
     ui->lstCat->setCurrentIndex(categoryIndex(record.category));
+}
+
+// Said once per checkitem, and only while browsing: after a change of op code in an
+// edit the old command is expected not to fit. A blank command is simply empty fields.
+void TinstructionEditorForm::reportUnfitCommand(std::uint32_t index, const TInstr &record, int code)
+{
+    if (ui->btnUpdate->isEnabled() || record.commandText().find_first_not_of(' ') == std::string::npos
+        || !m_unfitReported.insert(index).second)
+        return;
+    const char *reason = code == 2   ? "it has more values than the op code has fields"
+                         : code == 3 ? "it has fewer values than the op code has fields"
+                                     : "a value does not suit the type of its field";
+    m_sink.warning("Command Does Not Fit", "The command of checkitem " + std::to_string(index + 1)
+                                               + " does not fit the fields of \"" + m_opInfoMap[record.opCode].name
+                                               + "\": " + reason + ".\nThe command is kept as it is. To replace it, "
+                                               + "type new values into the fields and press Update.");
 }
 
 void TinstructionEditorForm::instListClick()
@@ -609,12 +641,16 @@ void TinstructionEditorForm::btnUpdateClick()
     setBrowsing();
     TInstrPanel &panel = selectedOpPanel(FatalUpdateText, __LINE__);
     panel.Disable();
-    TInstr fresh;
-    panel.GetInstr(fresh);
+    TInstr &record = selectedRecord();
+    // Untouched fields never change the command, also not one the panel could not show.
+    if (panel.fieldsEdited() || ui->lstOp->currentIndex() != m_savedOpIndex) {
+        TInstr fresh;
+        panel.GetInstr(fresh);
+        record.assign(fresh);
+    }
     disablePanels();
-    fresh.opCode = selectedOpCode();
-    fresh.category = selectedCategory();
-    selectedRecord().assign(fresh);
+    record.opCode = selectedOpCode();
+    record.category = selectedCategory();
     fillGrid(m_lastRow);
 }
 
@@ -802,10 +838,33 @@ void TinstructionEditorForm::closeEvent(QCloseEvent *event)
     QDialog::closeEvent(event);
 }
 
+// Category names are written only by OK: a renamed category is not dropped without asking.
 void TinstructionEditorForm::reject()
 {
-    if (FormCloseQuery())
-        QDialog::reject();
+    if (!FormCloseQuery())
+        return;
+    if (m_categoryDescriptors != m_savedCategoryDescriptors
+        && m_sink.confirm("Checkitem Database", "Save the changed category names?")) {
+        btnOkClick();
+        return;
+    }
+    QDialog::reject();
+}
+
+// In the fields of an edit, Enter commits as the tick does and Escape cancels as the cross does.
+void TinstructionEditorForm::keyPressEvent(QKeyEvent *event)
+{
+    QWidget *focus = focusWidget();
+    const bool inFields = ui->btnUpdate->isEnabled() && focus && qobject_cast<TInstrPanel *>(focus->parentWidget());
+    if (inFields && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        ui->btnUpdate->click();
+        return;
+    }
+    if (inFields && event->key() == Qt::Key_Escape) {
+        ui->btnCancel->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void TinstructionEditorForm::FormShow()

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -84,6 +85,7 @@ public Q_SLOTS:
 protected:
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     // Shows instPrintDialog on printer; true when the user chose to print.
     virtual bool choosePrinter(QPrinter &printer);
 
@@ -91,6 +93,7 @@ private:
     void setUpControls();
     void makeDegenerate();
     void buildPanels();
+    [[noreturn]] void reportCorruptFile(const std::filesystem::path &file);
     void setEditTabOrder();
     void buildOpList();
     void loadCategories();
@@ -104,6 +107,7 @@ private:
     int selectedRow() const;
     TInstr &selectedRecord();
     void showRecord(int row);
+    void reportUnfitCommand(std::uint32_t index, const TInstr &record, int code);
 
     // The two states of the form: browsing the list, editing one checkitem.
     void setEditing();
@@ -128,6 +132,7 @@ private:
 
     std::vector<std::uint32_t> m_shownItems;
     TcategoryMap m_categoryDescriptors;
+    TcategoryMap m_savedCategoryDescriptors; // as in catdes.dat
     Tfilter m_filter;
     std::map<char, TInstrPanel *> m_opPanelMap; // children of pnlInst
     TopCodeTable m_opInfoMap;
@@ -138,6 +143,7 @@ private:
     int m_lastRow = 0;
     int m_savedOpIndex = -1;
     int m_savedCatIndex = -1;
+    std::set<std::uint32_t> m_unfitReported; // checkitems whose command did not fit their panel
 
     TinstGridHeader *m_header = nullptr;
     QFileDialog *instTableOpenDlg = nullptr;

@@ -175,17 +175,16 @@ void TInstrPanel::CleanUp()
     m_autoCounts.clear();
 }
 
+// The definition parser's own reading, so a range means the same to both.
 void TInstrPanel::MinMax(const std::string &typeSpec, dataInfo *info)
 {
     *info = dataInfo();
-    if (typeSpec.size() == 3)
-        return;
-    std::size_t comma = typeSpec.find(',');
-    if (comma == std::string::npos || typeSpec.size() < 4)
+    TdataInfo range;
+    if (!TfieldSpec::readRange(typeSpec, range))
         return;
     info->hasRange = 1;
-    toDouble(typeSpec.substr(2, comma - 2), info->minimum);
-    toDouble(typeSpec.substr(comma + 1, typeSpec.size() - 2 - comma), info->maximum);
+    info->minimum = range.minimum;
+    info->maximum = range.maximum;
 }
 
 void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
@@ -196,9 +195,8 @@ void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
         fail(2, __LINE__);
     for (const std::string &line : lines) {
         TfieldSpec field = TfieldSpec::parse(line);
-        std::size_t lastTab = line.rfind('\t');
         dataInfo range;
-        MinMax(line.substr(lastTab + 1), &range);
+        MinMax(line.substr(line.rfind('\t') + 1), &range);
         int row = int(m_boxes.size());
         addFieldRow(row, field.leftLabel, field.rightLabel);
         m_tags.push_back(field.typeTag);
@@ -216,6 +214,7 @@ void TInstrPanel::addFieldRow(int row, const std::string &left, const std::strin
     auto *box = new QLineEdit(this);
     box->setObjectName(QStringLiteral("field%1").arg(row));
     box->installEventFilter(this);
+    connect(box, &QLineEdit::textEdited, this, [this] { m_edited = true; });
     auto *rightLabel = new QLabel(TguiText::fromBytes(right), this);
     rightLabel->setObjectName(QStringLiteral("rightLabel%1").arg(row));
     m_layout->addWidget(leftLabel, row, 0);
@@ -257,6 +256,8 @@ void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
     m_layout->addWidget(numLabel, 1, 0);
     m_layout->addWidget(m_comboAutoNum, 1, 1);
     connect(m_comboAutoType, &QComboBox::currentIndexChanged, this, &TInstrPanel::comboAutoChange);
+    for (QComboBox *list : {m_comboAutoType, m_comboAutoNum})
+        connect(list, &QComboBox::activated, this, [this] { m_edited = true; });
 }
 
 void TInstrPanel::initAuto()
@@ -293,6 +294,7 @@ void TInstrPanel::SetInstr(const _instructionStruct &record)
         fail(1, __LINE__);
     std::string text = record.commandText();
 
+    m_edited = false;
     if (m_opCode == 'A') {
         int type = 0, number = 0;
         if (text.size() >= 5) {
@@ -395,6 +397,7 @@ void TInstrPanel::Disable()
 
 void TInstrPanel::Clear()
 {
+    m_edited = false;
     for (QLineEdit *box : m_boxes)
         box->clear();
 }

@@ -88,6 +88,7 @@ TEST(FieldSpec, AcceptsBareTypesAndRanges)
         {"\"a\"\t\"b\"\t\"N\"", "a", "b", 'N', 1, false, 0, 0},
         {"\"Limit:\"\t\"Ohm\"\t\"F-0.5,10.25\"", "Limit:", "Ohm", 'F', 2, true, -0.5, 10.25},
         {"\"a\"\t\"b\"\t\"N5,5\"", "a", "b", 'N', 1, true, 5, 5},
+        {"\"a\"\t\"b\"\t\"N+5,10\"", "a", "b", 'N', 1, true, 5, 10},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.line);

@@ -10,6 +10,7 @@
 #include "TinstGridHeader.h"
 #include "TinstListingPrinter.h"
 #include "UiTestSupport.h"
+#include "autoSequenceEditForm.h"
 #include "instEdit.h"
 #include <QApplication>
 #include <QComboBox>
@@ -21,6 +22,7 @@
 #include <QPlainTextEdit>
 #include <QPrinter>
 #include <QProcess>
+#include <QStyleHints>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableWidget>
@@ -206,25 +208,28 @@ TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
 TEST_F(Editor, BrokenDefinitionOrDescriptorFilesAreReported)
 {
     std::filesystem::remove(appDir.data("catdes.dat"));
-    appDir.writeData("zz.in", "Z - Zap\nN 11\n\"Level\"\t\"\"\n"); // a field line the panel cannot read
     {
         // Bare letters, still one item per category: the first checkitem's "E" stands at "E".
         auto editor = open();
         EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "A", "B"}));
         EXPECT_EQ(child<QComboBox>(editor.get(), "lstCat")->currentText(), "E");
     }
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nCheckitem Database Files Appear Corrupt!\nPlease "
-                                                  "restart program.\nIf this problem persists, contact your software "
-                                                  "vendor."},
-                                       {"ERROR", "There has been an error initializing the category descriptors\r"
+    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "There has been an error initializing the category descriptors\r"
                                                  "This will not affect the operation of the program, however all\r"
                                                  "instructions will be displayed without a category name."}}));
-    sink.messages.clear();
-    appDir.writeData("zz.in", "Z\n");
-    EXPECT_THROW(open(), TinstructionEditorFormException);
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing " + appDir.data("zz.in").string()
-                                                     + ".\nThe file is corrupt.  Please contact your product's "
-                                                       "distributor immediately."}}));
+    // A header that cannot be read, or a blank line after the fields: no editor, and
+    // no checkitem of that op code repaired.
+    const std::string before = mitBytes(db.slots());
+    for (const std::string &broken : {std::string("Z\n"), appDir.readData("measure.in") + "\n"}) {
+        sink.messages.clear();
+        appDir.writeData("measure.in", broken);
+        EXPECT_THROW(open(), TinstructionEditorFormException);
+        EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing "
+                                                         + appDir.data("measure.in").string()
+                                                         + ".\nThe file is corrupt.  Please contact your product's "
+                                                           "distributor immediately."}}));
+        EXPECT_TRUE(mitBytes(db.slots()) == before);
+    }
     sink.messages.clear();
     for (const auto &entry : std::filesystem::directory_iterator(appDir.dir().path() / "Data"))
         std::filesystem::remove(entry.path());
@@ -268,6 +273,47 @@ TEST_F(Editor, UpdateStoresWhatThePanelTookInAndClampedAndTabGoesThroughTheField
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
     EXPECT_FALSE(child(editor.get(), "btnUpdate")->isVisible());
     EXPECT_EQ(column(editor.get(), 1)[0], "Insulation");
+}
+
+// A command that does not fit its op code's fields is said once and kept until typed over.
+TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
+{
+    const struct {
+        char opCode;
+        const char *command, *says;
+    } cases[] = {{'C', "MAINS\t-1", "\"C - Control\": a value does not suit the type of its field"},
+                 {'M', "IR\t500", "\"M - Measure\": it has fewer values than the op code has fields"},
+                 {'K', "Press\tOK", "\"K - OK Prompt\": it has more values than the op code has fields"}};
+    for (const auto &c : cases) {
+        db[3].assign('B', c.opCode, c.command);
+        const std::string before = mitBytes(db.slots());
+        sink.messages.clear();
+        auto editor = open();
+        for (int row : {0, 1, 2, 3, 4, 3})
+            clickRow(editor.get(), row);
+        click(editor.get(), "btnEditInst");
+        click(editor.get(), "btnUpdate");
+        EXPECT_TRUE(mitBytes(db.slots()) == before) << c.command;
+        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit", std::string("The command of checkitem 4 does not fit "
+                                            "the fields of ") + c.says + ".\nThe command is kept as it is. To replace "
+                                            "it, type new values into the fields and press Update.", MsgIcon::Exclamation}}));
+        click(editor.get(), "btnEditInst");
+        retype(editor.get(), 0, "Z");
+        click(editor.get(), "btnUpdate");
+        EXPECT_EQ(db[3].command[0], 'Z');
+    }
+}
+
+TEST_F(Editor, EnterInTheFieldsIsTheTickAndEscapeTheCross)
+{
+    auto editor = open();
+    for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        click(editor.get(), "btnEditInst");
+        retype(editor.get(), 0, "ir");
+        QTest::keyClick(shownFields(editor.get())[0], key);
+        EXPECT_EQ(db[0].commandText().substr(0, 2), key == Qt::Key_Return ? "IR" : "EB");
+        EXPECT_EQ(enabledControls(editor.get()), Browsing);
+    }
 }
 
 TEST_F(Editor, OpCodeAndCategoryChangeAtOnceAndCancelPutsThemBack)
@@ -368,6 +414,55 @@ TEST_F(Editor, CategoriesAreNamedAndRenamedAndOkWritesThem)
     EXPECT_EQ(editor->result(), QDialog::Accepted);
     EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")), "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional "
                                                         "checks\nI, Insulation\nL, Leakage current\nP, Operator prompts\n");
+}
+
+// Escape and the close button drop a renamed category only when the user says so.
+TEST_F(Editor, ClosingAfterRenamingACategoryAsksWhetherToSaveIt)
+{
+    const std::string before = appDir.readData("catdes.dat");
+    for (MsgAnswer answer : {MsgAnswer::No, MsgAnswer::Yes}) {
+        auto editor = open();
+        click(editor.get(), "btnEditInst");
+        nameCategory("Renamed");
+        click(editor.get(), "btnEditCat");
+        click(editor.get(), "btnUpdate");
+        sink.answers = {answer};
+        answer == MsgAnswer::No ? QTest::keyClick(editor.get(), Qt::Key_Escape) : void(editor->close());
+        EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?",
+                                                 MsgIcon::Question, MsgButtons::YesNo}));
+        EXPECT_FALSE(editor->isVisible());
+        EXPECT_EQ(appDir.readData("catdes.dat") != before, answer == MsgAnswer::Yes);
+    }
+}
+
+// The second click of the double click that opened the editor must not press Help.
+TEST_F(Editor, ClicksWithinTheDoubleClickIntervalOfTheOpeningPressNoButton)
+{
+    QStyleHints *hints = QGuiApplication::styleHints();
+    const int interval = hints->mouseDoubleClickInterval();
+    hints->setMouseDoubleClickInterval(60000);
+    auto editor = open();
+    mouseClick(editor.get(), "btnHelp");
+    EXPECT_TRUE(editor->findChildren<THelpWindow *>().isEmpty());
+    hints->setMouseDoubleClickInterval(0);
+    mouseClick(editor.get(), "btnHelp");
+    hints->setMouseDoubleClickInterval(interval);
+    EXPECT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
+}
+
+TEST_F(Editor, EditorsNeverAskForMoreThanTheScreen)
+{
+    const QFont font = QApplication::font();
+    QApplication::setFont(QFont(font.family(), font.pointSize() * 3)); // as with a large scale factor
+    auto editor = open();
+    Tautosequence seq = sequence("EARTH", "BOND");
+    TsequenceEditor sequenceEditor(nullptr, &host, &db, seq, [] {}, false, &sink);
+    sequenceEditor.show();
+    for (QWidget *window : std::initializer_list<QWidget *>{editor.get(), &sequenceEditor}) {
+        const QSize room = window->screen()->availableGeometry().size();
+        EXPECT_TRUE(room.expandedTo(window->minimumSize()) == room && room.expandedTo(window->size()) == room);
+    }
+    QApplication::setFont(font);
 }
 
 TEST_F(Editor, OkThatCannotWriteTheCategoriesSaysSoAndStaysOpen)
@@ -471,6 +566,7 @@ TEST_F(Editor, ExportWritesEverySlotAndClosingWaitsForTheEditToEnd)
     EXPECT_TRUE(editor->isVisible());
     click(editor.get(), "btnUpdate");
     EXPECT_TRUE(editor->close());
+    EXPECT_TRUE(sink.messages.empty()); // no category changed: nothing to ask
 }
 
 TEST_F(Editor, FrameOpensTheEditorFromBothButtonsAndSavesTheCheckitems)

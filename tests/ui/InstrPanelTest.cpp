@@ -180,6 +180,16 @@ TEST_F(InstrPanelTest, GetInstrClampsNumbersToTheNearerBoundAndShowsIt)
     EXPECT_EQ(bytesOf(record), recordBytes('A', 'M', "10\t-\t99999"));
 }
 
+// The panel reads a range as the definition parser does: "+5" is 5, not a failed 0.
+TEST_F(InstrPanelTest, RangesReadAsTheDefinitionParserReadsThem)
+{
+    build("D - Delay\nN 6\n\"Wait\"\t\"s\"\t\"N+5,10\"\n");
+    panel->SetInstr(TInstr(' ', 'D', "2"));
+    TInstr record(' ', 'D', "");
+    panel->GetInstr(record);
+    EXPECT_EQ(bytesOf(record), recordBytes(' ', 'D', "5"));
+}
+
 TEST_F(InstrPanelTest, AClampedBoundIsWrittenSoTheRecordShowsAgain)
 {
     // Bounds a whole-number box cannot hold as they stand: a fraction, and a number

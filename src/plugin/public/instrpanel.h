@@ -51,6 +51,8 @@ public:
     static void MinMax(const std::string &typeSpec, dataInfo *info);
 
     void SetInstr(const _instructionStruct &record); // throws TInstrPanelError 1, 2, 3, 4
+    // Whether the user changed a field since the panel last showed a record or was cleared.
+    bool fieldsEdited() const { return m_edited; }
     void GetInstr(_instructionStruct &record);       // clamps and writes back into the boxes
     void Show();
     void Hide();
@@ -78,6 +80,7 @@ private:
     void CleanUp();
 
     char m_opCode = 0;
+    bool m_edited = false;
     int m_rowGap = 0;
     int m_labelWidth = 0;
     QGridLayout *m_layout = nullptr;

@@ -1,0 +1,32 @@
+#include "TscreenFit.h"
+#include <QLayout>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <QWidget>
+
+void TscreenFit::fit(QWidget *window)
+{
+    QLayout *layout = window->layout();
+    if (!layout)
+        return;
+    // setLayout takes the layout, and the widgets in it, from the window.
+    auto *content = new QWidget;
+    content->setObjectName(QStringLiteral("screenFitContent"));
+    content->setLayout(layout);
+    auto *area = new QScrollArea;
+    area->setObjectName(QStringLiteral("screenFitArea"));
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus); // not a stop of the Tab key
+    area->setWidgetResizable(true);
+    area->setWidget(content);
+    auto *outer = new QVBoxLayout(window);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(area);
+
+    // Room for the title bar and borders, which the window system adds outside.
+    const QSize room = window->screen()->availableGeometry().size() - QSize(16, 48);
+    const QSize least = content->minimumSizeHint();
+    window->setMinimumSize(least.boundedTo(room));
+    window->resize(window->size().expandedTo(least).boundedTo(room));
+}
