@@ -180,7 +180,9 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
     const Files after = readFiles(data, others);
     for (int rename = 1;; ++rename) {
         startFromBefore();
-        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-e", "trace=rename,renameat,renameat2",
+        // The leak checker stops the world with ptrace, which a traced program cannot.
+        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-E", "ASAN_OPTIONS=detect_leaks=0",
+                                        "-e", "trace=rename,renameat,renameat2",
                                         "-e", "inject=rename,renameat,renameat2:signal=SIGKILL:when=" + std::to_string(rename)};
         traced.insert(traced.end(), command.begin(), command.end());
         const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
