@@ -25,6 +25,7 @@ std::size_t oneBased(const std::string &text, std::size_t count)
 struct Choice {
     const Tautosequence *sequence;
     std::string name; // for messages: "inspection 3", "tester 2 sequence 5"
+    bool fromLoadedFile;
 };
 }
 
@@ -33,6 +34,7 @@ std::string TprintSequenceCommand::usage() const
     return "Usage: kt930ctl print-sequence (--inspection K | --tester I --sequence J | --all) --pdf FILE [--appdir DIR]\n"
            "Prints autosequences of DIR/Data as the sequence editor prints them, one page each, to\n"
            "the PDF file FILE. Needs no display. Numbers count from 1, as the frame shows them.\n"
+           "Load messages go to stderr; only sequences whose own file did not load are refused.\n"
            "  --inspection K   physical inspection K\n"
            "  --tester I       user tester I (1 to 5), with --sequence J (1 to 12)\n"
            "  --all            every autosequence in use: the inspections, then the testers'\n"
@@ -58,26 +60,27 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
         return 1;
     }
 
+    // Load messages go to stderr; a file that failed to load stops only its own sequences.
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);
     data.loadCheckitems();
     data.loadInspections();
     data.loadUserTesters();
-    if (!sink.messages().empty())
-        return 1; // the data set is not what the analyzer would carry
     TcategoryMap categories;
     if (!TpdfOutput::loadNames(data, sink, categories))
         return 1;
 
     std::vector<Choice> chosen;
     if (args.has("--all")) {
-        for (const Tautosequence &sequence : data.inspections)
-            if (!sequence.isUnused())
-                chosen.push_back({&sequence, ""});
-        for (const TuserTester &tester : data.userTesters)
-            for (const Tautosequence &sequence : tester.sequences)
+        if (data.loadedCleanly(TdataSet::Inspections))
+            for (const Tautosequence &sequence : data.inspections)
                 if (!sequence.isUnused())
-                    chosen.push_back({&sequence, ""});
+                    chosen.push_back({&sequence, "", true});
+        for (std::size_t i = 0; i < data.userTesters.size(); ++i)
+            if (data.loadedCleanly(TdataSet::UserTesters, int(i)))
+                for (const Tautosequence &sequence : data.userTesters[i].sequences)
+                    if (!sequence.isUnused())
+                        chosen.push_back({&sequence, "", true});
         if (chosen.empty()) {
             std::cerr << Prefix << "no autosequence is in use; nothing printed\n";
             return 1;
@@ -90,7 +93,7 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
                       << data.inspections.size() << "\n";
             return 2;
         }
-        chosen.push_back({&data.inspections[k - 1], "inspection " + text});
+        chosen.push_back({&data.inspections[k - 1], "inspection " + text, data.loadedCleanly(TdataSet::Inspections)});
     } else {
         const std::string &testerText = args.options["--tester"];
         const std::string &sequenceText = args.options["--sequence"];
@@ -107,10 +110,16 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
                       << " has sequences 1 to " << sequences.size() << "\n";
             return 2;
         }
-        chosen.push_back({&sequences[j - 1], "user tester " + testerText + " sequence " + sequenceText});
+        chosen.push_back({&sequences[j - 1], "user tester " + testerText + " sequence " + sequenceText,
+                          data.loadedCleanly(TdataSet::UserTesters, int(i - 1))});
+    }
+    if (chosen.size() == 1 && !chosen.front().fromLoadedFile) {
+        std::cerr << Prefix << chosen.front().name << ": its file did not load (see above); nothing printed\n";
+        return 1;
     }
     if (chosen.size() == 1 && chosen.front().sequence->isUnused()) {
-        std::cerr << Prefix << chosen.front().name << " is unused; nothing printed\n";
+        // The sequence editor's words.
+        std::cerr << Prefix << chosen.front().name << ": Autosequence is unused. Print operation not initiated.\n";
         return 1;
     }
 

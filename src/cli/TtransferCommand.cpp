@@ -6,10 +6,10 @@
 #include "TcliProgressSink.h"
 #include "TdataSet.h"
 #include "TransferWorkers.h"
+#include "TserialPortMap.h"
 #include "TuploadVerifier.h"
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QSettings>
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -29,20 +29,6 @@ public:
 private:
     TcliProgressSink &m_progress;
 };
-
-// Serial ports that KT930pc.ini maps to other devices (section SERIALPORTS, COMn=path).
-void applySerialPortMap(const std::filesystem::path &appDir)
-{
-    QSettings ini(QString::fromStdString((appDir / "KT930pc.ini").string()), QSettings::IniFormat);
-    std::map<int, std::string> overrides;
-    ini.beginGroup("SERIALPORTS");
-    for (const QString &key : ini.childKeys()) {
-        int number = 0;
-        if (std::sscanf(key.toUpper().toLatin1().constData(), "COM%d", &number) == 1)
-            overrides[number] = ini.value(key).toString().toStdString();
-    }
-    TCommPort::setPortOverrides(overrides);
-}
 
 // Runs a worker to its end; true when it reported a completed transfer.
 bool runWorker(QThread &worker, TcliProgressSink &progress)
@@ -172,7 +158,7 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
         return 2;
     }
     QCoreApplication app(appArgc, appArgv);
-    applySerialPortMap(args.appDir);
+    TCommPort::setPortOverrides(TserialPortMap::readOverrides(args.appDir / "KT930pc.ini"));
     switch (m_kind) {
     case Kind::Download:
         return download(args, settings);

@@ -1,4 +1,5 @@
 #include "TCommPort.h"
+#include "TserialPortMap.h"
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -54,19 +55,8 @@ void TCommPort::setPortOverrides(const std::map<int, std::string> &map)
 
 std::string TCommPort::devicePath(int n)
 {
-    {
-        std::lock_guard lock(overridesMutex);
-        auto it = overrides.find(n);
-        if (it != overrides.end())
-            return it->second;
-    }
-    if (n >= 1 && n <= 32)
-        return "/dev/ttyS" + std::to_string(n - 1);
-    if (n >= 33 && n <= 64)
-        return "/dev/ttyUSB" + std::to_string(n - 33);
-    if (n >= 65 && n <= 96)
-        return "/dev/ttyACM" + std::to_string(n - 65);
-    return {};
+    std::lock_guard lock(overridesMutex);
+    return TserialPortMap::deviceOf(n, overrides);
 }
 
 std::string TCommPort::resolve(const std::string &name)

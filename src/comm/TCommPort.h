@@ -1,7 +1,6 @@
 #pragma once
-// Serial port over termios. A port is named "COMn"; the number maps to a device
-// (COM1-32 /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31)
-// unless an override map (from KT930pc.ini, section SERIALPORTS) names another path.
+// Serial port over termios. A port is named "COMn"; the number maps to a device as
+// TserialPortMap says, with the overrides read from KT930pc.ini.
 // Any other name is taken as a device path. Failures throw ECommError.
 // The port keeps its own input queue of up to InputQueueSize bytes: a tty holds
 // no more than about 4 KB, less than one 4224-byte sync chunk.

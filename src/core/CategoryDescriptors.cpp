@@ -2,6 +2,7 @@
 #include "AtomicFile.h"
 #include "RegularFile.h"
 #include "TextLineReader.h"
+#include "TtypedText.h"
 #include <fstream>
 
 namespace fs = std::filesystem;
@@ -42,7 +43,9 @@ int CategoryDescriptors::load(const fs::path &path, TcategoryMap &map)
 int CategoryDescriptors::save(const TcategoryMap &map, const fs::path &path)
 {
     std::string bytes;
-    for (const auto &[letter, text] : map) {
+    for (const auto &[letter, name] : map) {
+        // A line feed inside a name would start a line of its own, read back as another category.
+        const std::string text = TtypedText::cleanName(name);
         // The category editor's look-ups leave empty entries, some under keys that
         // are no letter at all; neither names a category.
         if (letter < 'A' || letter > 'Z' || text.empty())

@@ -297,6 +297,13 @@ std::string TdataSet::unreadableCopyName(const std::string &name)
     return name + ".unreadable-" + timeStamp();
 }
 
+bool TdataSet::loadedCleanly(Part part, int tester) const
+{
+    const std::string name = part == UserTesters ? userTesterFileName(tester) : filesOf(part).front().name;
+    const auto it = m_files.find(name);
+    return it != m_files.end() && it->second.stamp.present && !it->second.unreadable;
+}
+
 std::vector<std::string> TdataSet::unreadableFiles() const
 {
     std::vector<std::string> names;

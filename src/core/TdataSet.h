@@ -62,6 +62,9 @@ public:
     bool saveUserTesters() { return save(UserTesters); }
     bool backup(TsaveAction action = TsaveAction::Edit) { return save(Checkitems | Inspections | UserTesters, action); }
 
+    // False when the file of that part (of user tester `tester`, from 0) was missing or
+    // unreadable at its last load, so the part holds defaults.
+    bool loadedCleanly(Part part, int tester = 0) const;
     // The data files that failed to load and are not yet kept aside.
     std::vector<std::string> unreadableFiles() const;
     // What a technician should know about the folder after a load or a save, one line

@@ -1,4 +1,6 @@
 #include "TlistTexts.h"
+#include "TtypedText.h"
+#include "Twindows1252.h"
 
 std::string TlistTexts::romanNumeral(int number)
 {
@@ -32,6 +34,11 @@ std::string TlistTexts::testerRoot(int index, TuserTester &tester)
     if (trim(tester.name).empty())
         tester.name = "USER TESTER " + std::to_string(index + 1);
     return romanNumeral(index + 1) + ". " + tester.name;
+}
+
+std::string TlistTexts::testerName(const std::string &typed)
+{
+    return Twindows1252::toUpper(TtypedText::cleanName(typed));
 }
 
 std::string TlistTexts::testerChild(int index, const Tautosequence &sequence)

@@ -20,6 +20,8 @@ public:
     // Tree root of user tester index (from 0): numeral + ". " + name. A blank name
     // is first replaced in the tester by "USER TESTER <index + 1>".
     static std::string testerRoot(int index, TuserTester &tester);
+    // The name a user tester gets from a rename: the typed text cleaned, in upper case.
+    static std::string testerName(const std::string &typed);
     // Tree child j (from 0): "<j + 1>. " + sequence text.
     static std::string testerChild(int index, const Tautosequence &sequence);
 };

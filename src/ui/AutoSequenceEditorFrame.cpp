@@ -30,14 +30,6 @@ const char *const UnknownExceptionText = "Unknown exception";
 const char *const ClearQuestion =
     "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.";
 
-std::string upperAscii(std::string text)
-{
-    for (char &c : text)
-        if (c >= 'a' && c <= 'z')
-            c = char(c - 'a' + 'A');
-    return text;
-}
-
 // A question mark drawn for each size, so it stays legible at 16 px.
 QIcon helpIcon()
 {
@@ -350,7 +342,7 @@ void TAutoSeqEditFrame::editTreeNode(bool setCaptions)
             form.setLabelText(QStringLiteral("Tester Name"));
         }
         if (form.exec() == QDialog::Accepted)
-            name = upperAscii(TlistTexts::trim(TguiText::toBytes(form.text())));
+            name = TlistTexts::testerName(TguiText::toBytes(form.text()));
     }
     refreshLists(1);
     if (setCaptions)

@@ -1,23 +1,13 @@
 #include "TcategoryEditorForm.h"
 #include "ui_TcategoryEditorForm.h"
 #include "TguiText.h"
+#include "TtypedText.h"
 #include "Twindows1252Validator.h"
 #include <cassert>
 
 namespace {
 constexpr char FirstLetter = 'A';
 constexpr char LastLetter = 'Z';
-
-// Trims blanks and control characters at both ends (QString::trimmed keeps most controls).
-QString trimmedName(const QString &text)
-{
-    qsizetype first = 0, last = text.size();
-    while (first < last && text[first].unicode() <= ' ')
-        ++first;
-    while (last > first && text[last - 1].unicode() <= ' ')
-        --last;
-    return text.mid(first, last - first);
-}
 }
 
 TcategoryEditorForm::TcategoryEditorForm(QWidget *owner, int mode, char letter, TcategoryMap *table)
@@ -79,7 +69,7 @@ void TcategoryEditorForm::categoryDesignatorChange()
 void TcategoryEditorForm::btnOKClick()
 {
     // Entries are never removed: an empty name marks the letter unused.
-    (*m_table)[selectedLetter()] = TguiText::toBytes(trimmedName(ui->txtName->text()));
+    (*m_table)[selectedLetter()] = TtypedText::cleanName(TguiText::toBytes(ui->txtName->text()));
     accept();
 }
 

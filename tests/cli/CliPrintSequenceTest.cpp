@@ -99,7 +99,8 @@ TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
         std::string errStart;
     };
     const std::vector<Case> cases{
-        {{"--inspection", "2"}, 1, "kt930ctl print-sequence: inspection 2 is unused; nothing printed\n"},
+        {{"--inspection", "2"}, 1,
+         "kt930ctl print-sequence: inspection 2: Autosequence is unused. Print operation not initiated.\n"},
         {{"--inspection", "0"}, 2, "kt930ctl print-sequence: --inspection 0: the data set has inspections 1 to 2\n"},
         {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3: the data set has inspections 1 to 2\n"},
         {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x: the data set has inspections 1 to 2\n"},
@@ -135,5 +136,36 @@ TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
     EXPECT_EQ(none.exitCode, 1);
     EXPECT_EQ(none.err, "kt930ctl print-sequence: no autosequence is in use; nothing printed\n");
     EXPECT_FALSE(fs::exists(pdf()));
+}
+// A file that did not load stops only its own sequences; its message is on stderr.
+TEST_F(CliPrintSequenceTest, OnlySequencesOfAFileThatDidNotLoadAreRefused)
+{
+    const std::string messages =
+        "Inspection Data Error\nWarning!! Corrupt Physical Inspection List\nPlease restore the data from the KT930.\n"
+        "User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
+        "Please restore the data from the KT930.\n";
+    const std::string refused = messages + "kt930ctl print-sequence: ";
+    temp.write("app/Data/inspection.asq", "not an autosequence file");
+    fs::remove(temp / "app/Data/usertester3.asq");
+    struct Case {
+        std::vector<std::string> choice;
+        int exitCode;
+        std::string err;
+    };
+    const std::vector<Case> cases{
+        {{"--tester", "2", "--sequence", "3"}, 0, messages},
+        {{"--inspection", "1"}, 1, refused + "inspection 1: its file did not load (see above); nothing printed\n"},
+        {{"--tester", "3", "--sequence", "1"}, 1,
+         refused + "user tester 3 sequence 1: its file did not load (see above); nothing printed\n"},
+        {{"--all"}, 0, messages},
+    };
+    for (const Case &c : cases) {
+        fs::remove(pdf());
+        ProgramRun result = print(c.choice);
+        EXPECT_EQ(result.exitCode, c.exitCode) << c.choice[0];
+        EXPECT_EQ(result.err.substr(0, c.err.size()), c.err); // Qt may add its own notes
+        EXPECT_EQ(fs::exists(pdf()), c.exitCode == 0) << c.choice[0];
+    }
+    EXPECT_EQ(pages().size(), 1u); // --all: user tester 2's sequence alone
 }
 #endif

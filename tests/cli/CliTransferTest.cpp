@@ -2,6 +2,7 @@
 #include "TsimProcess.h"
 #include "LoopbackAddress.h"
 #include "ProgramRun.h"
+#include "PtyPair.h"
 #include "TempDir.h"
 #include "SaveUnderFaults.h"
 #include <filesystem>
@@ -160,6 +161,16 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
     EXPECT_EQ(ctl({"download", "--verify", "--ethernet", "127.0.0.1"}), 2); // only an upload is verified
     EXPECT_EQ(ctl({"download", "--help"}), 0);
     EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
+}
+
+// KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the
+// pseudo-terminal behind it is never opened.
+TEST_F(CliTransferTest, SerialPortKeysAreTakenOnlyWhenExact)
+{
+    PtyPair pty;
+    temp.write("pc/KT930pc.ini", "[SERIALPORTS]\nCOM200x=" + pty.slavePath + "\n");
+    EXPECT_EQ(ctl({"sync", "--serial", "200"}), 1);
+    EXPECT_NE(stderrText.find("Serial Port Error\nOpen Error!"), std::string::npos) << stderrText;
 }
 }
 

@@ -12,11 +12,7 @@
 #include <QRadioButton>
 #include <QSettings>
 #include <QTest>
-#include <algorithm>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace {
 struct SelectorFixture : ::testing::Test {
@@ -36,39 +32,10 @@ struct SelectorFixture : ::testing::Test {
 };
 } // namespace
 
-TEST(SerialPortMap, NumbersMapToDeviceFamilies)
+TEST(SerialPortMap, SelectorEntriesBeginWithThePortName)
 {
-    for (auto [port, device] : {std::pair{1, "/dev/ttyS0"}, {32, "/dev/ttyS31"}, {33, "/dev/ttyUSB0"},
-                                {65, "/dev/ttyACM0"}, {96, "/dev/ttyACM31"}, {97, ""}})
-        EXPECT_EQ(TserialPortMap::defaultDevice(port), device) << port;
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)"), 12);
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM3"), 3);
-}
-
-// Another program's exclusive hold survives the probe (a privileged probe could
-// open the port anyway), and the probe leaves no hold of its own behind.
-TEST(SerialPortMap, ProbeSkipsAHeldPortAndKeepsItsHold)
-{
-    PtyPair held, free;
-    const int holder = ::open(held.slavePath.c_str(), O_RDWR | O_NOCTTY);
-    ASSERT_GE(holder, 0);
-    ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
-
-    const std::vector<int> ports = TserialPortMap::freePorts({{200, held.slavePath}, {201, free.slavePath}});
-    EXPECT_EQ(std::count(ports.begin(), ports.end(), 200), 0);
-    EXPECT_EQ(std::count(ports.begin(), ports.end(), 201), 1);
-    auto exclusive = [](const std::string &path) {
-        int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-        int flag = -1;
-        ::ioctl(fd, TIOCGEXCL, &flag);
-        ::close(fd);
-        return flag;
-    };
-    int heldFlag = -1;
-    ::ioctl(holder, TIOCGEXCL, &heldFlag);
-    EXPECT_EQ(heldFlag, 1);
-    EXPECT_EQ(exclusive(free.slavePath), 0);
-    ::close(holder);
 }
 
 TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddress)

@@ -205,19 +205,19 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     whenModal([&](QWidget *form) {
         caption = form->windowTitle();
         label = child<QLabel>(form, "Label1")->text();
-        child<QLineEdit>(form, "sequenceTitle")->setText("  icu bay  ");
+        child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")); // pasted
         click(form, "Button2");
     });
     click(frame.get(), "BtnUTSEdit");
     EXPECT_EQ(caption, "Tester Name Editor");
     EXPECT_EQ(label, "Tester Name");
-    EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU BAY");
-    EXPECT_EQ(tree->topLevelItem(2)->text(0), "iii. ICU BAY");
+    EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU CAF\xC9");
+    EXPECT_EQ(tree->topLevelItem(2)->text(0), QString::fromUtf8("iii. ICU CAF\u00c9"));
     EXPECT_TRUE(sink.messages.empty());
 
     // Written from the documented layouts: the tester files carry the names.
     const TdataSet &data = frame->dataSet();
-    EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU BAY", data.userTesters[2].sequences));
+    EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU CAF\xC9", data.userTesters[2].sequences));
     EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
     EXPECT_EQ(read("usertester4.asq"), asqBytes("User Tester Autosequences", names[3], data.userTesters[3].sequences));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));

@@ -18,6 +18,7 @@
 #include <QTableWidget>
 #include <QTest>
 #include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 
 namespace {
@@ -483,4 +484,23 @@ TEST_F(SequenceEditorFixture, AnUnusedSequenceIsNotPrintedAFailedPrintIsReported
     click("btnPrint");
     const Message error{"Printing Error", "An error occurred while printing.\nPrint operation aborted."};
     EXPECT_EQ(sink.messages, (std::vector<Message>{empty, error}));
+}
+
+// Only the checkitem editor repairs a record: here an unknown op code shows as an
+// empty name, and opening, sorting and printing leave the record's bytes alone.
+TEST_F(SequenceEditorFixture, AnUnknownOpCodeIsShownEmptyAndItsRecordIsLeftAsItIs)
+{
+    db[5].assign('B', 'Z', "Odd\t1"); // no definition file names Z
+    const TInstr before = db[5];
+    setItems(seq, list({6, 1}));
+    auto &printing = static_cast<PdfSequenceEditor &>(open());
+    printing.pdf = appDir.dir().path() / "printed.pdf";
+    for (int column : {0, 1, 2, 2})
+        pressHeader(column);
+    click("btnPrint");
+    EXPECT_EQ(column("asList", 2), QStringList({"", "M - Measure"}));
+    EXPECT_TRUE(column("instList", 0).contains("6"));
+    EXPECT_TRUE(std::filesystem::exists(printing.pdf));
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(std::memcmp(&db[5], &before, sizeof(TInstr)), 0);
 }

@@ -11,8 +11,11 @@ public:
 
     // COM1-32 /dev/ttyS0-31, COM33-64 /dev/ttyUSB0-31, COM65-96 /dev/ttyACM0-31; else "".
     static std::string defaultDevice(int port);
-    // Section SERIALPORTS of an ini file: COMn=path, for any n in 1..256.
+    // Section SERIALPORTS of an ini file: COMn=path. A key counts only when it is
+    // "COM" (any case) and a number from 1 to 256, nothing else; others are ignored.
     static std::map<int, std::string> readOverrides(const std::filesystem::path &iniFile);
+    // The port number of such a key; 0 when the key is none.
+    static int portOfKey(const std::string &key);
     static std::string deviceOf(int port, const std::map<int, std::string> &overrides);
     // Numbers (ascending) of the ports whose device opens now: read/write,
     // non-blocking, no controlling terminal, exclusively. A port that another

@@ -1,5 +1,6 @@
 #include "TserialPortMap.h"
 #include <QSettings>
+#include <cctype>
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -21,15 +22,27 @@ std::map<int, std::string> TserialPortMap::readOverrides(const std::filesystem::
     std::map<int, std::string> result;
     QSettings ini(QString::fromStdString(iniFile.string()), QSettings::IniFormat);
     ini.beginGroup(QStringLiteral("SERIALPORTS"));
-    for (const QString &key : ini.childKeys()) {
-        if (!key.startsWith(QLatin1String("COM"), Qt::CaseInsensitive))
-            continue;
-        bool ok = false;
-        int port = key.mid(3).toInt(&ok);
-        if (ok && port >= 1 && port <= MaxPort)
+    for (const QString &key : ini.childKeys())
+        if (const int port = portOfKey(key.toStdString()))
             result[port] = ini.value(key).toString().toStdString();
-    }
     return result;
+}
+
+int TserialPortMap::portOfKey(const std::string &key)
+{
+    // "COM" and one to three digits: "COM12x", "COM+5" and "COM 5" name no port.
+    if (key.size() < 4 || key.size() > 6)
+        return 0;
+    for (std::size_t i = 0; i < 3; ++i)
+        if (std::toupper(static_cast<unsigned char>(key[i])) != "COM"[i])
+            return 0;
+    int port = 0;
+    for (std::size_t i = 3; i < key.size(); ++i) {
+        if (key[i] < '0' || key[i] > '9')
+            return 0;
+        port = port * 10 + (key[i] - '0');
+    }
+    return port >= 1 && port <= MaxPort ? port : 0;
 }
 
 std::string TserialPortMap::deviceOf(int port, const std::map<int, std::string> &overrides)
