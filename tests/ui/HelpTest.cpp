@@ -1,12 +1,15 @@
 // Help: the topic opens in the plug-in's own window, which the frame closes when it goes.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
+#include "THelpBrowser.h"
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
 #include "autoSequenceEditForm.h"
 #include "UiTestSupport.h"
 #include <QApplication>
 #include <QPushButton>
+#include <QScreen>
+#include <QToolButton>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -67,4 +70,60 @@ TEST(Help, TheSequenceEditorKeepsOneHelpWindowThatGoesWithIt)
     QPointer<THelpWindow> window = helpWindows().first();
     editor.reset();
     EXPECT_TRUE(window.isNull());
+}
+
+// Wherever the host window stands, the help window opens inside the free area of its screen.
+TEST(Help, TheWindowOpensFullyVisibleOnTheScreenOfTheWindowThatAsked)
+{
+    AppDirScope appDir;
+    std::filesystem::copy_file(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch");
+    RecordingMessageSink sink;
+    QWidget hostWindow;
+    auto *frame = new TAutoSeqEditFrame(&hostWindow, nullptr, nullptr, &sink);
+    hostWindow.show();
+    const QRect free = hostWindow.screen()->availableGeometry();
+    const QSize size(400, 300);
+    const int right = free.right() + 1 - size.width(), bottom = free.bottom() + 1 - size.height();
+    for (const QPoint &at : {QPoint(free.left(), bottom), QPoint(right, free.top()), QPoint(right, bottom)}) {
+        hostWindow.setGeometry(QRect(at, size));
+        click(frame, "BtnHelp");
+        ASSERT_EQ(helpWindows().size(), 1);
+        QPointer<THelpWindow> help = helpWindows().first();
+        EXPECT_EQ(help->screen(), hostWindow.screen());
+        EXPECT_TRUE(free.contains(help->frameGeometry())) << help->frameGeometry().x() << "," << help->frameGeometry().y();
+        help->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+// Back and Forward follow the pages the links led to, by button and by Alt+Left / Alt+Right.
+TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
+{
+    AppDirScope appDir;
+    THelpWindow window(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto *back = child<QToolButton>(&window, "btnBack");
+    auto *forward = child<QToolButton>(&window, "btnForward");
+    const QUrl first = window.browser()->source();
+    const QUrl second = first.resolved(QUrl("sequenceEditor.html"));
+    window.browser()->setSource(second);
+
+    struct Step { std::function<void()> act; QUrl page; bool backEnabled, forwardEnabled; };
+    const Step steps[] = {
+        {[] {}, second, true, false},
+        {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
+        // With the focus off the page too.
+        {[&] { forward->setFocus(); QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
+        {[&] { back->click(); }, first, false, true},
+        {[&] { forward->click(); }, second, true, false},
+    };
+    for (const Step &step : steps) {
+        step.act();
+        EXPECT_EQ(window.browser()->source(), step.page);
+        EXPECT_EQ(back->isEnabled(), step.backEnabled);
+        EXPECT_EQ(forward->isEnabled(), step.forwardEnabled);
+    }
+    EXPECT_FALSE(back->icon().isNull());
 }
