@@ -85,19 +85,22 @@ void THelpWindow::showTopic(QPointer<THelpWindow> &window, const std::filesystem
     window->activateWindow();
 }
 
-// Centred over the asking window, pulled back inside its screen's free area where
-// that would cross an edge, and never larger than that area.
+QRect THelpWindow::placement(const QRect &askerFrame, const QRect &available)
+{
+    const QRect free = available.marginsRemoved(Decoration);
+    QRect placed(QPoint(), PreferredSize.boundedTo(free.size()));
+    placed.moveCenter(askerFrame.center());
+    placed.moveLeft(std::clamp(placed.left(), free.left(), free.right() + 1 - placed.width()));
+    placed.moveTop(std::clamp(placed.top(), free.top(), free.bottom() + 1 - placed.height()));
+    return placed;
+}
+
 void THelpWindow::placeOver(const QWidget *asker)
 {
     const QWidget *anchor = asker ? asker->window() : nullptr;
     QScreen *screen = anchor ? anchor->screen() : nullptr;
     if (!screen)
         screen = QGuiApplication::primaryScreen();
-    const QRect free = screen->availableGeometry().marginsRemoved(Decoration);
-    QRect placed(QPoint(), PreferredSize.boundedTo(free.size()));
-    const QRect over = anchor ? anchor->frameGeometry() : free;
-    placed.moveCenter(screen->geometry().intersects(over) ? over.center() : free.center());
-    placed.moveLeft(std::clamp(placed.left(), free.left(), free.right() + 1 - placed.width()));
-    placed.moveTop(std::clamp(placed.top(), free.top(), free.bottom() + 1 - placed.height()));
-    setGeometry(placed);
+    const QRect available = screen->availableGeometry();
+    setGeometry(placement(anchor ? anchor->frameGeometry() : available, available));
 }

@@ -23,6 +23,11 @@ public:
     static void showTopic(QPointer<THelpWindow> &window, const std::filesystem::path &helpFile,
                           const QString &topic, QWidget *modalOwner = nullptr, QWidget *asker = nullptr);
 
+    // Where a new window opens on a screen with the free area available: centred over
+    // the asking window's frame, moved inside where that would cross an edge of the
+    // area, with room left for the title bar and borders.
+    static QRect placement(const QRect &askerFrame, const QRect &available);
+
     bool topicLoaded() const;
     QString toPlainText() const; // the text of the page on show
     THelpBrowser *browser() const { return m_browser; }

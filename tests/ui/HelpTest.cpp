@@ -96,6 +96,26 @@ TEST(Help, TheWindowOpensFullyVisibleOnTheScreenOfTheWindowThatAsked)
     }
 }
 
+// On any screen and wherever the asking window stands: the whole window with a title bar
+// and borders inside the free area, over the asking window, centred on it where there is room.
+TEST(Help, PlacementKeepsTheWholeWindowInTheFreeAreaOfTheAskersScreen)
+{
+    const QMargins titleBarAndBorders(4, 30, 4, 4);
+    const QRect secondScreen(1920, 0, 1280, 984), smallScreen(0, 0, 640, 440);
+    const std::pair<QRect, QRect> askerOnScreen[] = {
+        {{1920, 684, 400, 300}, secondScreen}, // bottom left
+        {{3000, -50, 400, 300}, secondScreen}, // top right, partly off the screen
+        {{2300, 300, 400, 300}, secondScreen}, // room all round
+        {{100, 100, 400, 300}, smallScreen},
+    };
+    for (const auto &[asker, available] : askerOnScreen) {
+        const QRect placed = THelpWindow::placement(asker, available);
+        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders))) << asker.x() << "," << asker.y();
+        EXPECT_TRUE(placed.intersects(asker)) << asker.x() << "," << asker.y();
+    }
+    EXPECT_EQ(THelpWindow::placement(askerOnScreen[2].first, secondScreen).center(), askerOnScreen[2].first.center());
+}
+
 // Back and Forward follow the pages the links led to, by button and by Alt+Left / Alt+Right.
 TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
 {
