@@ -102,7 +102,7 @@ void ThostMainWindow::createMenus()
     for (const QString &file : helpFolder.entryList({QStringLiteral("*.qch")}, QDir::Files, QDir::Name)) {
         const std::filesystem::path path = m_folders.help / file.toStdString();
         help->addAction(QFileInfo(file).completeBaseName() + QStringLiteral(" Help"), this,
-                        [this, path] { THelpWindow::showTopic(m_helpWindow, path, QString()); });
+                        [this, path] { THelpWindow::showTopic(m_helpWindow, path, QString(), nullptr, this); });
     }
     if (!help->isEmpty())
         help->addSeparator();

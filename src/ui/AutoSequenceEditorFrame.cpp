@@ -3,6 +3,7 @@
 #include "AppDir.h"
 #include "THelpWindow.h"
 #include "TdataSet.h"
+#include "TenterKey.h"
 #include "TguiMessageSink.h"
 #include "TguiText.h"
 #include "TlistRowDelegate.h"
@@ -111,6 +112,8 @@ void TAutoSeqEditFrame::setUpControls()
     ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
     ui->LstUTS->setItemDelegate(new TtreeNodeDelegate(ui->LstUTS));
     ui->LstUTS->viewport()->installEventFilter(this);
+    ui->lstIP->installEventFilter(this);
+    ui->LstUTS->installEventFilter(this);
 
     LstUTSTimer = new QTimer(this);
     LstUTSTimer->setObjectName(QStringLiteral("LstUTSTimer"));
@@ -424,6 +427,15 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == window() && event->type() == QEvent::Close && isVisible())
         BtnBackupClick();
+    // Enter edits as a double click does, and like it saves nothing.
+    if (watched == ui->lstIP && TenterKey::pressed(event)) {
+        lstIPDblClick();
+        return true;
+    }
+    if (watched == ui->LstUTS && TenterKey::pressed(event)) {
+        LstUTSDblClick();
+        return true;
+    }
     if (watched == ui->LstUTS->viewport()) {
         if (event->type() == QEvent::MouseButtonPress)
             LstUTSMouseDown(static_cast<QMouseEvent *>(event));
@@ -514,7 +526,7 @@ void TAutoSeqEditFrame::BtnDownloadClick()
 void TAutoSeqEditFrame::BtnHelpClick()
 {
     THelpWindow::showTopic(m_helpWindow, TappDir::helpFolder() / "AUTOSEQUENCEEDITOR.qch",
-                           QStringLiteral("autoSequenceEditor.html"));
+                           QStringLiteral("autoSequenceEditor.html"), nullptr, this);
 }
 
 void TAutoSeqEditFrame::BtnExitClick()

@@ -6,6 +6,8 @@
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
 #include "Tautosequence.h"
+#include "TenterKey.h"
+#include "TfocusCellDelegate.h"
 #include "TguiMessageSink.h"
 #include "TguiText.h"
 #include "TinstGridHeader.h"
@@ -85,6 +87,7 @@ void TsequenceEditor::setUpControls()
     ui->asList->horizontalHeader()->setSectionsClickable(false);
     ui->asList->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     for (QTableWidget *grid : {ui->instList, ui->asList}) {
+        grid->setItemDelegate(new TfocusCellDelegate(grid));
         grid->setTextElideMode(Qt::ElideNone);
         grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
     }
@@ -105,6 +108,17 @@ void TsequenceEditor::setUpControls()
     connect(ui->testerPortlst, &QComboBox::activated, this, &TsequenceEditor::testerPortlstChange);
     connect(ui->baudRatelst, &QComboBox::activated, this, &TsequenceEditor::baudRatelstChange);
     connect(m_header, &QHeaderView::sectionPressed, this, &TsequenceEditor::instListMouseDown);
+    ui->instList->installEventFilter(this);
+}
+
+// Enter on the available checkitems adds the selected one, as Add does.
+bool TsequenceEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == ui->instList && TenterKey::pressed(event)) {
+        btnAddClick();
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 // The op codes the grids name; "A" only when autosequence calls are offered.

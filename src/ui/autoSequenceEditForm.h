@@ -59,6 +59,7 @@ public Q_SLOTS:
     void instListMouseDown(int column);
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     // The printer set-up dialog on printer; true when the user confirmed it.
     virtual bool choosePrinter(QPrinter &printer);
 

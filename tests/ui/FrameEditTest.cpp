@@ -165,6 +165,26 @@ TEST_F(FrameEditFixture, DoubleClickOnATesterSequenceEditsThatSequenceWithoutSav
     EXPECT_TRUE(writtenFiles().empty());
 }
 
+// Return and the keypad's Enter open the selected entry as a double click does, and save nothing either.
+TEST_F(FrameEditFixture, EnterOnASelectedInspectionOrTesterSequenceEditsItWithoutSaving)
+{
+    auto *list = get<QListWidget>("lstIP");
+    list->setCurrentRow(1);
+    QString shown;
+    addAndConfirm(&shown);
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(shown, "(UNUSED)");
+    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
+
+    QTreeWidget *tree = testerTree();
+    tree->setCurrentItem(tree->topLevelItem(3)->child(0));
+    addAndConfirm(&shown);
+    QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(shown, "LEAKAGE");
+    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
+    EXPECT_TRUE(writtenFiles().empty());
+}
+
 TEST_F(FrameEditFixture, EditSequenceOnATesterSequenceEditsItAndSavesAllThree)
 {
     QTreeWidget *tree = testerTree();

@@ -1,12 +1,15 @@
 // Help: the topic opens in the plug-in's own window, which the frame closes when it goes.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
+#include "THelpBrowser.h"
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
 #include "autoSequenceEditForm.h"
 #include "UiTestSupport.h"
 #include <QApplication>
 #include <QPushButton>
+#include <QScreen>
+#include <QToolButton>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -24,6 +27,7 @@ TEST(Help, TheFrameKeepsOneTopicWindowThatARepeatedPressRaisesAndItsEndCloses)
     QPointer<THelpWindow> window = helpWindows().first();
     EXPECT_TRUE(window->topicLoaded());
     EXPECT_TRUE(window->toPlainText().contains("Upload To KT930 and Download From KT930"));
+    EXPECT_TRUE(frame->screen()->availableGeometry().contains(window->frameGeometry()));
 
     // The user goes back to the frame, then minimises the help window.
     frame->activateWindow();
@@ -67,4 +71,56 @@ TEST(Help, TheSequenceEditorKeepsOneHelpWindowThatGoesWithIt)
     QPointer<THelpWindow> window = helpWindows().first();
     editor.reset();
     EXPECT_TRUE(window.isNull());
+}
+
+// On any screen and wherever the asking window stands: the whole window with a title bar
+// and borders inside the free area, over the asking window, centred on it where there is room.
+TEST(Help, PlacementKeepsTheWholeWindowInTheFreeAreaOfTheAskersScreen)
+{
+    const QMargins titleBarAndBorders(4, 30, 4, 4);
+    const QRect secondScreen(1920, 0, 1280, 984), smallScreen(0, 0, 640, 440);
+    const std::pair<QRect, QRect> askerOnScreen[] = {
+        {{1920, 684, 400, 300}, secondScreen}, // bottom left
+        {{3000, -50, 400, 300}, secondScreen}, // top right, partly off the screen
+        {{2300, 300, 400, 300}, secondScreen}, // room all round
+        {{100, 100, 400, 300}, smallScreen},
+    };
+    for (const auto &[asker, available] : askerOnScreen) {
+        const QRect placed = THelpWindow::placement(asker, available);
+        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders))) << asker.x() << "," << asker.y();
+        EXPECT_TRUE(placed.intersects(asker)) << asker.x() << "," << asker.y();
+    }
+    EXPECT_EQ(THelpWindow::placement(askerOnScreen[2].first, secondScreen).center(), askerOnScreen[2].first.center());
+}
+
+// Back and Forward follow the pages the links led to, by button and by Alt+Left / Alt+Right.
+TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
+{
+    AppDirScope appDir;
+    THelpWindow window(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto *back = child<QToolButton>(&window, "btnBack");
+    auto *forward = child<QToolButton>(&window, "btnForward");
+    const QUrl first = window.browser()->source();
+    const QUrl second = first.resolved(QUrl("sequenceEditor.html"));
+    window.browser()->setSource(second);
+
+    struct Step { std::function<void()> act; QUrl page; bool backEnabled, forwardEnabled; };
+    const Step steps[] = {
+        {[] {}, second, true, false},
+        {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
+        // With the focus off the page too.
+        {[&] { forward->setFocus(); QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
+        {[&] { back->click(); }, first, false, true},
+        {[&] { forward->click(); }, second, true, false},
+    };
+    for (const Step &step : steps) {
+        step.act();
+        EXPECT_EQ(window.browser()->source(), step.page);
+        EXPECT_EQ(back->isEnabled(), step.backEnabled);
+        EXPECT_EQ(forward->isEnabled(), step.forwardEnabled);
+    }
+    EXPECT_FALSE(back->icon().isNull());
 }

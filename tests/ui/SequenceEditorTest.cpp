@@ -8,6 +8,7 @@
 #include "TinstGridHeader.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
+#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -324,6 +325,52 @@ TEST_F(SequenceEditorFixture, ARowWithFocusButNoSelectionIsNotActedOn)
     ASSERT_TRUE(checkitems->selectedItems().isEmpty());
     click("btnAdd");
     EXPECT_EQ(itemsOf(seq), list({1, 2, 3}));
+}
+
+// ---- keyboard
+
+TEST_F(SequenceEditorFixture, EnterOnTheAvailableCheckitemsAddsAsAddDoesAndLeavesTheFormOpen)
+{
+    open();
+    auto *checkitems = get<QTableWidget>("instList");
+    select("instList", 3); // checkitem 5
+    QTest::keyClick(checkitems, Qt::Key_Return);
+    QTest::keyClick(checkitems, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(itemsOf(seq), list({2, 1, 5, 5}));
+    EXPECT_TRUE(editor->isVisible());
+}
+
+TEST_F(SequenceEditorFixture, TabRunsFromTheCheckitemsThroughAddTheSequenceItsButtonsTitlesAndSettingsToOk)
+{
+    open();
+    editor->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(editor.get()));
+    get("instList")->setFocus(Qt::TabFocusReason);
+    QStringList order{QApplication::focusWidget()->objectName()};
+    while (order.size() < 15 && order.last() != "btnOk") {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        order << QApplication::focusWidget()->objectName();
+    }
+    EXPECT_EQ(order, (QStringList{"instList", "btnAdd", "asList", "btnTop", "btnUp", "btnDown", "btnBottom",
+                                  "btnRemove", "btnClear", "title1txt", "title2txt", "testerPortlst", "baudRatelst",
+                                  "btnOk"}));
+}
+
+// The current cell of the grid with the focus is framed, on a selected row too.
+TEST_F(SequenceEditorFixture, TheGridWithTheFocusFramesItsCurrentCell)
+{
+    open();
+    editor->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(editor.get()));
+    auto *sequenceGrid = get<QTableWidget>("asList");
+    select("asList", 1);
+    const QRect cell = sequenceGrid->visualRect(sequenceGrid->currentIndex());
+    const QColor frame = sequenceGrid->palette().color(QPalette::HighlightedText);
+    auto topEdge = [&] { return sequenceGrid->viewport()->grab().toImage().pixelColor(cell.center().x(), cell.top()); };
+    get("instList")->setFocus();
+    EXPECT_NE(topEdge(), frame);
+    sequenceGrid->setFocus();
+    EXPECT_EQ(topEdge(), frame);
 }
 
 // ---- sorting and filtering
