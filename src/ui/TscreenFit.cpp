@@ -10,6 +10,12 @@ void TscreenFit::fit(QWidget *window)
     QLayout *layout = window->layout();
     if (!layout)
         return;
+    // Moving the widgets to another parent rebuilds the focus chain in creation
+    // order: the form's tab order is noted here and set again below.
+    QList<QWidget *> tabOrder;
+    for (QWidget *w = window->nextInFocusChain(); w && w != window; w = w->nextInFocusChain())
+        if (window->isAncestorOf(w) && (w->focusPolicy() & Qt::TabFocus))
+            tabOrder << w;
     // setLayout takes the layout, and the widgets in it, from the window.
     auto *content = new QWidget;
     content->setObjectName(QStringLiteral("screenFitContent"));
@@ -23,6 +29,8 @@ void TscreenFit::fit(QWidget *window)
     auto *outer = new QVBoxLayout(window);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->addWidget(area);
+    for (qsizetype i = 1; i < tabOrder.size(); ++i)
+        QWidget::setTabOrder(tabOrder[i - 1], tabOrder[i]);
 
     // Room for the title bar and borders, which the window system adds outside.
     const QSize room = window->screen()->availableGeometry().size() - QSize(16, 48);
