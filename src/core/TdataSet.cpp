@@ -8,10 +8,10 @@
 #include "RegularFile.h"
 #include "TdataFolderLock.h"
 #include "TfileSetWriter.h"
+#include "TimeStamp.h"
 #include "TrestorePoints.h"
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <fstream>
 #include <mutex>
 
@@ -31,16 +31,6 @@ int parseAutosequenceFile(TautosequenceFile &file, const std::string &bytes)
 std::string userTesterFileName(int index)
 {
     return "usertester" + std::to_string(index + 1) + ".asq";
-}
-
-std::string timeStamp()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local {};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
-    return text;
 }
 
 constexpr std::size_t CheckitemFileLimit = TInstrDatabase::SlotCount * sizeof(TInstr);
@@ -294,7 +284,7 @@ bool TdataSet::loadsCleanly(const TpartFile &file)
 
 std::string TdataSet::unreadableCopyName(const std::string &name)
 {
-    return name + ".unreadable-" + timeStamp();
+    return name + ".unreadable-" + localTimeStamp();
 }
 
 bool TdataSet::loadedCleanly(Part part, int tester) const

@@ -2,10 +2,10 @@
 #include "TdataFolderLock.h"
 #include "TdataSet.h"
 #include "TfileSetWriter.h"
+#include "TimeStamp.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <ctime>
 #include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -31,16 +31,6 @@ std::string displayTime(const std::string &name)
         return name;
     return name.substr(0, 4) + "-" + name.substr(4, 2) + "-" + name.substr(6, 2) + " " + name.substr(9, 2) + ":"
         + name.substr(11, 2) + ":" + name.substr(13, 2);
-}
-
-std::string timeStamp()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local {};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
-    return text;
 }
 
 // A restore point is named by its time and a counter that keeps two of one second apart.
@@ -99,7 +89,7 @@ bool TrestorePoints::create(const std::string &action, const std::vector<std::st
         why = "The restore point folder " + folder().string() + " is not a folder of your own.";
         return false;
     }
-    const std::string stamp = timeStamp();
+    const std::string stamp = localTimeStamp();
     fs::path point;
     for (int counter = 1;; ++counter) {
         point = folder() / (stamp + "-" + std::to_string(counter));
