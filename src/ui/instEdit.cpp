@@ -15,6 +15,7 @@
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
 #include "TinstSyncThread.h"
+#include "TenterKey.h"
 #include "TopeningClickGuard.h"
 #include "TscreenFit.h"
 #include "TtransferRunner.h"
@@ -856,7 +857,7 @@ void TinstructionEditorForm::keyPressEvent(QKeyEvent *event)
 {
     QWidget *focus = focusWidget();
     const bool inFields = ui->btnUpdate->isEnabled() && focus && qobject_cast<TInstrPanel *>(focus->parentWidget());
-    if (inFields && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+    if (inFields && TenterKey::pressed(event)) {
         ui->btnUpdate->click();
         return;
     }
