@@ -344,6 +344,7 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
     bool complete = true;
     TfileSetWriter writer(dataFolder());
     std::vector<std::pair<std::string, std::string>> written;
+    std::vector<TpartFile> staged;
     for (const TpartFile &file : files) {
         const std::string bytes = bytesOf(file);
         TfileState &state = m_files[file.name];
@@ -376,6 +377,7 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
             continue;
         }
         written.emplace_back(file.name, bytes);
+        staged.push_back(file);
     }
     if (writer.empty())
         return complete;
@@ -391,12 +393,11 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
         }
     }
     if (!writer.commit()) {
-        for (const TpartFile &file : files)
+        for (const TpartFile &file : staged)
             m_sink.error("File Error", fileErrorText(file));
         return false;
     }
-    for (const auto &[name, bytes] : written)
-    {
+    for (const auto &[name, bytes] : written) {
         remember(name, true, bytes, false);
         rememberWrittenByThisProcess(dataFile(name), m_files[name].stamp);
     }
