@@ -1,6 +1,7 @@
 #include "TftdiDeviceApi.h"
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <ftdi.h>
 #include <libusb.h>
@@ -10,16 +11,19 @@ namespace {
 // The chip holds back a short reply until its latency timer runs out (16 ms by
 // default). Every block of an upload waits for a 2-byte acknowledgement, so the
 // default would add about 11 s to a full upload; 2 ms keeps it near the line's
-// speed. It is the only setting made on the chip itself. The chip also answers
-// every bulk read within this timer, with a status-only packet when it has no
-// data, so an idle read costs at most LatencyMs and the poll periods stay as they are.
-// The USB read time-out is far longer than that: libftdi fails a read that times
-// out and drops the bytes it had already gathered in that call, so a time-out
-// must only ever mean a silent device.
+// speed. It is the only setting made on the chip itself.
 constexpr unsigned char LatencyMs = 2;
-constexpr int UsbReadTimeoutMs = 200;
-// Whole packets of both full-speed (64-byte) and high-speed (512-byte) chips.
-constexpr unsigned ReadChunkSize = 4096;
+// The pending count only looks: it must not hold up a poll.
+constexpr std::chrono::milliseconds LookOnly {1};
+
+bool openRefused(libusb_device *device)
+{
+    libusb_device_handle *handle = nullptr;
+    int r = libusb_open(device, &handle);
+    if (r == 0)
+        libusb_close(handle);
+    return r == LIBUSB_ERROR_ACCESS;
+}
 }
 
 TftdiDeviceApi::TftdiDeviceApi() : m_ftdi(ftdi_new()) {}
@@ -50,17 +54,34 @@ std::vector<libusb_device *> TftdiDeviceApi::devices()
     return result;
 }
 
+std::string TftdiDeviceApi::describe(libusb_device *device, const char *product)
+{
+    libusb_device_descriptor descriptor {};
+    libusb_get_device_descriptor(device, &descriptor);
+    char ids[16];
+    std::snprintf(ids, sizeof ids, "%04x:%04x", descriptor.idVendor, descriptor.idProduct);
+    return std::string(ids) + " \"" + product + "\"";
+}
+
 bool TftdiDeviceApi::openDevice(libusb_device *device)
 {
-    if (ftdi_usb_open_dev(m_ftdi, device) != 0)
-        return false;
-    if (ftdi_read_data_set_chunksize(m_ftdi, ReadChunkSize) != 0) {
-        ftdi_usb_close(m_ftdi);
+    if (ftdi_usb_open_dev(m_ftdi, device) != 0) {
+        noteOpenAttempt({describe(device, ""), openRefused(device)});
         return false;
     }
     // A chip that refuses keeps its default latency: slower uploads, same results.
     ftdi_set_latency_timer(m_ftdi, LatencyMs);
-    m_ftdi->usb_read_timeout = UsbReadTimeoutMs;
+    // One bulk transfer reports what it moved even when it times out, where a
+    // libftdi read drops what earlier transfers of the same call had gathered.
+    ftdi_context *ftdi = m_ftdi;
+    m_reader = std::make_unique<TusbPacketReader>(
+        [ftdi](std::uint8_t *buffer, std::size_t size, int timeoutMs) {
+            int moved = 0;
+            int r = libusb_bulk_transfer(ftdi->usb_dev, static_cast<unsigned char>(ftdi->out_ep), buffer, int(size),
+                                         &moved, unsigned(timeoutMs));
+            return r == 0 || r == LIBUSB_ERROR_TIMEOUT ? moved : -1;
+        },
+        m_ftdi->max_packet_size);
     libusb_device_descriptor descriptor {};
     libusb_get_device_descriptor(device, &descriptor);
     m_vendorId = descriptor.idVendor;
@@ -74,13 +95,24 @@ bool TftdiDeviceApi::openByDescription(const std::string &description)
     close();
     bool opened = false;
     for (libusb_device *device : devices()) {
-        char product[128] = {};
-        if (!opened && ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0) == 0
-            && description == product)
-            opened = openDevice(device);
+        if (!opened)
+            opened = openIfDescribed(device, description);
         libusb_unref_device(device);
     }
     return opened;
+}
+
+bool TftdiDeviceApi::openIfDescribed(libusb_device *device, const std::string &description)
+{
+    char product[128] = {};
+    if (ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0) != 0) {
+        noteOpenAttempt({describe(device, ""), openRefused(device)});
+        return false;
+    }
+    if (description == product)
+        return openDevice(device);
+    noteOpenAttempt({describe(device, product), false});
+    return false;
 }
 
 int TftdiDeviceApi::deviceCount()
@@ -97,7 +129,15 @@ bool TftdiDeviceApi::openByIndex(int index)
 {
     close();
     auto list = devices();
-    bool opened = index >= 0 && std::size_t(index) < list.size() && openDevice(list[std::size_t(index)]);
+    bool opened = false;
+    if (index >= 0 && std::size_t(index) < list.size()) {
+        libusb_device *device = list[std::size_t(index)];
+        char product[128] = {};
+        ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0);
+        opened = openDevice(device);
+        if (opened)
+            noteOpenAttempt({describe(device, product), false});
+    }
     for (libusb_device *device : list)
         libusb_unref_device(device);
     return opened;
@@ -108,18 +148,9 @@ int TftdiDeviceApi::vendorId()
     return m_open ? m_vendorId : -1;
 }
 
-bool TftdiDeviceApi::fill()
+bool TftdiDeviceApi::fill(std::size_t needed, std::chrono::milliseconds within)
 {
-    if (!m_open)
-        return false;
-    std::uint8_t chunk[ReadChunkSize];
-    int r = ftdi_read_data(m_ftdi, chunk, sizeof chunk);
-    if (r == LIBUSB_ERROR_TIMEOUT)
-        return true; // nothing came; the device is still there
-    if (r < 0)
-        return false;
-    m_readAhead.insert(m_readAhead.end(), chunk, chunk + r);
-    return true;
+    return m_open && m_reader->fill(m_readAhead, needed, within);
 }
 
 int TftdiDeviceApi::read(std::uint8_t *buffer, std::size_t n)
@@ -128,7 +159,7 @@ int TftdiDeviceApi::read(std::uint8_t *buffer, std::size_t n)
         return -1;
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(250 + n);
     while (m_readAhead.size() < n && std::chrono::steady_clock::now() < deadline)
-        if (!fill())
+        if (!fill(n, std::chrono::milliseconds(TusbPacketReader::LongestCallMs)))
             return -1;
     std::size_t count = std::min(n, m_readAhead.size());
     std::memcpy(buffer, m_readAhead.data(), count);
@@ -145,20 +176,16 @@ int TftdiDeviceApi::write(const std::uint8_t *buffer, std::size_t n)
 
 int TftdiDeviceApi::queueStatus()
 {
-    if (!fill())
+    if (!fill(0, LookOnly))
         return -1;
     return int(m_readAhead.size());
 }
 
 void TftdiDeviceApi::waitForData(std::size_t needed, int periodMs)
 {
-    // Each fill returns within the chip's latency timer.
     auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(periodMs);
-    while (m_readAhead.size() < needed && std::chrono::steady_clock::now() < deadline)
-        if (!fill()) {
-            std::this_thread::sleep_until(deadline);
-            return;
-        }
+    if (!fill(needed, std::chrono::milliseconds(periodMs)))
+        std::this_thread::sleep_until(deadline);
 }
 
 void TftdiDeviceApi::close()
@@ -168,4 +195,5 @@ void TftdiDeviceApi::close()
     m_open = false;
     m_vendorId = -1;
     m_readAhead.clear();
+    m_reader.reset();
 }

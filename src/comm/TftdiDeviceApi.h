@@ -2,6 +2,8 @@
 // TusbDeviceApi over libftdi1. Devices are found through libusb by vendor id and
 // product description; the pending count is this object's own read-ahead buffer.
 #include "TusbDeviceApi.h"
+#include "TusbPacketReader.h"
+#include <memory>
 #include <vector>
 
 struct ftdi_context;
@@ -25,11 +27,15 @@ public:
 private:
     std::vector<libusb_device *> devices();
     bool openDevice(libusb_device *device);
-    // Moves whatever the device has ready into the read-ahead buffer; false when it is gone.
-    bool fill();
+    bool openIfDescribed(libusb_device *device, const std::string &description);
+    // Moves into the read-ahead buffer what arrives within `within`, until `needed`
+    // bytes are there; false when the device is gone.
+    bool fill(std::size_t needed, std::chrono::milliseconds within);
+    static std::string describe(libusb_device *device, const char *product);
 
     ftdi_context *m_ftdi = nullptr;
     bool m_open = false;
     int m_vendorId = -1;
     std::vector<std::uint8_t> m_readAhead;
+    std::unique_ptr<TusbPacketReader> m_reader;
 };

@@ -5,6 +5,7 @@
 namespace {
 std::mutex factoryMutex;
 TusbDeviceApi::Factory factory;
+TusbDeviceApi::OpenAttempt lastAttempt;
 }
 
 void TusbDeviceApi::setFactory(Factory f)
@@ -19,4 +20,16 @@ std::unique_ptr<TusbDeviceApi> TusbDeviceApi::create()
     if (factory)
         return factory();
     return std::make_unique<TftdiDeviceApi>();
+}
+
+void TusbDeviceApi::noteOpenAttempt(OpenAttempt attempt)
+{
+    std::lock_guard lock(factoryMutex);
+    lastAttempt = std::move(attempt);
+}
+
+TusbDeviceApi::OpenAttempt TusbDeviceApi::lastOpenAttempt()
+{
+    std::lock_guard lock(factoryMutex);
+    return lastAttempt;
 }

@@ -28,6 +28,14 @@ public:
     virtual void waitForData(std::size_t needed, int periodMs) = 0;
     virtual void close() = 0;
 
+    // The device an open last tried, so a failure can name it and say why.
+    struct OpenAttempt {
+        std::string device;        // vendor:product "description"
+        bool accessDenied = false; // present, but the user may not open it
+    };
+    static void noteOpenAttempt(OpenAttempt attempt);
+    static OpenAttempt lastOpenAttempt();
+
     using Factory = std::function<std::unique_ptr<TusbDeviceApi>()>;
     // An empty factory restores the libftdi device.
     static void setFactory(Factory factory);

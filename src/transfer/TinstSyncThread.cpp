@@ -40,13 +40,15 @@ const TsyncTexts SerialTexts {"Requesting Serial Connection",
 constexpr int PollMs = 50, Polls = 40;
 constexpr std::size_t BlockSize = 264;
 
-// On the serial path a port failure throws; it counts as a failed write or read
-// of the step it happens in.
+// A port failure throws (a serial error, or a USB device unplugged); it counts
+// as a failed write or read of the step it happens in.
 template <typename Step> bool portStep(Step step)
 {
     try {
         return step();
     } catch (const ECommError &) {
+        return false;
+    } catch (const TnoDeviceAttachedException &) {
         return false;
     }
 }
