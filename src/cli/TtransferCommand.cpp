@@ -1,4 +1,5 @@
 #include "TtransferCommand.h"
+#include "TusbOpenAdvice.h"
 #include "OpCodeDefinitions.h"
 #include "TCommPort.h"
 #include "TcliArguments.h"
@@ -30,8 +31,10 @@ private:
     TcliProgressSink &m_progress;
 };
 
-// Runs a worker to its end; true when it reported a completed transfer.
-bool runWorker(QThread &worker, TcliProgressSink &progress)
+// Runs a worker to its end; true when it reported a completed transfer. A failed
+// USB transfer names the device it tried, which the analyzer's boxes do not.
+bool runWorker(QThread &worker, TcliProgressSink &progress, const std::string &command,
+               const TcommSettings &settings)
 {
     QEventLoop loop;
     QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
@@ -39,7 +42,11 @@ bool runWorker(QThread &worker, TcliProgressSink &progress)
     loop.exec();
     worker.wait();
     progress.finish();
-    return progress.result() == TransferResult::Ok;
+    if (progress.result() == TransferResult::Ok)
+        return true;
+    if (settings.method == static_cast<std::uint8_t>(TcommMethod::USB))
+        std::cerr << "kt930ctl " << command << ": " << TusbOpenAdvice::forFailure(TusbDeviceApi::lastOpenAttempt());
+    return false;
 }
 
 int appArgc = 1;
@@ -181,7 +188,7 @@ int TtransferCommand::download(const TcliArguments &args, const TcommSettings &s
     record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
     record->data.selection = SelectAll;
     TdownloadThread worker(&data, &progress, &messages, record.get());
-    if (!runWorker(worker, progress))
+    if (!runWorker(worker, progress, name(), settings))
         return 1;
 
     data.validateOpCodes();
@@ -241,7 +248,7 @@ int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &set
     record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Upload);
     record->data.selection = SelectAll;
     TuploadThread worker(&data, &progress, &messages, record.get());
-    if (!runWorker(worker, progress))
+    if (!runWorker(worker, progress, name(), settings))
         return 1;
     std::cout << "Uploaded the data set of " << data.dataFolder().string() << "\n";
     return args.has("--verify") ? verify(*record, settings) : 0;
@@ -259,7 +266,7 @@ int TtransferCommand::verify(const TtransferRecord &sent, const TcommSettings &s
     readBack->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
     readBack->data.selection = SelectAll;
     TdownloadThread worker(&scratch, &progress, &messages, readBack.get());
-    if (!runWorker(worker, progress)) {
+    if (!runWorker(worker, progress, name(), settings)) {
         std::cerr << "kt930ctl upload --verify: the analyzer's memory could not be read back\n";
         return 1;
     }
@@ -282,7 +289,7 @@ int TtransferCommand::sync(const TcliArguments &args, const TcommSettings &setti
     record->settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
     record->settings.requested = 1;
     TinstSyncThread worker(&progress, &messages, record.get());
-    if (!runWorker(worker, progress))
+    if (!runWorker(worker, progress, name(), settings))
         return 1;
     record->copyInto(data.checkitems);
     if (!data.saveCheckitems(TsaveAction::Sync))

@@ -159,6 +159,9 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
     EXPECT_NE(stderrText.find("Invalid IP Address!"), std::string::npos);
     EXPECT_EQ(ctl({"sync", "--serial", "COM3"}), 2);
     EXPECT_EQ(ctl({"download", "--verify", "--ethernet", "127.0.0.1"}), 2); // only an upload is verified
+    EXPECT_EQ(ctl({"sync", "--usb"}), 1);
+    EXPECT_NE(stderrText.find("kt930ctl sync: "), std::string::npos) << stderrText;
+    EXPECT_NE(stderrText.find("USB device"), std::string::npos) << stderrText;
     EXPECT_EQ(ctl({"download", "--help"}), 0);
     EXPECT_NE(stdoutText.find("--ethernet ADDR"), std::string::npos);
 }

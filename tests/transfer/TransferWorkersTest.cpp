@@ -109,6 +109,18 @@ TEST_F(SyncWorker, UsbWithoutDevicesOrAnalyzer)
                   transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")}));
 }
 
+// An unplugged analyzer fails the step it happens in, with the serial path's text.
+TEST_F(SyncWorker, UnplugIsACommunicationsError)
+{
+    answer("");
+    fake.script->gone = true;
+    sync.run();
+    EXPECT_EQ(sync.messages.messages,
+              std::vector<Message>{transferBox("Invalid Handshake Received.",
+                                               "A communications error occurred.\r\rOperation Canceled.")});
+    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+}
+
 // A slow line: a chunk takes longer than 40 polls to arrive. Only polls that bring
 // no new byte count against the 40.
 TEST_F(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)

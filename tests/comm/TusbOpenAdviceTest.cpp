@@ -1,0 +1,21 @@
+#include "TusbOpenAdvice.h"
+#include <gtest/gtest.h>
+
+TEST(TusbOpenAdvice, NamesTheDeviceAndHowToGetAccess)
+{
+    const struct {
+        TusbDeviceApi::OpenAttempt attempt;
+        std::vector<std::string> says;
+    } cases[] = {
+        {{"", false}, {"no USB device of vendor 0403 was found\n"}},
+        {{"0403:6001 \"Serial Cable\"", false}, {"USB device tried: 0403:6001 \"Serial Cable\"\n"}},
+        {{"0403:6001 \"\"", true}, {"USB device tried: 0403:6001 \"\"\n", "permission denied", "60-kt930pc.rules",
+                                    "replug the analyzer", "logged in at the seat"}},
+    };
+    for (const auto &c : cases) {
+        const std::string text = TusbOpenAdvice::forFailure(c.attempt);
+        for (const auto &part : c.says)
+            EXPECT_NE(text.find(part), std::string::npos) << text;
+        EXPECT_EQ(text.find("permission") != std::string::npos, c.attempt.accessDenied) << text;
+    }
+}
