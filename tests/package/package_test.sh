@@ -50,9 +50,17 @@ window shown" ] || fail "kt930pc --self-test printed: $(cat "$work/host.txt")"
 
 desktop-file-validate "$usr"/share/applications/*.desktop || fail "desktop-file-validate"
 appstreamcli validate --no-net "$usr"/share/metainfo/*.metainfo.xml >/dev/null || fail "appstreamcli validate"
+rules=$usr/lib/udev/rules.d/60-kt930pc.rules
 if udevadm verify --help >/dev/null 2>&1; then
-  udevadm verify "$usr"/lib/udev/rules.d/*.rules || fail "udevadm verify"
+  udevadm verify "$rules" || fail "udevadm verify"
 fi
+# The rule grants the analyzer only: each line names a product, and every product the
+# USB transport opens is named.
+grep -v -e '^#' -e '^$' "$rules" | grep -v 'ATTRS{product}=="' && fail "a udev rule without a product"
+grep -o 'openByDescription("[^"]*")' "$source_dir/src/comm/TgenericCommmunicationsModule.cpp" \
+  | sed 's/.*("\(.*\)")/\1/' | while read -r product; do
+  [ "$(grep -cF "ATTRS{product}==\"$product\"" "$rules")" = 2 ] || fail "udev rule for \"$product\""
+done
 
 # Every accepted lintian warning carries its reason on the comment line above it.
 awk 'NF && $1 !~ /^#/ && prev !~ /^#/ { print "override without a reason: " $0; bad = 1 } { prev = $0 } END { exit bad }' \
