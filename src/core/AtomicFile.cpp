@@ -83,8 +83,9 @@ AtomicWriteResult writeInPlace(const fs::path &target, std::string_view bytes)
 // neither is allowed the file belongs to whoever saves it.
 void keepOwnership(int fd, const struct stat &old)
 {
-    if (::fchown(fd, old.st_uid, old.st_gid) != 0)
-        (void)::fchown(fd, static_cast<uid_t>(-1), old.st_gid);
+    const bool given = ::fchown(fd, old.st_uid, old.st_gid) == 0
+        || ::fchown(fd, static_cast<uid_t>(-1), old.st_gid) == 0;
+    static_cast<void>(given); // neither allowed: the saver keeps it
     // After fchown, which may clear set-id bits.
     ::fchmod(fd, old.st_mode & 07777);
 }

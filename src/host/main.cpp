@@ -3,6 +3,7 @@
 #include "TdataFolderSession.h"
 #include "ThostMainWindow.h"
 #include <QApplication>
+#include <QSettings>
 #include <QTimer>
 #include <cstdio>
 #include <cstdlib>
@@ -57,6 +58,10 @@ int main(int argc, char *argv[])
     }
     const auto reporting = test ? ThostMainWindow::Reporting::Console : ThostMainWindow::Reporting::Boxes;
     const TappFolders folders = TappDir::folders();
+    // Qt's own settings (the file dialog's state) stay with the user's other files of this
+    // program instead of ~/.config/QtProject.conf.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QString::fromStdString(folders.application.string()));
     ThostMainWindow::prepareDataFolder(folders, reporting);
     const std::filesystem::path dataFolder = TappDir::dataFolder(folders.application);
     // Held until the host ends, so that a second host on this folder can say who has it.

@@ -10,8 +10,12 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
+# Two packages of one commit are the same bytes.
+export SOURCE_DATE_EPOCH=$(git -C "$source_dir" log -1 --format=%ct)
 cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work/out" >/dev/null
+cpack --config "$build/CPackConfig.cmake" -G DEB -B "$work/again" >/dev/null
 deb=$(ls "$work"/out/kt930pc_*_*.deb)
+cmp "$deb" "$work/again/$(basename "$deb")" || fail "two packages of one commit differ"
 dpkg-deb -x "$deb" "$work/root"
 usr=$work/root/usr
 
@@ -46,17 +50,25 @@ window shown" ] || fail "kt930pc --self-test printed: $(cat "$work/host.txt")"
 
 desktop-file-validate "$usr"/share/applications/*.desktop || fail "desktop-file-validate"
 appstreamcli validate --no-net "$usr"/share/metainfo/*.metainfo.xml >/dev/null || fail "appstreamcli validate"
+rules=$usr/lib/udev/rules.d/60-kt930pc.rules
 if udevadm verify --help >/dev/null 2>&1; then
-  udevadm verify "$usr"/lib/udev/rules.d/*.rules || fail "udevadm verify"
+  udevadm verify "$rules" || fail "udevadm verify"
 fi
+# The rule grants the analyzer only: each line names a product, and every product the
+# USB transport opens is named.
+grep -v -e '^#' -e '^$' "$rules" | grep -v 'ATTRS{product}=="' && fail "a udev rule without a product"
+grep -o 'openByDescription("[^"]*")' "$source_dir/src/comm/TgenericCommmunicationsModule.cpp" \
+  | sed 's/.*("\(.*\)")/\1/' | while read -r product; do
+  [ "$(grep -cF "ATTRS{product}==\"$product\"" "$rules")" = 2 ] || fail "udev rule for \"$product\""
+done
 
 # Every accepted lintian warning carries its reason on the comment line above it.
 awk 'NF && $1 !~ /^#/ && prev !~ /^#/ { print "override without a reason: " $0; bad = 1 } { prev = $0 } END { exit bad }' \
   "$source_dir/packaging/lintian-overrides" || fail "lintian overrides"
-lintian --tag-display-limit 0 "$deb" >"$work/lintian.txt" 2>/dev/null || true
-if grep -q '^E: ' "$work/lintian.txt"; then
+lintian --pedantic --display-info --tag-display-limit 0 "$deb" >"$work/lintian.txt" 2>/dev/null || true
+if grep -qE '^[EW]: |hardening' "$work/lintian.txt"; then
   cat "$work/lintian.txt" >&2
-  fail "lintian reports errors"
+  fail "lintian reports errors, warnings or missing hardening"
 fi
 cat "$work/lintian.txt"
 echo "package test passed: $(basename "$deb")"
