@@ -117,7 +117,10 @@ TdataFolderLock::~TdataFolderLock()
     auto it = g_held.find(m_key);
     if (it == g_held.end() || --it->second.depth > 0)
         return;
-    // Released by closing; the file stays, so a waiting program keeps its descriptor valid.
+    // The number goes with the lock, so that a later holder that writes none (another
+    // tool's flock) is never named as us. Released by closing; the file stays, so a
+    // waiting program keeps its descriptor valid.
+    (void)!::ftruncate(it->second.fd, 0);
     ::close(it->second.fd);
     g_held.erase(it);
 }
