@@ -79,13 +79,6 @@ void TAutoSeqEditFrame::setUpControls()
 {
     initFrameResources();
     ui->setupUi(this);
-    ui->BtnRestore->setText(QStringLiteral("Restore\nValues"));
-    ui->BtnBackup->setText(QStringLiteral("Backup\nValues"));
-    ui->BtnUpload->setText(QStringLiteral("Upload\nTo KT930"));
-    ui->BtnDownload->setText(QStringLiteral("Download\nFrom KT930"));
-    ui->BtnExit->setText(QStringLiteral("Return To\nMain Window"));
-    ui->BtnInstEd->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
-    ui->BtnInstEd2->setText(QStringLiteral("Edit\nCheckitem\nDatabase"));
     ui->BtnUpload->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
     ui->BtnDownload->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
     ui->BtnHelp->setIcon(helpIcon());

@@ -113,7 +113,6 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
       m_checklistMode(checklistMode), m_hostData(hostData), m_appDir(TappDir::applicationFolder())
 {
     setUpControls();
-    ui->btnSync->setText(QStringLiteral("Sync\nWith\nKT930"));
     buildPanels();
     buildOpList();
     TInstrDatabase::setNames(m_opInfoMap);
