@@ -12,6 +12,7 @@
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
 #include "instEdit.h"
+#include "TcheckitemListModel.h"
 #include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -25,7 +26,7 @@
 #include <QStyleHints>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -41,7 +42,7 @@ const QStringList Browsing{"btnSync", "btnHelp", "btnOk", "btnImport", "btnDelet
 const QStringList Editing{"btnExport", "lblOp", "lstOp", "lblCat", "lstCat", "btnNewCat",
                           "btnEditCat", "btnUpdate", "btnCancel", "pnlInst"};
 
-QTableWidget *grid(QWidget *editor) { return child<QTableWidget>(editor, "instList"); }
+QTableView *grid(QWidget *editor) { return child<QTableView>(editor, "instList"); }
 TinstGridHeader *header(QWidget *editor) { return qobject_cast<TinstGridHeader *>(grid(editor)->horizontalHeader()); }
 std::string padded(const std::string &text) { return text + std::string(41 - text.size(), ' '); }
 
@@ -519,9 +520,9 @@ TEST_F(Editor, EveryHeaderClickSortsAndMovesTheSortPicture)
                                              {3, 6, {"2", "1", "3", "5"}}}) {
         clickRow(editor.get(), 2);
         clickHeader(editor.get(), c.column);
-        EXPECT_EQ(editor->sortState(), c.state);
+        EXPECT_EQ(editor->checkitemList().sortState().number(), c.state);
         EXPECT_EQ(column(editor.get(), 0), c.numbers) << c.state;
-        EXPECT_EQ(grid(editor.get())->currentRow(), 0);
+        EXPECT_EQ(grid(editor.get())->currentIndex().row(), 0);
         EXPECT_EQ(header(editor.get())->sortColumn(), (c.state - 1) / 2);
         EXPECT_TRUE(header(editor.get())->sortPicture().toImage() == (c.state % 2 ? up : down)) << c.state;
     }
