@@ -15,7 +15,6 @@ public:
     explicit TcheckitemGrid(QWidget *parent = nullptr);
 
     void setList(TcheckitemListModel *list);
-    TcheckitemListModel *list() const { return m_list; }
     TinstGridHeader *sortHeader() const { return m_header; }
 
     // Runs the filter dialog on the list's filter, reset first; on OK the list is

@@ -28,7 +28,6 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
-    const TInstrDatabase *database() const { return m_db; }
     // Database indexes in row order.
     const std::vector<std::uint32_t> &shownItems() const { return m_shown; }
     TsortState sortState() const { return m_sort; }
