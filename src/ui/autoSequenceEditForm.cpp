@@ -209,7 +209,8 @@ void TsequenceEditor::fillInstList(int selectRow)
     // Room for the sort picture beside the captions.
     for (int c = 0; c < GridColumns - 1; ++c) {
         grid->resizeColumnToContents(c);
-        grid->setColumnWidth(c, grid->columnWidth(c) + TinstGridHeader::sortPictureWidth() + TinstGridHeader::CaptionGap);
+        grid->setColumnWidth(c, grid->columnWidth(c) + TinstGridHeader::sortPictureWidth()
+                                    + TinstGridHeader::CaptionGap);
     }
     grid->setCurrentRow(selectRow);
 }

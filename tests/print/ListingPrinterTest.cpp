@@ -60,7 +60,8 @@ TEST_F(ListingPrinterTest, EveryPageRepeatsTitleAndHeaderAndHoldsTheComputedLine
         const auto &lines = pages[p];
         ASSERT_GE(lines.size(), 4u);
         EXPECT_EQ(std::vector(lines.begin(), lines.begin() + 3),
-                  (std::vector<std::string>{Indent + "KT930pc Instruction Listing", "", Indent + "No.  Category    Op Code      Command"}));
+                  (std::vector<std::string>{Indent + "KT930pc Instruction Listing", "",
+                                            Indent + "No.  Category    Op Code      Command"}));
         int onPage = 0;
         for (std::size_t i = 3; i < lines.size() && !lines[i].empty(); ++i, ++onPage, ++next) {
             std::string number = std::to_string(next);

@@ -175,14 +175,16 @@ TEST_F(Editor, MissingDescriptorsAndACorruptDefinitionFileAreReported)
     const std::string before = mitBytes(db.slots());
     EXPECT_THROW(open(), TinstructionEditorFormException);
     EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing " + appDir.data("measure.in").string()
-                                                     + ".\nThe file is corrupt.  Please contact your product's distributor immediately."}}));
+                                                     + ".\nThe file is corrupt.  Please contact your product's "
+                                                       "distributor immediately."}}));
     EXPECT_TRUE(mitBytes(db.slots()) == before); // no checkitem of that op code repaired
     sink.messages.clear();
     for (const auto &entry : std::filesystem::directory_iterator(appDir.dir().path() / "Data"))
         std::filesystem::remove(entry.path());
     EXPECT_THROW(open(), TinstructionEditorFormException);
     EXPECT_EQ(sink.messages.front(), (Message{"ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\n"
-                                                        "Please restart program.\nIf this problem persists, contact your software vendor."}));
+                                                        "Please restart program.\nIf this problem persists, "
+                                                        "contact your software vendor."}));
     EXPECT_EQ(sink.messages.back(), (Message{"FATAL ERROR", FatalText, MsgIcon::Exclamation}));
 }
 
@@ -199,7 +201,8 @@ TEST_F(Editor, EditUpdateStoresThePanelsRecordAndEscapeCancelsPuttingOpCodeAndCa
         tabbed << editor->focusWidget();
     }
     const QList<QLineEdit *> fields = shownFields(editor.get());
-    EXPECT_EQ(tabbed, (QList<QWidget *>{fields[0], fields[1], fields[2], child(editor.get(), "btnUpdate"), child(editor.get(), "btnCancel")}));
+    EXPECT_EQ(tabbed, (QList<QWidget *>{fields[0], fields[1], fields[2], child(editor.get(), "btnUpdate"),
+                                       child(editor.get(), "btnCancel")}));
     retype(editor.get(), 0, "ir");
     choose(editor.get(), "lstCat", 9);
     EXPECT_EQ(db[0].category, 'I'); // at once
@@ -371,7 +374,9 @@ TEST_F(Editor, FilterAndHeaderClicksRefillTheListAndMoveTheSortPicture)
     answer("btnOk", [](QWidget *dialog) { child<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
-    answer("btnCancel", [](QWidget *dialog) { choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail")); });
+    answer("btnCancel", [](QWidget *dialog) {
+        choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail"));
+    });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
     clickHeader(editor.get(), 0);
