@@ -9,7 +9,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QPushButton>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -70,11 +70,11 @@ double openOnce(TAutoSeqEditFrame &frame)
         if (!editor || !editor->isVisible())
             return;
         poll->stop();
-        auto *grid = editor->findChild<QTableWidget *>("instList");
+        auto *grid = editor->findChild<QTableView *>("instList");
         grid->viewport()->repaint();
         milliseconds = timer.nsecsElapsed() / 1e6;
-        if (grid->rowCount() != CheckitemCount)
-            std::fprintf(stderr, "bench_checkitem_editor: the grid has %d rows\n", grid->rowCount());
+        if (grid->model()->rowCount() != CheckitemCount)
+            std::fprintf(stderr, "bench_checkitem_editor: the grid has %d rows\n", grid->model()->rowCount());
         editor->findChild<QPushButton *>("btnOk")->click();
     });
     poll->start();

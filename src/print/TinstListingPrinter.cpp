@@ -1,5 +1,6 @@
 #include "TinstListingPrinter.h"
 #include "TprintFonts.h"
+#include <QAbstractItemModel>
 #include <QFont>
 #include <QFontMetrics>
 #include <QPageSize>
@@ -95,4 +96,25 @@ bool TinstListingPrinter::print(QPrinter &printer, const QList<QStringList> &row
         drawLine(lineCount++, fonts.regular, paddedLine(rows[r], widths));
     }
     return painter.end();
+}
+
+QList<QStringList> TinstListingPrinter::rowsOf(const QAbstractItemModel &list)
+{
+    QList<QStringList> rows;
+    QStringList header;
+    for (int c = 0; c < list.columnCount(); ++c)
+        header << list.headerData(c, Qt::Horizontal).toString();
+    rows << header;
+    for (int r = 0; r < list.rowCount(); ++r) {
+        QStringList row;
+        for (int c = 0; c < list.columnCount(); ++c)
+            row << list.index(r, c).data().toString();
+        rows << row;
+    }
+    return rows;
+}
+
+bool TinstListingPrinter::print(QPrinter &printer, const QAbstractItemModel &list)
+{
+    return print(printer, rowsOf(list));
 }

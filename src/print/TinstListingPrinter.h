@@ -4,6 +4,7 @@
 #include <QList>
 #include <QStringList>
 
+class QAbstractItemModel;
 class QPainter;
 class QPrinter;
 
@@ -13,6 +14,9 @@ public:
     // empty list is one row of four empty cells). Returns false when the printer could
     // not be started.
     static bool print(QPrinter &printer, const QList<QStringList> &rows);
+    // The rows of a list as it shows them: its header texts, then its display texts.
+    static bool print(QPrinter &printer, const QAbstractItemModel &list);
+    static QList<QStringList> rowsOf(const QAbstractItemModel &list);
 
     // Sets a printer up to write an A4 PDF file at 600 dpi, the whole page paintable.
     static void preparePdf(QPrinter &printer, const QString &fileName);

@@ -32,12 +32,12 @@ void TinstGridHeader::setSortPicture(int column, const QPixmap &picture)
     viewport()->update();
 }
 
-void TinstGridHeader::showSortState(int state)
+void TinstGridHeader::showSortState(TsortState sort)
 {
-    if (state < 1 || state > 6)
+    if (sort.column() < 0)
         setSortPicture(-1, QPixmap());
     else
-        setSortPicture((state - 1) / 2, loadSortPicture(state % 2 == 1));
+        setSortPicture(sort.column(), loadSortPicture(sort.ascending()));
 }
 
 int TinstGridHeader::sortPictureWidth()

@@ -1,6 +1,7 @@
 #pragma once
 // The fixed row of the checkitem grid: a header whose sorted column shows its sort
 // picture at the left edge with the caption moved right past it.
+#include "TsortState.h"
 #include <QHeaderView>
 #include <QPixmap>
 
@@ -14,9 +15,8 @@ public:
 
     // column -1 shows no picture.
     void setSortPicture(int column, const QPixmap &picture);
-    // The editors' sort states: 1 to 6 sort column (state - 1) / 2, odd states
-    // ascending, even ones descending; any other state shows no picture.
-    void showSortState(int state);
+    // The up or down picture on the sorted column; none in database order.
+    void showSortState(TsortState sort);
     // What a sorted caption needs beside it.
     static int sortPictureWidth();
     int sortColumn() const { return m_column; }

@@ -10,6 +10,8 @@
 #include "TfocusCellDelegate.h"
 #include "TguiMessageSink.h"
 #include "TguiText.h"
+#include "TcheckitemGrid.h"
+#include "TcheckitemListModel.h"
 #include "TinstGridHeader.h"
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
@@ -18,7 +20,6 @@
 #include "TsequenceReport.h"
 #include "Twindows1252.h"
 #include "Twindows1252Validator.h"
-#include "asEdFilterPopup.h"
 #include "instEdit.h"
 #include <QItemSelectionModel>
 #include <QPrintDialog>
@@ -66,27 +67,33 @@ TsequenceEditor::TsequenceEditor(QWidget *owner, TPluginHostInfo *hostData, TIns
         m_sequence.setting = 0;
     showSetting();
 
-    m_filter.checklistMode = m_offerCalls;
-    m_filter.reset();
-    m_filter.setSort(m_sortMode);
-    rebuildDisplayList();
+    m_list->refilter();
     fillInstList(0);
     fillAsList(0);
-    m_header->showSortState(m_sortMode);
     m_usable = true;
 }
 
 TsequenceEditor::~TsequenceEditor() = default;
 
+std::uint8_t TsequenceEditor::sortMode() const
+{
+    return m_list->sortState().number();
+}
+
+const std::vector<std::uint32_t> &TsequenceEditor::displayList() const
+{
+    return m_list->shownItems();
+}
+
 void TsequenceEditor::setUpControls()
 {
     ui->setupUi(this);
     setModal(true);
-    m_header = new TinstGridHeader(ui->instList);
-    ui->instList->setHorizontalHeader(m_header);
+    m_list = new TcheckitemListModel(m_db, m_descriptors, m_offerCalls, TcheckitemListModel::EmptyList::NoRows, this);
+    ui->instList->setList(m_list);
     ui->asList->horizontalHeader()->setSectionsClickable(false);
     ui->asList->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    for (QTableWidget *grid : {ui->instList, ui->asList}) {
+    for (QTableView *grid : {static_cast<QTableView *>(ui->instList), static_cast<QTableView *>(ui->asList)}) {
         grid->setItemDelegate(new TfocusCellDelegate(grid));
         grid->setTextElideMode(Qt::ElideNone);
         grid->verticalHeader()->setDefaultSectionSize(grid->fontMetrics().height() + 6);
@@ -107,7 +114,7 @@ void TsequenceEditor::setUpControls()
     // activated: only the user's choices, not the form's own settings of the lists.
     connect(ui->testerPortlst, &QComboBox::activated, this, &TsequenceEditor::testerPortlstChange);
     connect(ui->baudRatelst, &QComboBox::activated, this, &TsequenceEditor::baudRatelstChange);
-    connect(m_header, &QHeaderView::sectionPressed, this, &TsequenceEditor::instListMouseDown);
+    connect(ui->instList->sortHeader(), &QHeaderView::sectionPressed, this, &TsequenceEditor::instListMouseDown);
     ui->instList->installEventFilter(this);
 }
 
@@ -184,56 +191,49 @@ void TsequenceEditor::baudRatelstChange()
 
 // ---- the grids
 
-void TsequenceEditor::rebuildDisplayList()
-{
-    if (m_db)
-        m_filter.apply(m_db->slots(), m_displayList, m_descriptors);
-    else
-        m_displayList.clear();
-}
-
-void TsequenceEditor::writeRow(QTableWidget *grid, int row, std::uint32_t index)
+// A checkitem of the sequence; one beyond the database shows its number only.
+void TsequenceEditor::writeRow(int row, std::uint32_t index)
 {
     std::array<std::string, GridColumns> texts{std::to_string(index + 1)};
     if (m_db && index < m_db->size())
         texts = TinstGridText::rowForEditor(*m_db, index, m_descriptors);
     for (int c = 0; c < GridColumns; ++c)
-        grid->setItem(row, c, new QTableWidgetItem(TguiText::fromBytes(texts[std::size_t(c)])));
+        ui->asList->setItem(row, c, new QTableWidgetItem(TguiText::fromBytes(texts[std::size_t(c)])));
 }
 
-// An empty grid has no row to select.
-static void fillGrid(QTableWidget *grid, int rows, const std::function<void(int)> &writeRow, int selectRow)
+void TsequenceEditor::fillInstList(int selectRow)
 {
+    TcheckitemGrid *grid = ui->instList;
     const QSignalBlocker quiet(grid);
+    m_list->recordsChanged();
+    // Room for the sort picture beside the captions.
+    for (int c = 0; c < GridColumns - 1; ++c) {
+        grid->resizeColumnToContents(c);
+        grid->setColumnWidth(c, grid->columnWidth(c) + TinstGridHeader::sortPictureWidth()
+                                    + TinstGridHeader::CaptionGap);
+    }
+    grid->setCurrentRow(selectRow);
+}
+
+// An empty sequence has no row to select.
+void TsequenceEditor::fillAsList(int selectRow)
+{
+    QTableWidget *grid = ui->asList;
+    const QSignalBlocker quiet(grid);
+    const int rows = m_sequence.itemCount();
     grid->clearContents();
     grid->setRowCount(rows);
     for (int r = 0; r < rows; ++r)
-        writeRow(r);
+        writeRow(r, m_sequence.items[r] - 1u);
     for (int c = 0; c < GridColumns - 1; ++c)
         grid->resizeColumnToContents(c);
     if (rows > 0)
         grid->setCurrentCell(std::clamp(selectRow, 0, rows - 1), 0);
 }
 
-void TsequenceEditor::fillInstList(int selectRow)
-{
-    fillGrid(ui->instList, int(m_displayList.size()),
-             [this](int r) { writeRow(ui->instList, r, m_displayList[std::size_t(r)]); }, selectRow);
-    // Room for the sort picture beside the captions.
-    for (int c = 0; c < GridColumns - 1; ++c)
-        ui->instList->setColumnWidth(c, ui->instList->columnWidth(c) + TinstGridHeader::sortPictureWidth()
-                                            + TinstGridHeader::CaptionGap);
-}
-
-void TsequenceEditor::fillAsList(int selectRow)
-{
-    fillGrid(ui->asList, m_sequence.itemCount(),
-             [this](int r) { writeRow(ui->asList, r, m_sequence.items[r] - 1u); }, selectRow);
-}
-
 // The selected row, -1 for none. The current row alone does not count: the user can
 // take the selection away from it and keep the focus there.
-static int selectedRow(const QTableWidget *grid)
+static int selectedRow(const QTableView *grid)
 {
     const QModelIndexList rows = grid->selectionModel()->selectedRows();
     return rows.isEmpty() ? -1 : rows.first().row();
@@ -247,22 +247,7 @@ int TsequenceEditor::selectedSequenceRow() const
 
 void TsequenceEditor::instListMouseDown(int column)
 {
-    switch (column) {
-    case 0:
-        m_sortMode = m_sortMode == 1 ? 2 : 1;
-        break;
-    case 1:
-        m_sortMode = m_sortMode == 3 ? 4 : 3;
-        break;
-    case 2:
-        m_sortMode = m_sortMode == 5 ? 6 : 5;
-        break;
-    default:
-        break; // commands are not sorted
-    }
-    m_filter.setSort(m_sortMode);
-    m_header->showSortState(m_sortMode);
-    rebuildDisplayList();
+    m_list->pressHeader(column);
     fillInstList(0);
 }
 
@@ -271,7 +256,7 @@ void TsequenceEditor::instListMouseDown(int column)
 void TsequenceEditor::btnAddClick()
 {
     const int row = selectedRow(ui->instList);
-    if (row < 0 || std::size_t(row) >= m_displayList.size())
+    if (row < 0 || std::size_t(row) >= displayList().size())
         return;
     if (holdsCheckitem(m_sequence.items[LastPosition])) {
         m_sink.warning("Autosequence Full",
@@ -281,7 +266,7 @@ void TsequenceEditor::btnAddClick()
     std::uint16_t *end = std::find(std::begin(m_sequence.items), std::end(m_sequence.items), EndOfList);
     if (end == std::end(m_sequence.items))
         return;
-    *end = std::uint16_t(m_displayList[std::size_t(row)] + 1);
+    *end = std::uint16_t(displayList()[std::size_t(row)] + 1);
     if (end + 1 != std::end(m_sequence.items))
         end[1] = EndOfList;
     fillAsList(ui->asList->currentRow());
@@ -348,15 +333,8 @@ void TsequenceEditor::btnBottomClick()
 
 void TsequenceEditor::btnFilterClick()
 {
-    if (!m_db)
-        return;
-    m_filter.reset();
-    m_filter.setSort(m_sortMode);
-    TinstructionFilterForm filterForm(this, m_offerCalls, &m_opCodes, &m_descriptors, &m_filter);
-    if (filterForm.exec() != QDialog::Accepted)
-        return;
-    rebuildDisplayList();
-    fillInstList(0);
+    if (m_db && ui->instList->chooseFilter(m_opCodes, m_descriptors))
+        fillInstList(0);
 }
 
 void TsequenceEditor::btnEditInstClick()
@@ -372,8 +350,9 @@ void TsequenceEditor::btnEditInstClick()
     }
     loadDefinitions();
     loadDescriptors();
-    rebuildDisplayList();
-    fillInstList(ui->instList->currentRow());
+    const int shownRow = ui->instList->currentRow();
+    m_list->refilter();
+    fillInstList(shownRow);
     fillAsList(ui->asList->currentRow());
 }
 

@@ -3,10 +3,8 @@
 // it is given in place: titles and setting on OK, the setting word and the item list
 // at once, whatever the form ends with.
 #include "CategoryDescriptors.h"
-#include "Tfilter.h"
 #include "TinstStruct.h"
 #include <QDialog>
-#include <QPixmap>
 #include <QPointer>
 #include <cstdint>
 #include <filesystem>
@@ -18,7 +16,7 @@ namespace Ui { class TsequenceEditor; }
 class MessageSink;
 class QPrinter;
 class TInstrDatabase;
-class TinstGridHeader;
+class TcheckitemListModel;
 class THelpWindow;
 struct Tautosequence;
 struct TPluginHostInfo;
@@ -36,8 +34,8 @@ public:
     // False when the checkitem definition files are missing or corrupt: the message
     // has been shown and the editor must not be opened.
     bool usable() const { return m_usable; }
-    std::uint8_t sortMode() const { return m_sortMode; }
-    const std::vector<std::uint32_t> &displayList() const { return m_displayList; }
+    std::uint8_t sortMode() const;
+    const std::vector<std::uint32_t> &displayList() const;
     const TcategoryMap &categoryDescriptors() const { return m_descriptors; }
     const TopCodeTable &opCodes() const { return m_opCodes; }
 
@@ -70,10 +68,9 @@ private:
     void applyTitles(Tautosequence &target) const;
     void showSetting();
     void writeSetting();
-    void rebuildDisplayList();
     void fillInstList(int selectRow);
     void fillAsList(int selectRow);
-    void writeRow(class QTableWidget *grid, int row, std::uint32_t index);
+    void writeRow(int row, std::uint32_t index); // of asList
     int selectedSequenceRow() const;
 
     std::unique_ptr<Ui::TsequenceEditor> ui;
@@ -88,9 +85,6 @@ private:
 
     TopCodeTable m_opCodes;
     TcategoryMap m_descriptors;
-    Tfilter m_filter;
-    std::vector<std::uint32_t> m_displayList;
-    std::uint8_t m_sortMode = 1;
-    TinstGridHeader *m_header = nullptr;
+    TcheckitemListModel *m_list = nullptr; // rows of instList
     QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

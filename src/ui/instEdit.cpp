@@ -10,9 +10,10 @@
 #include "TdeleteInstructionFrm.h"
 #include "TguiMessageSink.h"
 #include "TguiText.h"
+#include "TcheckitemGrid.h"
+#include "TcheckitemListModel.h"
 #include "TinstGridDelegate.h"
 #include "TinstGridHeader.h"
-#include "TinstGridText.h"
 #include "TinstListingPrinter.h"
 #include "TinstSyncThread.h"
 #include "TenterKey.h"
@@ -20,7 +21,6 @@
 #include "TscreenFit.h"
 #include "TtransferRunner.h"
 #include "VAROAutoSeqEditor.h"
-#include "asEdFilterPopup.h"
 #include "instrpanel.h"
 #include "progress.h"
 #include <QCloseEvent>
@@ -110,7 +110,7 @@ template <class Handler> void TinstructionEditorForm::guarded(Handler handler)
 TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMode, TPluginHostInfo *hostData,
                                                TInstrDatabase *database, MessageSink *sink)
     : QDialog(owner), ui(new Ui::TinstructionEditorForm), m_sink(sink ? *sink : TguiMessageSink::defaultSink()),
-      m_checklistMode(checklistMode), m_hostData(hostData), m_appDir(TappDir::applicationFolder())
+      m_checklistMode(checklistMode), m_hostData(hostData), m_db(database), m_appDir(TappDir::applicationFolder())
 {
     setUpControls();
     buildPanels();
@@ -119,22 +119,12 @@ TinstructionEditorForm::TinstructionEditorForm(QWidget *owner, bool checklistMod
     loadCategories();
     TscreenFit::fit(this);
 
-    m_db = database;
-    QStringList header;
-    for (const std::string &text : TinstGridText::header())
-        header << TguiText::fromBytes(text);
-    ui->instList->setHorizontalHeaderLabels(header);
     if (!m_db) {
         makeDegenerate();
         return;
     }
-    m_sortState = 1;
-    m_filter.checklistMode = checklistMode;
-    m_filter.reset();
-    m_filter.setSort(m_sortState);
-    applyFilter();
+    m_list->refilter();
     fillGrid(0);
-    m_header->showSortState(m_sortState);
 }
 
 TinstructionEditorForm::TinstructionEditorForm()
@@ -156,8 +146,9 @@ void TinstructionEditorForm::setUpControls()
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
                    | Qt::WindowCloseButtonHint);
 
-    m_header = new TinstGridHeader(ui->instList);
-    ui->instList->setHorizontalHeader(m_header);
+    m_list = new TcheckitemListModel(m_db, m_categoryDescriptors, m_checklistMode,
+                                     TcheckitemListModel::EmptyList::BlankRow, this);
+    ui->instList->setList(m_list);
     ui->instList->setItemDelegate(new TinstGridDelegate(ui->instList));
     ui->instList->setTextElideMode(Qt::ElideNone);
     ui->instList->verticalHeader()->setDefaultSectionSize(ui->instList->fontMetrics().height() + 6);
@@ -207,15 +198,15 @@ void TinstructionEditorForm::setUpControls()
     // activated: only the user's choices, not the form's own settings of the lists.
     connect(ui->lstOp, &QComboBox::activated, this, [this] { guarded([this] { lstOpChange(); }); });
     connect(ui->lstCat, &QComboBox::activated, this, [this] { guarded([this] { lstCatChange(); }); });
-    connect(ui->instList, &QTableWidget::currentCellChanged, this, [this] { guarded([this] { instListClick(); }); });
-    connect(ui->instList, &QTableWidget::cellDoubleClicked, this, [this] { guarded([this] { instListDblClick(); }); });
+    connect(ui->instList, &TcheckitemGrid::currentCellChanged, this, [this] { guarded([this] { instListClick(); }); });
+    connect(ui->instList, &TcheckitemGrid::doubleClicked, this, [this] { guarded([this] { instListDblClick(); }); });
     // Edit and Delete act on the current row: Ctrl+click must not leave it unselected.
     connect(ui->instList->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
-        QTableWidget *grid = ui->instList;
+        TcheckitemGrid *grid = ui->instList;
         if (!grid->selectionModel()->hasSelection() && grid->currentRow() >= 0)
             grid->selectRow(grid->currentRow());
     });
-    connect(m_header, &QHeaderView::sectionPressed, this,
+    connect(ui->instList->sortHeader(), &QHeaderView::sectionPressed, this,
             [this](int column) { guarded([this, column] { instListMouseDown(column); }); });
 }
 
@@ -353,81 +344,33 @@ QString TinstructionEditorForm::categoryText(char letter) const
 
 // ---- the grid
 
-void TinstructionEditorForm::applyFilter()
-{
-    m_filter.apply(m_db->slots(), m_shownItems, m_categoryDescriptors);
-}
-
 void TinstructionEditorForm::fillGrid(int selectRow)
 {
-    QTableWidget *grid = ui->instList;
+    TcheckitemGrid *grid = ui->instList;
     {
         const QSignalBlocker quiet(grid);
-        grid->setUpdatesEnabled(false);
-        if (m_shownItems.empty()) {
-            grid->setRowCount(1);
-            for (int c = 0; c < GridColumns; ++c)
-                grid->setItem(0, c, new QTableWidgetItem);
-        } else {
-            grid->setRowCount(int(m_shownItems.size()));
-            for (int r = 0; r < grid->rowCount(); ++r)
-                writeRow(r);
-        }
+        m_list->recordsChanged();
         sizeColumns();
-        grid->setUpdatesEnabled(true);
-        grid->setCurrentCell(std::clamp(selectRow, 0, grid->rowCount() - 1), 0);
+        grid->setCurrentRow(selectRow);
     }
-    if (!m_shownItems.empty())
+    if (!m_list->shownItems().empty())
         showRecord(grid->currentRow());
-}
-
-void TinstructionEditorForm::writeRow(int row)
-{
-    const std::uint32_t index = m_shownItems[std::size_t(row)];
-    const std::array<std::string, GridColumns> texts = TinstGridText::rowForEditor(*m_db, index, m_categoryDescriptors);
-    for (int c = 0; c < GridColumns; ++c) {
-        QTableWidgetItem *cell = ui->instList->item(row, c);
-        if (!cell) {
-            cell = new QTableWidgetItem;
-            ui->instList->setItem(row, c, cell);
-        }
-        cell->setText(TguiText::fromBytes(texts[std::size_t(c)]));
-    }
 }
 
 // Every column but the last as wide as its widest text and a margin; the header
 // also makes room for the sort picture. The last column takes the rest.
 void TinstructionEditorForm::sizeColumns()
 {
-    QTableWidget *grid = ui->instList;
+    TcheckitemGrid *grid = ui->instList;
     const QFontMetrics cells(grid->font());
-    const QFontMetrics captions(m_header->font());
+    const QFontMetrics captions(grid->sortHeader()->font());
     for (int c = 0; c < GridColumns - 1; ++c) {
-        const QTableWidgetItem *caption = grid->horizontalHeaderItem(c);
-        int width = captions.horizontalAdvance(caption ? caption->text() : QString()) + CellPadding
+        int width = captions.horizontalAdvance(m_list->headerData(c, Qt::Horizontal).toString()) + CellPadding
                     + TinstGridHeader::sortPictureWidth();
-        for (int r = 0; r < grid->rowCount(); ++r)
-            if (const QTableWidgetItem *cell = grid->item(r, c))
-                width = std::max(width, cells.horizontalAdvance(cell->text()) + CellPadding);
+        for (int r = 0; r < m_list->rowCount(); ++r)
+            width = std::max(width, cells.horizontalAdvance(m_list->index(r, c).data().toString()) + CellPadding);
         grid->setColumnWidth(c, width);
     }
-}
-
-QList<QStringList> TinstructionEditorForm::gridTexts() const
-{
-    const QTableWidget *grid = ui->instList;
-    QList<QStringList> rows;
-    QStringList header;
-    for (int c = 0; c < GridColumns; ++c)
-        header << (grid->horizontalHeaderItem(c) ? grid->horizontalHeaderItem(c)->text() : QString());
-    rows << header;
-    for (int r = 0; r < grid->rowCount(); ++r) {
-        QStringList row;
-        for (int c = 0; c < GridColumns; ++c)
-            row << (grid->item(r, c) ? grid->item(r, c)->text() : QString());
-        rows << row;
-    }
-    return rows;
 }
 
 int TinstructionEditorForm::selectedRow() const
@@ -437,7 +380,7 @@ int TinstructionEditorForm::selectedRow() const
 
 TInstr &TinstructionEditorForm::selectedRecord()
 {
-    return (*m_db)[m_shownItems.at(std::size_t(selectedRow()))];
+    return (*m_db)[m_list->shownItems().at(std::size_t(selectedRow()))];
 }
 
 void TinstructionEditorForm::showRecord(int row)
@@ -445,7 +388,8 @@ void TinstructionEditorForm::showRecord(int row)
     writeOpListTrace(m_revOpComboMap);
     for (const auto &[opCode, panel] : m_opPanelMap)
         panel->Hide();
-    TInstr &record = (*m_db)[m_shownItems.at(std::size_t(row))];
+    const std::uint32_t index = m_list->shownItems().at(std::size_t(row));
+    TInstr &record = (*m_db)[index];
     auto found = m_opPanelMap.find(record.opCode);
     if (found == m_opPanelMap.end()) {
         if (m_opPanelMap.empty())
@@ -455,7 +399,7 @@ void TinstructionEditorForm::showRecord(int row)
         record.opCode = found->first;
         std::memset(record.command, ' ', sizeof record.command - 1);
         record.command[sizeof record.command - 1] = 0;
-        writeRow(row);
+        m_list->recordsChanged();
     }
     TInstrPanel &panel = *found->second;
     panel.Show();
@@ -465,7 +409,7 @@ void TinstructionEditorForm::showRecord(int row)
         // The panel starts empty rather than with another record's values; the
         // command stays as it is until the user types new values.
         panel.Clear();
-        reportUnfitCommand(m_shownItems.at(std::size_t(row)), record, error.code);
+        reportUnfitCommand(index, record, error.code);
     }
     ui->lstOp->setCurrentIndex(m_opComboMap.count(record.opCode) ? m_opComboMap[record.opCode] : -1);
     ui->lstCat->setCurrentIndex(categoryIndex(record.category));
@@ -489,45 +433,26 @@ void TinstructionEditorForm::reportUnfitCommand(std::uint32_t index, const TInst
 
 void TinstructionEditorForm::instListClick()
 {
-    if (!m_shownItems.empty())
+    if (!m_list->shownItems().empty())
         showRecord(selectedRow());
 }
 
 void TinstructionEditorForm::instListDblClick()
 {
-    if (!m_shownItems.empty())
+    if (!m_list->shownItems().empty())
         btnEditInstClick();
 }
 
 void TinstructionEditorForm::instListMouseDown(int column)
 {
-    switch (column) {
-    case 0:
-        m_sortState = m_sortState == 1 ? 2 : 1;
-        break;
-    case 1:
-        m_sortState = m_sortState == 3 ? 4 : 3;
-        break;
-    case 2:
-        m_sortState = m_sortState == 5 ? 6 : 5;
-        break;
-    default:
-        break; // the commands are not sorted
-    }
-    m_filter.setSort(m_sortState);
-    m_header->showSortState(m_sortState);
-    applyFilter();
+    m_list->pressHeader(column);
     fillGrid(0);
 }
 
 // After an import or a sync: database order, no filter.
 void TinstructionEditorForm::resetListOrder()
 {
-    m_sortState = 0;
-    m_filter.reset();
-    m_filter.setSort(m_sortState);
-    m_header->showSortState(m_sortState);
-    applyFilter();
+    m_list->resetOrder();
     fillGrid(0);
 }
 
@@ -548,8 +473,8 @@ void TinstructionEditorForm::setBrowsing()
 {
     for (QWidget *control : listControls())
         control->setEnabled(true);
-    ui->btnEditInst->setEnabled(!m_shownItems.empty());
-    ui->btnDelete->setEnabled(!m_shownItems.empty());
+    ui->btnEditInst->setEnabled(!m_list->shownItems().empty());
+    ui->btnDelete->setEnabled(!m_list->shownItems().empty());
     for (QWidget *control : editControls())
         control->setEnabled(false);
     ui->btnUpdate->hide();
@@ -604,7 +529,7 @@ void TinstructionEditorForm::reportFatal(const std::string &text, int line)
 
 void TinstructionEditorForm::btnEditInstClick()
 {
-    if (m_shownItems.empty())
+    if (m_list->shownItems().empty())
         return;
     m_savedOpIndex = ui->lstOp->currentIndex();
     m_savedCatIndex = ui->lstCat->currentIndex();
@@ -674,24 +599,24 @@ void TinstructionEditorForm::btnNewInstClick()
         m_sink.warning("Checkitem Database Full", DatabaseFullText);
         return;
     }
-    m_shownItems.push_back(std::uint32_t(slot));
+    m_list->append(std::uint32_t(slot));
     (*m_db)[std::size_t(slot)].assign(NoCategory, m_opPanelMap.empty() ? 0 : m_opPanelMap.begin()->first, "");
-    fillGrid(int(m_shownItems.size()) - 1);
+    fillGrid(int(m_list->shownItems().size()) - 1);
     btnEditInstClick();
 }
 
 void TinstructionEditorForm::btnDeleteClick()
 {
-    if (m_shownItems.empty())
+    if (m_list->shownItems().empty())
         return;
     const int row = selectedRow();
-    const std::uint32_t index = m_shownItems[std::size_t(row)];
+    const std::uint32_t index = m_list->shownItems()[std::size_t(row)];
     if (!TdeleteInstructionFrm::confirmDeletion(std::uint16_t(index + 1), m_appDir, this))
         return;
     (*m_db)[index].clear();
-    applyFilter();
+    m_list->refilter();
     fillGrid(row);
-    if (m_shownItems.empty()) {
+    if (m_list->shownItems().empty()) {
         ui->btnEditInst->setEnabled(false);
         ui->btnDelete->setEnabled(false);
     }
@@ -719,15 +644,8 @@ void TinstructionEditorForm::btnEditCatClick()
 
 void TinstructionEditorForm::btnFilterClick()
 {
-    if (!m_db)
-        return;
-    m_filter.reset();
-    m_filter.setSort(m_sortState);
-    TinstructionFilterForm form(this, m_checklistMode, &m_opInfoMap, &m_categoryDescriptors, &m_filter);
-    if (form.exec() != QDialog::Accepted)
-        return;
-    applyFilter();
-    fillGrid(0);
+    if (m_db && ui->instList->chooseFilter(m_opInfoMap, m_categoryDescriptors))
+        fillGrid(0);
 }
 
 // ---- files, printing, help
@@ -773,7 +691,7 @@ void TinstructionEditorForm::btnPrintClick()
         return;
     if (printer.outputFormat() == QPrinter::PdfFormat)
         printer.setResolution(TinstListingPrinter::PdfResolution);
-    TinstListingPrinter::print(printer, gridTexts());
+    TinstListingPrinter::print(printer, *m_list);
 }
 
 void TinstructionEditorForm::btnHelpClick()

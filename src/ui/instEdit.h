@@ -4,10 +4,8 @@
 // parameter panel of its op code, and filters, sorts, deletes, imports, exports,
 // prints and syncs them. It changes the database in place; its owner saves it.
 #include "CategoryDescriptors.h"
-#include "Tfilter.h"
 #include "TinstStruct.h"
 #include <QDialog>
-#include <QPixmap>
 #include <QPointer>
 #include <cstdint>
 #include <filesystem>
@@ -25,7 +23,7 @@ class QPrinter;
 class TInstrDatabase;
 class THelpWindow;
 class TInstrPanel;
-class TinstGridHeader;
+class TcheckitemListModel;
 struct TInstr;
 struct TPluginHostInfo;
 
@@ -49,12 +47,9 @@ public:
     TinstructionEditorForm();
     ~TinstructionEditorForm() override;
 
-    const std::vector<std::uint32_t> &shownItems() const { return m_shownItems; }
-    std::uint8_t sortState() const { return m_sortState; }
+    // The checkitems the grid shows, in its order.
+    const TcheckitemListModel &checkitemList() const { return *m_list; }
     const TcategoryMap &categoryDescriptors() const { return m_categoryDescriptors; }
-    const Tfilter &filter() const { return m_filter; }
-    // The grid's texts: the header row, then the data rows in grid order.
-    QList<QStringList> gridTexts() const;
 
     // Closing is allowed exactly when no edit is open.
     bool FormCloseQuery() const;
@@ -100,9 +95,7 @@ private:
     void rebuildCategoryList();
     QString categoryText(char letter) const;
 
-    void applyFilter();
     void fillGrid(int selectRow);
-    void writeRow(int row);
     void sizeColumns();
     int selectedRow() const;
     TInstr &selectedRecord();
@@ -130,22 +123,19 @@ private:
     TInstrDatabase *m_db = nullptr;
     std::filesystem::path m_appDir;
 
-    std::vector<std::uint32_t> m_shownItems;
     TcategoryMap m_categoryDescriptors;
     TcategoryMap m_savedCategoryDescriptors; // as in catdes.dat
-    Tfilter m_filter;
     std::map<char, TInstrPanel *> m_opPanelMap; // children of pnlInst
     TopCodeTable m_opInfoMap;
     std::map<char, int> m_opOrderMap;
     std::map<char, int> m_opComboMap;
     std::map<int, char> m_revOpComboMap;
-    std::uint8_t m_sortState = 0;
     int m_lastRow = 0;
     int m_savedOpIndex = -1;
     int m_savedCatIndex = -1;
     std::set<std::uint32_t> m_unfitReported; // checkitems whose command did not fit their panel
 
-    TinstGridHeader *m_header = nullptr;
+    TcheckitemListModel *m_list = nullptr; // rows of instList
     QFileDialog *instTableOpenDlg = nullptr;
     QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
 };

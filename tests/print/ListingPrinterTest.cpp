@@ -21,54 +21,47 @@ protected:
         EXPECT_TRUE(TinstListingPrinter::print(printer, rows));
         return pdfPages(temp / "list.pdf", textOnly);
     }
-
-    // Lines per page worked out from the page and font alone, as a reader of the
-    // layout would: (page height - 400) / (sample text height + 10).
-    int expectedLinesPerPage()
-    {
-        QPrinter printer(QPrinter::HighResolution);
-        TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "probe.pdf").string()));
-        QFont font("Courier New", 10);
-        QFontMetrics metrics(font, &printer);
-        int lineHeight = metrics.height() + 10;
-        return (printer.height() - 400) / lineHeight;
-    }
-
     static QStringList row(int number, const QString &command)
     {
         return {QString::number(number), "Earth bond", "M - Measure", command};
     }
-
     TempDir temp;
 };
 }
 
 TEST_F(ListingPrinterTest, ColumnsArePaddedToTheWidestCellPlusTwo)
 {
-    auto pages = printPages({Header, row(7, "EB\u00BB0\u00BB5"), {"10", "B", "P - Pass/Fail", "Plug ok?"}}, true);
-    EXPECT_EQ(pages, (PdfPages{{Indent + "KT930pc Instruction Listing", Indent + "No.  Category    Op Code        Command",
-                               Indent + "7    Earth bond  M - Measure    EB\u00BB0\u00BB5",
-                               Indent + "10   B           P - Pass/Fail  Plug ok?"}}));
+    const struct {
+        QList<QStringList> rows;
+        PdfPages pages;
+    } cases[] = {
+        {{Header, row(7, "EB\u00BB0\u00BB5"), {"10", "B", "P - Pass/Fail", "Plug ok?"}},
+         {{Indent + "KT930pc Instruction Listing", Indent + "No.  Category    Op Code        Command",
+           Indent + "7    Earth bond  M - Measure    EB\u00BB0\u00BB5", Indent + "10   B           P - Pass/Fail  Plug ok?"}}},
+        {{Header, {"", "", "", ""}}, {{Indent + "KT930pc Instruction Listing", Indent + "No.  Category  Op Code  Command"}}}};
+    for (const auto &c : cases)
+        EXPECT_EQ(printPages(c.rows, true), c.pages);
 }
 
+// (page height - 400) / (sample text height + 10) lines a page, as a reader of the layout works it out.
 TEST_F(ListingPrinterTest, EveryPageRepeatsTitleAndHeaderAndHoldsTheComputedLineCount)
 {
-    const int perPage = expectedLinesPerPage();
-    const int rowsPerPage = perPage - 3; // title, blank line, header
+    QPrinter probe(QPrinter::HighResolution);
+    TinstListingPrinter::preparePdf(probe, QString::fromStdString((temp / "probe.pdf").string()));
+    const int rowsPerPage = (probe.height() - 400) / (QFontMetrics(QFont("Courier New", 10), &probe).height() + 10) - 3;
     ASSERT_GT(rowsPerPage, 10);
     QList<QStringList> rows{Header};
     for (int n = 1; n <= 2 * rowsPerPage + 1; ++n)
         rows.append(row(n, "x"));
     auto pages = printPages(rows);
     ASSERT_EQ(pages.size(), 3u);
-
     int next = 1;
     for (std::size_t p = 0; p < pages.size(); ++p) {
         const auto &lines = pages[p];
         ASSERT_GE(lines.size(), 4u);
-        EXPECT_EQ(lines[0], Indent + "KT930pc Instruction Listing") << p;
-        EXPECT_EQ(lines[1], "") << p;
-        EXPECT_EQ(lines[2], Indent + "No.  Category    Op Code      Command") << p;
+        EXPECT_EQ(std::vector(lines.begin(), lines.begin() + 3),
+                  (std::vector<std::string>{Indent + "KT930pc Instruction Listing", "",
+                                            Indent + "No.  Category    Op Code      Command"}));
         int onPage = 0;
         for (std::size_t i = 3; i < lines.size() && !lines[i].empty(); ++i, ++onPage, ++next) {
             std::string number = std::to_string(next);
@@ -78,6 +71,7 @@ TEST_F(ListingPrinterTest, EveryPageRepeatsTitleAndHeaderAndHoldsTheComputedLine
     }
 }
 
+// Every character that starts left of the page's right edge is shown, no more.
 TEST_F(ListingPrinterTest, LongCommandsAreCutAtThePageEdgeNotWrapped)
 {
     QString longCommand;
@@ -86,21 +80,12 @@ TEST_F(ListingPrinterTest, LongCommandsAreCutAtThePageEdgeNotWrapped)
     auto pages = printPages({Header, row(1, longCommand), row(2, "short")});
     ASSERT_EQ(pages.size(), 1u);
     ASSERT_GE(pages[0].size(), 5u);
-
-    // Every character that starts left of the page's right edge is shown, no more.
     QPrinter printer(QPrinter::HighResolution);
     TinstListingPrinter::preparePdf(printer, QString::fromStdString((temp / "probe.pdf").string()));
-    QFontMetrics metrics(QFont("Courier New", 10), &printer);
-    const int pitch = metrics.horizontalAdvance(QLatin1Char('0'));
+    const int pitch = QFontMetrics(QFont("Courier New", 10), &printer).horizontalAdvance(QLatin1Char('0'));
     const int visible = (printer.width() - TinstListingPrinter::Margin + pitch - 1) / pitch;
     std::string full = "1    Earth bond  M - Measure  " + longCommand.toStdString();
     ASSERT_LT(visible, int(full.size()));
     EXPECT_EQ(pages[0][3], Indent + full.substr(0, std::size_t(visible)));
     EXPECT_EQ(pages[0][4], Indent + "2    Earth bond  M - Measure  short");
-}
-
-TEST_F(ListingPrinterTest, EmptyListIsOnePageWithHeadingAndHeader)
-{
-    EXPECT_EQ(printPages({Header, {"", "", "", ""}}, true),
-              (PdfPages{{Indent + "KT930pc Instruction Listing", Indent + "No.  Category  Op Code  Command"}}));
 }

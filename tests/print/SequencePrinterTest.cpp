@@ -52,21 +52,6 @@ TEST_F(SequencePrinterTest, OneItemSequenceHasTheHeadingSettingLinesAndOneNumber
                         }}));
 }
 
-TEST_F(SequencePrinterTest, FullSequenceNumbersAll24RowsInOrderOnOnePage)
-{
-    auto pages = printPages({report(24)});
-    ASSERT_EQ(pages.size(), 1u);
-    ASSERT_EQ(pages[0].size(), 7u + 24u);
-    EXPECT_EQ(pages[0][6], Indent + "No.  Category    Op Code        Command");
-    for (int n = 1; n <= 24; ++n) {
-        const std::string number = std::to_string(n) + ".";
-        const std::string cells = n % 2 ? "Electrical  M - Measure    " : "Visual      P - Pass/Fail  ";
-        EXPECT_EQ(pages[0][std::size_t(6 + n)],
-                  Indent + number + std::string(5 - number.size(), ' ') + cells + "Step " + std::to_string(n)
-                      + "\u00BB0.1");
-    }
-}
-
 TEST_F(SequencePrinterTest, NothingToPrintOrNoPrinterIsAFailure)
 {
     QPrinter printer(QPrinter::HighResolution);

@@ -59,7 +59,7 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     {
         whenModal([shownTitle](QWidget *editor) {
             *shownTitle = editor->findChild<QLineEdit *>("title1txt")->text();
-            editor->findChild<QTableWidget *>("instList")->setCurrentCell(0, 0);
+            editor->findChild<QTableView *>("instList")->setCurrentIndex(editor->findChild<QTableView *>("instList")->model()->index(0, 0));
             click(editor, "btnAdd");
             editor->findChild<QLineEdit *>("title2txt")->setText("edited");
             click(editor, "btnOk");

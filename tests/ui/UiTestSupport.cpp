@@ -6,7 +6,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTableWidget>
+#include <QTableView>
 #include <QTest>
 #include <gtest/gtest.h>
 #include <QTimer>
@@ -114,11 +114,11 @@ std::string bytesOf(const TInstr &record)
     return std::string(reinterpret_cast<const char *>(&record), sizeof record);
 }
 
-QStringList columnTexts(const QTableWidget *grid, int column)
+QStringList columnTexts(const QTableView *grid, int column)
 {
     QStringList texts;
-    for (int r = 0; r < grid->rowCount(); ++r)
-        texts << (grid->item(r, column) ? grid->item(r, column)->text() : QString());
+    for (int r = 0; r < grid->model()->rowCount(); ++r)
+        texts << grid->model()->index(r, column).data().toString();
     return texts;
 }
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-class QTableWidget;
+class QTableView;
 class THelpWindow;
 
 void ensureApplication();
@@ -75,7 +75,7 @@ void mouseClick(const QObject *parent, const char *name);
 // The 44 bytes of a checkitem record.
 std::string bytesOf(const TInstr &record);
 // The texts of a grid column, top to bottom; an empty cell gives "".
-QStringList columnTexts(const QTableWidget *grid, int column);
+QStringList columnTexts(const QTableView *grid, int column);
 // The help windows on show.
 QList<THelpWindow *> helpWindows();
 
