@@ -6,7 +6,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace ByteBuilder;
@@ -172,26 +171,6 @@ TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
         tester += asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
     EXPECT_EQ(TempDir::read(dir / "Data/usertester2.asq"), tester);
     EXPECT_FALSE(std::filesystem::exists(dir / "Data/testProc.asq"));
-}
-
-// That the old files stay is the writers' own test.
-TEST_F(DataSet, FailedSavesCostOneBoxEachAndTheOtherFilesAreStillWritten)
-{
-    writeCompleteSet();
-    data.loadAll();
-    for (const char *name : {"mit.dat", "inspection.asq", "usertester3.asq"})
-        ::chmod((dir / "Data" / name).c_str(), 0444);
-    for (auto &tester : data.userTesters)
-        tester.name = "Renamed";
-    data.backup();
-    EXPECT_EQ(sink.messages,
-              (std::vector<Message>{
-                  stop("File Error", "An error occured while backing up the master checkitem database"),
-                  stop("File Error", "An error occured while backing up the data for Physical Inspections"),
-                  stop("File Error", "An error occured while backing up the data for User Tester Sequence 3")}));
-    for (int i : {1, 2, 4, 5})
-        EXPECT_NE(TempDir::read(dir / ("Data/usertester" + std::to_string(i) + ".asq")).find("Renamed"),
-                  std::string::npos);
 }
 
 class ValidateOpCodes : public DataSet {

@@ -139,11 +139,10 @@ TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestartAnInterruptedOne
     EXPECT_EQ(client.receive(174 * Block), upload);
 }
 
-TEST_F(SimulatorTest, FaultsStopShortenCloseOrChangeTheStream)
+TEST_F(SimulatorTest, FaultsStopShortenOrCloseTheStream)
 {
     ASSERT_NO_FATAL_FAILURE(start({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ", "--fault",
-                                   "close-at-block=5@GTSP", "--fault", "close-at-block=3@PUIN", "--fault",
-                                   "wrong-store=2@PASQ"}));
+                                   "close-at-block=5@GTSP", "--fault", "close-at-block=3@PUIN"}));
     const std::string before = TempDir::read(memoryFile);
     TrawClient client = connect();
 
@@ -169,16 +168,6 @@ TEST_F(SimulatorTest, FaultsStopShortenCloseOrChangeTheStream)
     EXPECT_TRUE(putter.waitClosed());
     EXPECT_EQ(TempDir::read(memoryFile), before);
 
-    // A wrong store is acknowledged and stores the block changed.
-    TrawClient storer = connect();
-    const std::string sent = pattern(27 * Block, 2);
-    EXPECT_EQ(put(storer, "PASQ", sent), "*\r" + acks(27));
-    ASSERT_TRUE(sim->waitForLog("PASQ stored 27 blocks"));
-    std::string stored = sent;
-    stored[2 * Block] = static_cast<char>(stored[2 * Block] ^ 0xFF);
-    storer.send("GASQ\r");
-    EXPECT_EQ(storer.receive(27 * Block), stored);
-    EXPECT_EQ(TempDir::read(memoryFile), memory.checkitems + stored + memory.checklists);
 }
 
 TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAllAndSilenceIsPerConnection)
@@ -278,6 +267,21 @@ TEST_F(SimulatorTest, BaudRatePacesTheOutputAndTheInput)
     client.send(pattern(Block, 1));
     EXPECT_EQ(client.receive(2), "C\r");
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(260));
+}
+
+TEST_F(SimulatorTest, WrongStoreFaultAcknowledgesAndStoresTheBlockChanged)
+{
+    ASSERT_NO_FATAL_FAILURE(start({"--fault", "wrong-store=2@PASQ"}));
+    TrawClient client = connect();
+    const std::string sent = pattern(27 * Block, 2);
+    EXPECT_EQ(put(client, "PASQ", sent), "*\r" + acks(27));
+    ASSERT_TRUE(sim->waitForLog("PASQ stored 27 blocks"));
+
+    std::string stored = sent;
+    stored[2 * Block] = static_cast<char>(stored[2 * Block] ^ 0xFF);
+    client.send("GASQ\r");
+    EXPECT_EQ(client.receive(27 * Block), stored);
+    EXPECT_EQ(TempDir::read(memoryFile), memory.checkitems + stored + memory.checklists);
 }
 
 TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
