@@ -111,51 +111,6 @@ TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
     EXPECT_EQ(TtreeNodeDelegate::fontColour(false, false), black);
 }
 
-TEST_F(FrameFixture, ClearingAnInspectionAsksAndMakesItUnusedWithoutWriting)
-{
-    appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-    const std::string before = read("inspection.asq");
-    auto frame = makeFrame();
-    auto *list = child<QListWidget>(frame.get(), "lstIP");
-    auto *clear = child<QPushButton>(frame.get(), "BtnIPClear");
-
-    clear->click(); // nothing selected: no question
-    EXPECT_TRUE(sink.messages.empty());
-
-    list->setCurrentRow(0);
-    sink.answers = {MsgAnswer::No};
-    clear->click();
-    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
-    EXPECT_EQ(list->item(0)->text(), "EARTH BOND - CLASS I");
-
-    clear->click(); // answered Yes
-    EXPECT_EQ(sink.messages.size(), 2u);
-    EXPECT_EQ(list->item(0)->text(), "<unused>");
-    EXPECT_EQ(list->currentRow(), 0);
-    const Tautosequence unused = unusedSequence();
-    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[0], &unused, sizeof unused), 0);
-    EXPECT_EQ(read("inspection.asq"), before);
-}
-
-TEST_F(FrameFixture, ClearAfterAReloadWithFewerSequencesThanNodesDoesNothing)
-{
-    auto frame = makeSampleFrame();
-    // The nodes stay as built; the reloaded tester file holds only two sequences.
-    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
-                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
-    frame->ReloadData();
-    ASSERT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
-    EXPECT_EQ(tree->topLevelItem(0)->text(0), "i. SHORT");
-    EXPECT_EQ(tree->topLevelItem(0)->child(1)->text(0), "2. C - D");
-
-    tree->setCurrentItem(tree->topLevelItem(0)->child(5));
-    child<QPushButton>(frame.get(), "BtnUTSClear")->click();
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
-}
-
 // The Edit button on a tester: OK keeps a stored name longer than the form takes,
 // the caret starts at the end of the name, and the new name is saved upper-case.
 TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercasesAndSavesAllThree)
@@ -390,12 +345,19 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     frame->refreshLists(0);
     EXPECT_TRUE(list->selectedItems().isEmpty());
 
+    // Selected: the question; No keeps the row, Yes clears it in memory only.
+    const std::string before = read("inspection.asq");
     clickRow(list, last);
-    sink.answers = {MsgAnswer::Yes};
+    sink.answers = {MsgAnswer::No, MsgAnswer::Yes};
     clickButton("BtnIPClear");
-    EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
+    EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
+    clickButton("BtnIPClear");
+    EXPECT_EQ(sink.messages, (std::vector<Message>{ConfirmClear, ConfirmClear}));
     EXPECT_EQ(list->item(2)->text(), "<unused>");
     EXPECT_TRUE(list->item(2)->isSelected()); // the cleared row stays selected
+    const Tautosequence unused = unusedSequence();
+    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[2], &unused, sizeof unused), 0);
+    EXPECT_EQ(read("inspection.asq"), before);
 }
 
 TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCurrent)
@@ -425,6 +387,21 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
     EXPECT_EQ(node->text(0), "1. <unused>");
     EXPECT_TRUE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+
+    // The nodes stay as built when a reloaded tester file holds fewer sequences:
+    // a node past them clears nothing.
+    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
+                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
+    frame->ReloadData();
+    ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
+    EXPECT_EQ(tree->topLevelItem(0)->text(0), "i. SHORT");
+    EXPECT_EQ(tree->topLevelItem(0)->child(1)->text(0), "2. C - D");
+    tree->setCurrentItem(tree->topLevelItem(0)->child(5));
+    ASSERT_TRUE(tree->topLevelItem(0)->child(5)->isSelected());
+    sink.messages.clear();
+    clickButton("BtnUTSClear");
+    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
 }
 
 // Another program writes the data folder while the frame holds its copy; which
