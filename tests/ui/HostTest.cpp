@@ -141,7 +141,7 @@ TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
     EXPECT_TRUE(available.contains(exitOnScreen));
 }
 
-TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTheStatusLine)
+TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAboutAndTheApplicationFolderInTheStatusLine)
 {
     ThostMainWindow window(folders());
     window.show();
@@ -169,14 +169,7 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTh
     EXPECT_TRUE(help->topicLoaded());
     help->close();
 
-    window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
-    EXPECT_FALSE(window.isVisible());
-}
-
-TEST_F(HostTest, AboutNamesTheVersionAndTheLibrariesLicences)
-{
-    ThostMainWindow window(folders());
-    window.show();
+    // About names the version and the libraries' licences.
     QString caption, text;
     whenModal([&](QWidget *box) {
         caption = box->windowTitle();
@@ -193,6 +186,9 @@ TEST_F(HostTest, AboutNamesTheVersionAndTheLibrariesLicences)
                                    "<li>libftdi1: GNU LGPL version 2.1</li>"
                                    "<li>libusb-1.0: GNU LGPL version 2.1</li>"
                                    "<li>Boost: Boost Software License 1.0</li></ul>"));
+
+    window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(HostTest, RemembersItsPlaceAndSizeButNeverOpensOffTheScreen)
