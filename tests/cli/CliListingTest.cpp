@@ -55,19 +55,18 @@ TEST_F(CliListingTest, PrintsTheEditorsFirstViewOfTheDatabase)
 TEST_F(CliListingTest, BadInputIsNamedAndFails)
 {
     fs::create_directories(temp / "folder.pdf");
-    ProgramRun folder = listing((temp / "folder.pdf").string());
-    EXPECT_EQ(folder.exitCode, 1);
-    EXPECT_EQ(folder.err, "kt930ctl listing: " + (temp / "folder.pdf").string() + " is a folder, not a file\n");
-
-    const std::string unwritable = (temp / "absent/list.pdf").string();
-    ProgramRun missingFolder = listing(unwritable);
-    EXPECT_EQ(missingFolder.exitCode, 1);
-    EXPECT_EQ(missingFolder.err, "kt930ctl listing: cannot write " + unwritable + ": No such file or directory\n");
+    const std::string unwritable = (temp / "absent/list.pdf").string(), pdf = (temp / "list.pdf").string();
+    const std::pair<std::string, std::string> cases[] = {
+        {(temp / "folder.pdf").string(), "kt930ctl listing: " + (temp / "folder.pdf").string() + " is a folder, not a file\n"},
+        {unwritable, "kt930ctl listing: cannot write " + unwritable + ": No such file or directory\n"},
+        {"", "kt930ctl listing: --pdf needs a file name\n"},
+    };
+    for (const auto &[file, err] : cases) {
+        ProgramRun result = listing(file);
+        EXPECT_EQ(result.exitCode, 1) << file;
+        EXPECT_EQ(result.err, err);
+    }
     EXPECT_FALSE(fs::exists(temp / "absent"));
-
-    ProgramRun noName = listing("");
-    EXPECT_EQ(noName.exitCode, 1);
-    EXPECT_EQ(noName.err, "kt930ctl listing: --pdf needs a file name\n");
 
     ProgramRun noPdf = ProgramRun::run("kt930ctl", {"listing", "--appdir", (temp / "app").string()}, temp.path());
     EXPECT_EQ(noPdf.exitCode, 2);
@@ -75,15 +74,15 @@ TEST_F(CliListingTest, BadInputIsNamedAndFails)
         << noPdf.err;
 
     writeCheckitems({{2, TInstr(' ', 'Z', "unknown op")}});
-    ProgramRun unknownOp = listing((temp / "list.pdf").string());
+    ProgramRun unknownOp = listing(pdf);
     EXPECT_EQ(unknownOp.exitCode, 1);
     EXPECT_EQ(unknownOp.err, "kt930ctl listing: checkitem 3: Invalid Op Code\n");
 
     fs::remove(temp / "app/Data/mit.dat");
-    ProgramRun noTable = listing((temp / "list.pdf").string());
+    ProgramRun noTable = listing(pdf);
     EXPECT_EQ(noTable.exitCode, 1);
     EXPECT_EQ(noTable.err, "Instruction List Error\nWarning!! Corrupt Instruction List\nPlease restore the list from "
                            "the KT930.\n");
-    EXPECT_FALSE(fs::exists(temp / "list.pdf"));
+    EXPECT_FALSE(fs::exists(pdf));
 }
 #endif

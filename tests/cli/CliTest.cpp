@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <sstream>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -47,17 +46,13 @@ TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
     const std::string &out = result.out;
     EXPECT_TRUE(hasLine(out, "Load messages: none"));
     EXPECT_TRUE(hasLine(out, "Checkitems (37 used):"));
-    EXPECT_TRUE(hasLine(out, "   1  A Visual inspection | K - OK Prompt | Disconnect the device from the mains"));
     EXPECT_TRUE(hasLine(out, "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB" "0\xC2\xBB" "0.1\xC2\xBB" "0\xC2\xBB" "5"));
     EXPECT_TRUE(hasLine(out, "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER"));
     EXPECT_TRUE(hasLine(out, "  1. Visual Check - Mains Lead"));
-    EXPECT_TRUE(hasLine(out, "  4. <unused>"));
     EXPECT_TRUE(hasLine(out, "  18. <unused>"));
     EXPECT_TRUE(hasLine(out, "  i. WORKSHOP BENCH"));
     EXPECT_TRUE(hasLine(out, "      5. Printer Report - Serial Port 1"));
     EXPECT_TRUE(hasLine(out, "  iii. USER TESTER 3")); // blank name
-    EXPECT_TRUE(hasLine(out, "  v. LAB"));
-    EXPECT_TRUE(hasLine(out, "      12. <unused>"));
     EXPECT_TRUE(hasLine(out, "Checklists (4 used):"));
     EXPECT_TRUE(hasLine(out, "  4. Incoming inspection: 8 9 36 37"));
     EXPECT_EQ(result.err, "");
@@ -106,21 +101,6 @@ TEST_F(CliTest, ExportWritesTheUsedCheckitemsOrEverySlot)
     EXPECT_NE(failed.err.find("cannot create"), std::string::npos);
 }
 
-TEST_F(CliTest, ImportAddsCheckitemsAfterTheUsedOnes)
-{
-    const std::string before = TempDir::read(mitDat());
-    temp.write("in.csv", "E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\n");
-    ProgramRun result = run({"import-csv", (temp / "in.csv").string(), "--appdir", appDir()});
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_TRUE(hasLine(result.out, "Imported 2 checkitems into " + (temp / "app/Data/mit.dat").string()
-                                        + "; skipped 1 line that is not category,op code,command"));
-    const std::string after = TempDir::read(mitDat());
-    ASSERT_EQ(after.size(), 45936u);
-    EXPECT_EQ(after.substr(0, 37 * 44), before.substr(0, 37 * 44));
-    EXPECT_EQ(after.substr(37 * 44, 44), ByteBuilder::checkitem('E', 'L', "EB\t0\t0.5\t0\t5"));
-    EXPECT_EQ(after.substr(39 * 44), before.substr(39 * 44));
-}
-
 TEST_F(CliTest, ImportOfAMissingFileOrAFolderReportsFileIoErrorAndChangesNothing)
 {
     const std::string before = TempDir::read(mitDat());
@@ -153,19 +133,18 @@ TEST_F(CliTest, ImportOverflowSavesWhatFittedAndFails)
 
 TEST_F(CliTest, UsageErrorsAndHelp)
 {
-    EXPECT_EQ(run({}).exitCode, 2);
     ProgramRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_TRUE(hasLine(help.out, "  import-csv      add the checkitems of a CSV file to the checkitem table"));
-    EXPECT_EQ(run({"show", "--bogus"}).exitCode, 2);
-    EXPECT_EQ(run({"export-csv"}).exitCode, 2);
-    ProgramRun unknown = run({"frobnicate"});
-    EXPECT_EQ(unknown.exitCode, 2);
-    EXPECT_NE(unknown.err.find("unknown command \"frobnicate\""), std::string::npos);
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
 
-    // An option's value is never the next option, and an option counts once.
+    // Each refusal says why before the usage; an option's value is never the next
+    // option, and an option counts once.
     const std::vector<std::pair<std::vector<std::string>, std::string>> refused{
+        {{}, ""},
+        {{"show", "--bogus"}, "kt930ctl show: unknown option --bogus\n"},
+        {{"export-csv"}, "kt930ctl export-csv: expected 1 argument\n"},
+        {{"frobnicate"}, "kt930ctl: unknown command \"frobnicate\"\n"},
         {{"listing", "--pdf", "--appdir", "app"}, "kt930ctl listing: --pdf needs a value\n"},
         {{"show", "--appdir"}, "kt930ctl show: --appdir needs a folder\n"},
         {{"listing", "--pdf", "a.pdf", "--pdf", "b.pdf"}, "kt930ctl listing: --pdf is given twice\n"},
@@ -225,10 +204,7 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
                   + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n");
     EXPECT_EQ(TempDir::read(userFolder / "Data/mit.dat"), TempDir::read(usr / "share/kt930pc/Data/mit.dat"));
 
-    ProgramRun second = ProgramRun::runTool(ctl, {"show"}, temp.path());
-    EXPECT_EQ(second.exitCode, 0);
-    EXPECT_EQ(second.err.find("created"), std::string::npos);
-    EXPECT_EQ(second.out, first.out);
+    EXPECT_EQ(ProgramRun::runTool(ctl, {"show"}, temp.path()).out, first.out);
 
     where = ProgramRun::runTool(ctl, {"where", "--appdir", appDir()}, temp.path());
     EXPECT_TRUE(hasLine(where.out, "application folder: " + appDir()));
@@ -247,6 +223,8 @@ TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
         int exitCode;
         std::string out;
     } cases[] = {
+        {"E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\n", 0,
+         "Imported 2 checkitems into " + mitDat().string() + "; skipped 1 line that is not category,op code,command\n"},
         {"", 0, into + "\n"},
         {noCommas, 1,
          into + "; skipped 1234 lines that are not category,op code,command\n"},
@@ -263,9 +241,13 @@ TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
         EXPECT_EQ(result.exitCode, c.exitCode) << c.out;
         EXPECT_EQ(result.out, c.out);
     }
+    // Added after the used checkitems, the rest of the table unchanged.
     const std::string after = TempDir::read(mitDat());
-    EXPECT_EQ(after.substr(37 * 44, 44), ByteBuilder::checkitem('A', 'K', "ok"));
-    EXPECT_EQ(after.substr(38 * 44), before.substr(38 * 44));
+    ASSERT_EQ(after.size(), 45936u);
+    EXPECT_EQ(after.substr(0, 37 * 44), before.substr(0, 37 * 44));
+    EXPECT_EQ(after.substr(37 * 44, 44), ByteBuilder::checkitem('E', 'L', "EB\t0\t0.5\t0\t5"));
+    EXPECT_EQ(after.substr(39 * 44, 44), ByteBuilder::checkitem('A', 'K', "ok"));
+    EXPECT_EQ(after.substr(40 * 44), before.substr(40 * 44));
 }
 
 TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWriteAndOfAnUnreadableFile)
@@ -297,17 +279,5 @@ TEST_F(CliTest, AnUnreadableApplicationFolderIsSaidPlainly)
         EXPECT_EQ(result.exitCode, 1);
         EXPECT_EQ(result.err, "kt930ctl " + std::string(command) + ": the application folder "
                                   + (temp / "file").string() + " cannot be read (Not a directory)\n");
-    }
-    if (::geteuid() == 0 && ProgramRun::runTool("setpriv", {"--help"}, temp.path()).exitCode == 0) {
-        fs::permissions(temp.path(), fs::perms::others_exec, fs::perm_options::add);
-        fs::create_directories(temp / "locked");
-        fs::permissions(temp / "locked", fs::perms::none);
-        ProgramRun result = ProgramRun::runTool(
-            "setpriv", {"--reuid=65534", "--regid=65534", "--clear-groups", std::string(KT930_TEST_APPDIR) + "/kt930ctl",
-                        "import-csv", "x.csv", "--appdir", (temp / "locked").string()},
-            temp.path());
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_EQ(result.err, "kt930ctl import-csv: the application folder " + (temp / "locked").string()
-                                  + " cannot be read (Permission denied)\n");
     }
 }

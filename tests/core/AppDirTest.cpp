@@ -28,72 +28,55 @@ protected:
 };
 }
 
-TEST_F(AppDirTest, BuildFolderOrPortableCopyHoldingDataIsItsOwnApplicationFolderForBothSpellings)
+TEST_F(AppDirTest, ApplicationPluginHelpAndDefaultsFoldersFollowTheLayoutAndEnvironment)
 {
-    for (const char *spelling : {"Data", "data"}) {
-        const fs::path exeDir = temp / spelling / "app";
-        fs::create_directories(exeDir / spelling);
-        const TappFolders folders = TappDir::resolve(environment(exeDir, (temp / "xdg").string()));
-        EXPECT_EQ(folders.application, exeDir) << spelling;
-        EXPECT_EQ(folders.plugins, exeDir / "Plugins");
-        EXPECT_EQ(folders.help, exeDir);
-        EXPECT_TRUE(folders.defaults.empty());
-        EXPECT_EQ(folders.reason, "the program's folder holds Data/ and is writable (a build folder or a portable copy)");
-    }
-}
-
-TEST_F(AppDirTest, InstalledProgramUsesThePerUserFolderAndTheInstallFoldersForPluginsAndHelp)
-{
-    const fs::path bin = install();
-    const fs::path prefix = temp / "usr";
-
-    TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
-    EXPECT_EQ(folders.application, temp / "xdg/kt930pc");
-    EXPECT_EQ(folders.reason, "the program is installed: the per-user data folder in $XDG_DATA_HOME");
-    EXPECT_EQ(folders.plugins, prefix / "lib/kt930pc/plugins");
-    EXPECT_EQ(folders.help, prefix / "share/kt930pc");
-    EXPECT_EQ(folders.defaults, prefix / "share/kt930pc/Data");
-
-    // An unset or relative XDG_DATA_HOME is ignored, as the base directory rules say.
-    for (const char *xdg : {"", "relative/dir"}) {
-        folders = TappDir::resolve(environment(bin, xdg));
-        EXPECT_EQ(folders.application, temp / "home/.local/share/kt930pc") << xdg;
-        EXPECT_EQ(folders.reason, "the program is installed: the per-user data folder in ~/.local/share");
-    }
-
-    // Without HOME there is no per-user folder: the program's own folder, plug-ins still installed.
-    TappEnvironment homeless = environment(bin);
-    homeless.home.clear();
-    folders = TappDir::resolve(homeless);
-    EXPECT_EQ(folders.application, bin);
-    EXPECT_EQ(folders.reason, "the program's folder");
-    EXPECT_EQ(folders.plugins, prefix / "lib/kt930pc/plugins");
-}
-
-TEST_F(AppDirTest, OverrideWinsEverywhereAndNeverMovesAnInstalledProgramsPlugins)
-{
-    const fs::path bin = install();
-    TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string(), "/srv/bench"));
-    EXPECT_EQ(folders.application, "/srv/bench");
-    EXPECT_EQ(folders.reason, "KT930PC_APPDIR is set");
-    EXPECT_EQ(folders.plugins, temp / "usr/lib/kt930pc/plugins");
-
-    fs::create_directories(temp / "build/Data");
-    folders = TappDir::resolve(environment(temp / "build", "", "/srv/bench"));
-    EXPECT_EQ(folders.application, "/srv/bench");
-    EXPECT_EQ(folders.plugins, "/srv/bench/Plugins");
-    EXPECT_EQ(folders.help, "/srv/bench");
-}
-
-TEST_F(AppDirTest, NeitherInstalledNorHoldingDataStaysInTheProgramsFolder)
-{
+    const fs::path bin = install(), usr = temp / "usr", xdg = temp / "xdg";
+    for (const char *spelling : {"Data", "data"})
+        fs::create_directories(temp / spelling / "app" / spelling);
     fs::create_directories(temp / "bin");
-    const TappFolders folders = TappDir::resolve(environment(temp / "bin", (temp / "xdg").string()));
-    EXPECT_EQ(folders.application, temp / "bin");
-    EXPECT_EQ(folders.reason, "the program's folder");
-    EXPECT_TRUE(folders.defaults.empty());
+    const std::string own = "the program's folder holds Data/ and is writable (a build folder or a portable copy)";
+    const std::string installed = "the program is installed: the per-user data folder in ";
+    const struct {
+        fs::path exe;
+        std::string xdg, override, home;
+        fs::path application, plugins, help, defaults;
+        std::string reason;
+    } cases[] = {
+        {temp / "Data/app", xdg, "", "", temp / "Data/app", temp / "Data/app/Plugins", temp / "Data/app", {}, own},
+        {temp / "data/app", xdg, "", "", temp / "data/app", temp / "data/app/Plugins", temp / "data/app", {}, own},
+        {bin, xdg, "", "", xdg / "kt930pc", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
+         usr / "share/kt930pc/Data", installed + "$XDG_DATA_HOME"},
+        // An unset or relative XDG_DATA_HOME is ignored, as the base directory rules say.
+        {bin, "", "", "", temp / "home/.local/share/kt930pc", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
+         usr / "share/kt930pc/Data", installed + "~/.local/share"},
+        {bin, "relative/dir", "", "", temp / "home/.local/share/kt930pc", usr / "lib/kt930pc/plugins",
+         usr / "share/kt930pc", usr / "share/kt930pc/Data", installed + "~/.local/share"},
+        // Without HOME there is no per-user folder; the plug-ins are still the installed ones.
+        {bin, "", "", "none", bin, usr / "lib/kt930pc/plugins", usr / "share/kt930pc", usr / "share/kt930pc/Data",
+         "the program's folder"},
+        {temp / "bin", xdg, "", "", temp / "bin", temp / "bin/Plugins", temp / "bin", {}, "the program's folder"},
+        // The override never moves an installed program's plug-ins.
+        {bin, xdg, "/srv/bench", "", "/srv/bench", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
+         usr / "share/kt930pc/Data", "KT930PC_APPDIR is set"},
+        {temp / "Data/app", "", "/srv/bench", "", "/srv/bench", "/srv/bench/Plugins", "/srv/bench", {},
+         "KT930PC_APPDIR is set"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.exe.string() + " " + c.xdg + " " + c.override + " " + c.home);
+        TappEnvironment environment = this->environment(c.exe, c.xdg, c.override);
+        if (c.home == "none")
+            environment.home.clear();
+        const TappFolders folders = TappDir::resolve(environment);
+        EXPECT_EQ(folders.application, c.application);
+        EXPECT_EQ(folders.plugins, c.plugins);
+        EXPECT_EQ(folders.help, c.help);
+        EXPECT_EQ(folders.defaults, c.defaults);
+        EXPECT_EQ(folders.reason, c.reason);
+    }
+    // Not installed: nothing to seed from, and nothing is made.
     std::string message;
-    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Present);
+    EXPECT_EQ(TappDir::seed(TappDir::resolve(environment(temp / "bin", xdg.string())), message),
+              TappDir::Seeding::Present);
     EXPECT_EQ(message, "");
     EXPECT_FALSE(fs::exists(temp / "bin/Data"));
 }

@@ -21,32 +21,26 @@ std::size_t entriesIn(const fs::path &folder)
 }
 }
 
-TEST(AtomicWriteTarget, LinkIsFollowedAndKept)
+// A chain of links is followed and kept; a dangling link creates the file it names.
+TEST(AtomicWriteTarget, LinksAreFollowedAndKept)
 {
     TempDir dir;
     auto real = dir.write("Data/mit.dat", "old");
     fs::create_directories(dir / "elsewhere");
     fs::create_symlink("../Data/mit.dat", dir / "elsewhere/first");
     fs::create_symlink("first", dir / "elsewhere/second");
+    fs::create_symlink(dir / "Data/new.csv", dir / "elsewhere/dangling");
 
     ASSERT_EQ(writeFileAtomically(dir / "elsewhere/second", "new"), AtomicWriteResult::Ok);
+    ASSERT_EQ(writeFileAtomically(dir / "elsewhere/dangling", "a,b,c\n"), AtomicWriteResult::Ok);
     EXPECT_EQ(TempDir::read(real), "new");
-    EXPECT_TRUE(fs::is_symlink(dir / "elsewhere/second"));
-    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/second"), "first");
-    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/first"), "../Data/mit.dat");
-    EXPECT_EQ(entriesIn(dir / "Data"), 1u);
-    EXPECT_EQ(entriesIn(dir / "elsewhere"), 2u);
-}
-
-TEST(AtomicWriteTarget, DanglingLinkCreatesTheFileItNames)
-{
-    TempDir dir;
-    fs::create_directories(dir / "Data");
-    fs::create_symlink(dir / "Data/new.csv", dir / "link.csv");
-    ASSERT_EQ(writeFileAtomically(dir / "link.csv", "a,b,c\n"), AtomicWriteResult::Ok);
-    EXPECT_TRUE(fs::is_symlink(dir / "link.csv"));
     EXPECT_EQ(TempDir::read(dir / "Data/new.csv"), "a,b,c\n");
     EXPECT_EQ(statOf(dir / "Data/new.csv").st_mode & 0777, 0600u);
+    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/second"), "first");
+    EXPECT_EQ(fs::read_symlink(dir / "elsewhere/first"), "../Data/mit.dat");
+    EXPECT_TRUE(fs::is_symlink(dir / "elsewhere/dangling"));
+    EXPECT_EQ(entriesIn(dir / "Data"), 2u);
+    EXPECT_EQ(entriesIn(dir / "elsewhere"), 3u);
 }
 
 // Nothing is written and no temporary file stays behind.

@@ -35,29 +35,19 @@ TEST(CategoryDescriptors, RestOfALongLineIsReadAsTheNextLine)
     EXPECT_EQ(map, (TcategoryMap{{'B', std::string(4092, 'x')}, {'C', "Cables"}, {'D', "Doors"}}));
 }
 
-TEST(CategoryDescriptors, SavesInKeyOrderAndReadsBack)
-{
-    TempDir dir;
-    TcategoryMap map{{'K', "Leakage"}, {'B', "Electrical tests"}};
-    ASSERT_EQ(CategoryDescriptors::save(map, dir / "catdes.dat"), 0);
-    EXPECT_EQ(TempDir::read(dir / "catdes.dat"), "B, Electrical tests\nK, Leakage\n");
-    TcategoryMap back;
-    ASSERT_EQ(CategoryDescriptors::load(dir / "catdes.dat", back), 0);
-    EXPECT_EQ(back, map);
-
-    auto readOnly = dir.write("ro.dat", "A, x\n");
-    ::chmod(readOnly.c_str(), 0444);
-    EXPECT_EQ(CategoryDescriptors::save(map, readOnly), -1);
-    EXPECT_EQ(TempDir::read(readOnly), "A, x\n");
-}
-
-TEST(CategoryDescriptors, SavesOnlyNamedLettersAToZ)
+// Only named letters A to Z are saved, in key order, with their names cleaned as typed names are.
+TEST(CategoryDescriptors, SavesNamedLettersInKeyOrderCleanedAndReadsBack)
 {
     TempDir dir;
     TcategoryMap map{{'\x01', "shifted key"}, {' ', "blank"}, {'@', "before A"}, {'[', "after Z"},
-                     {'a', "lower case"}, {'C', ""}, {'A', "First"}, {'Z', "Last"}};
+                     {'a', "lower case"}, {'C', ""}, {'K', "Leakage"}, {'B', "Line one\nZ, injected"},
+                     {'D', "\t\r\n"}, {'E', " Doors\t"}};
     ASSERT_EQ(CategoryDescriptors::save(map, dir / "catdes.dat"), 0);
-    EXPECT_EQ(TempDir::read(dir / "catdes.dat"), "A, First\nZ, Last\n");
+    EXPECT_EQ(TempDir::read(dir / "catdes.dat"), "B, Line one Z, injected\nE, Doors\nK, Leakage\n");
+    TcategoryMap back;
+    ASSERT_EQ(CategoryDescriptors::load(dir / "catdes.dat", back), 0);
+    EXPECT_EQ(back, (TcategoryMap{{'B', "Line one Z, injected"}, {'E', "Doors"}, {'K', "Leakage"}}));
+    EXPECT_EQ(CategoryDescriptors::save(map, dir / "none" / "catdes.dat"), -1);
 }
 
 TEST(CategoryDescriptors, DisplayTextAndErrorText)

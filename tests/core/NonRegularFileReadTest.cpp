@@ -2,9 +2,7 @@
 // data file should be as a file that cannot be opened.
 #include "CategoryDescriptors.h"
 #include "OpCodeDefinitions.h"
-#include "RecordingMessageSink.h"
 #include "TInstrDatabase.h"
-#include "TdataSet.h"
 #include "TempDir.h"
 #include "autosequenceFileStructs.h"
 #include <gtest/gtest.h>
@@ -41,22 +39,4 @@ TEST(NonRegularFile, EveryReaderGivesCannotOpen)
         EXPECT_THROW(OpCodeDefinitions::readHeader(target), TopCodeFileCorrupt);
         EXPECT_THROW(OpCodeDefinitions::readLines(target), TopCodeFileCorrupt);
     }
-}
-
-TEST(NonRegularFile, FoldersInTheDataFolderGiveTheLoadBoxes)
-{
-    TempDir dir;
-    for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
-                             "usertester4.asq", "usertester5.asq", "testProc.asq"})
-        fs::create_directories(dir / "Data" / name);
-    RecordingMessageSink sink;
-    TdataSet data(dir.path(), sink);
-    data.loadAll();
-    std::vector<std::string> captions;
-    for (const Message &m : sink.messages)
-        captions.push_back(m.caption);
-    EXPECT_EQ(captions, (std::vector<std::string>{"Instruction List Error", "Inspection Data Error",
-                                                  "User Tester Sequences Error", "Checklist Error"}));
-    EXPECT_EQ(data.checkitems.size(), 1044u);
-    EXPECT_EQ(data.inspections.size(), 18u);
 }

@@ -54,32 +54,22 @@ TEST(Records, ChecklistFromSourceCleansTitleAndEndsItems)
     EXPECT_EQ(list.at(500), nullptr);
 }
 
-namespace {
-std::string bytesOf(const void *data, std::size_t size)
+// New tables hold 500 blank checklists and five testers named from zero with twelve blank sequences.
+TEST(DefaultContainers, HoldBlankRecords)
 {
-    return std::string(static_cast<const char *>(data), size);
-}
-}
-
-TEST(DefaultContainers, NewChecklistTableHoldsFiveHundredBlankChecklists)
-{
+    const auto bytes = [](const auto &record) {
+        return std::string(reinterpret_cast<const char *>(&record), sizeof record);
+    };
     const TTestProcList list;
     ASSERT_EQ(list.size(), 500u);
-    const TTestProc blank;
     for (std::size_t i = 0; i < list.size(); ++i)
-        ASSERT_EQ(bytesOf(list.at(i), sizeof blank), bytesOf(&blank, sizeof blank)) << i;
-    EXPECT_EQ(list.at(500), nullptr);
-}
-
-TEST(DefaultContainers, DefaultUserTestersAreNamedFromZeroWithTwelveBlankSequences)
-{
+        ASSERT_EQ(bytes(*list.at(i)), bytes(TTestProc())) << i;
     const std::vector<TuserTester> testers = TuserTester::defaultList();
     ASSERT_EQ(testers.size(), 5u);
-    const Tautosequence blank;
     for (int t = 0; t < 5; ++t) {
         EXPECT_EQ(testers[t].name, "User Tester #" + std::to_string(t));
         ASSERT_EQ(testers[t].sequences.size(), 12u);
         for (const Tautosequence &sequence : testers[t].sequences)
-            EXPECT_EQ(bytesOf(&sequence, sizeof sequence), bytesOf(&blank, sizeof blank));
+            EXPECT_EQ(bytes(sequence), bytes(Tautosequence()));
     }
 }

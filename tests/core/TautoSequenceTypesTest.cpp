@@ -4,21 +4,15 @@
 #include "TempDir.h"
 #include <gtest/gtest.h>
 
-TEST(AutoSequenceTypes, EachLineIsCodeTextAndCount)
+TEST(AutoSequenceTypes, EachLineIsCodeTextAndAWholeCountElseTheListFails)
 {
     std::vector<TautoSequenceType> types;
     ASSERT_TRUE(TautoSequenceTypes::parse({"PHY\tPhysical Inspection\t18", "UT1\tUser Tester 1\t12", "XX\t\t0"}, types));
     EXPECT_EQ(types, (std::vector<TautoSequenceType>{
                          {"PHY", "Physical Inspection", 18}, {"UT1", "User Tester 1", 12}, {"XX", "", 0}}));
-}
-
-TEST(AutoSequenceTypes, LinesThatAreNotThreeFieldsWithAWholeCountFail)
-{
     for (const char *line : {"PHY\tPhysical\t18\textra", "PHY\tPhysical", "PHY\tPhysical\t-1", "PHY\tPhysical\t1.5",
-                             "PHY\tPhysical\t", "PHY\tPhysical\t12 "}) {
-        std::vector<TautoSequenceType> types;
+                             "PHY\tPhysical\t", "PHY\tPhysical\t12 "})
         EXPECT_FALSE(TautoSequenceTypes::parse({"UT1\tUser Tester 1\t12", line}, types)) << line;
-    }
 }
 
 TEST(AutoSequenceTypes, LoadFindsTheAFileByItsOpCode)

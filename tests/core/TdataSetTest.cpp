@@ -6,7 +6,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace ByteBuilder;
@@ -60,8 +59,17 @@ protected:
 };
 }
 
-TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
+// A folder where a data file should be is a file that cannot be opened.
+TEST_F(DataSet, EmptyFolderOrFoldersForFilesGiveFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
 {
+    TempDir folders;
+    for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
+                             "usertester4.asq", "usertester5.asq", "testProc.asq"})
+        std::filesystem::create_directories(folders / "Data" / name);
+    RecordingMessageSink folderSink;
+    TdataSet(folders.path(), folderSink).loadAll();
+    EXPECT_EQ(folderSink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
+
     data.loadAll();
     EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
     ASSERT_EQ(data.checkitems.size(), 1044u);
@@ -165,39 +173,6 @@ TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
     EXPECT_FALSE(std::filesystem::exists(dir / "Data/testProc.asq"));
 }
 
-TEST_F(DataSet, ReadOnlyTesterFileCostsOneBoxAndStaysUnchanged)
-{
-    writeCompleteSet();
-    data.loadAll();
-    auto locked = dir / "Data/usertester3.asq";
-    std::string before = TempDir::read(locked);
-    ::chmod(locked.c_str(), 0444);
-    for (auto &tester : data.userTesters)
-        tester.name = "Renamed";
-    data.backup();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{stop(
-                                 "File Error", "An error occured while backing up the data for User Tester Sequence 3")}));
-    EXPECT_EQ(TempDir::read(locked), before);
-    for (int i : {1, 2, 4, 5})
-        EXPECT_NE(TempDir::read(dir / ("Data/usertester" + std::to_string(i) + ".asq")).find("Renamed"),
-                  std::string::npos);
-}
-
-// That the old files stay is the writers' own test.
-TEST_F(DataSet, FailedSavesReport)
-{
-    writeCompleteSet();
-    data.loadAll();
-    ::chmod((dir / "Data/mit.dat").c_str(), 0444);
-    ::chmod((dir / "Data/inspection.asq").c_str(), 0444);
-    data.saveCheckitems();
-    data.saveInspections();
-    EXPECT_EQ(sink.messages,
-              (std::vector<Message>{
-                  stop("File Error", "An error occured while backing up the master checkitem database"),
-                  stop("File Error", "An error occured while backing up the data for Physical Inspections")}));
-}
-
 class ValidateOpCodes : public DataSet {
 protected:
     void SetUp() override
@@ -210,9 +185,15 @@ protected:
     }
 };
 
-TEST_F(ValidateOpCodes, RepairsUnknownCodesWithOneWarning)
+TEST_F(ValidateOpCodes, RepairsUnknownCodesWithOneWarningAndAllKnownGiveNone)
 {
     dir.write("Data/m.in", "M - Measure\nN\n");
+    dir.write("Data/y.in", "Y - Yes\nN\n");
+    dir.write("Data/z.in", "Z - Zed\nN\n");
+    data.validateOpCodes();
+    EXPECT_TRUE(sink.messages.empty());
+    std::filesystem::remove(dir / "Data/y.in");
+    std::filesystem::remove(dir / "Data/z.in");
     dir.write("Data/l.in", "L - Meas. w Limits\nY\n");
     data.validateOpCodes();
     const std::string text =
@@ -241,22 +222,4 @@ TEST_F(ValidateOpCodes, MissingAndCorruptDefinitionFiles)
                   stop("ERROR", "An unexpected error occured while processing b.in.\nThe file is corrupt.  "
                                 "Please contact your product's distributor immediately.")}));
     EXPECT_EQ(data.checkitems[1].opCode, 'Z'); // stopped before any repair
-}
-
-TEST_F(ValidateOpCodes, AllKnownGivesNoMessage)
-{
-    dir.write("Data/m.in", "M - Measure\nN\n");
-    dir.write("Data/y.in", "Y - Yes\nN\n");
-    dir.write("Data/z.in", "Z - Zed\nN\n");
-    data.validateOpCodes();
-    EXPECT_TRUE(sink.messages.empty());
-}
-
-TEST_F(DataSet, ContainersStartAsTheirDefaultsBeforeLoading)
-{
-    EXPECT_EQ(data.checkitems.size(), 1044u);
-    EXPECT_EQ(data.checklists.size(), 500u);
-    ASSERT_EQ(data.userTesters.size(), 5u);
-    EXPECT_EQ(data.userTesters[4].name, "User Tester #4");
-    EXPECT_TRUE(sink.messages.empty());
 }

@@ -34,17 +34,12 @@ protected:
 };
 }
 
-TEST_F(FilterTest, NoValidRecordGivesEmptyList)
+TEST_F(FilterTest, CandidatesAndSelection)
 {
     EXPECT_TRUE(run().empty());
     db[0].assign('b', 'M', "lower-case category is no candidate");
     db[1].assign('1', 'M', "neither is a digit");
-    filter.sort = 3;
     EXPECT_TRUE(run().empty());
-}
-
-TEST_F(FilterTest, CandidatesAndSelection)
-{
     db[0].assign('B', 'M', "");
     db[1].assign(' ', 'P', "");
     db[2].assign('C', 'A', ""); // autosequence call
@@ -83,29 +78,36 @@ TEST_F(FilterTest, OnlyTheFirst250SlotsAreConsidered)
     EXPECT_EQ(out.back(), 249u);
 }
 
-TEST_F(FilterTest, NumberOrders)
+// Categories: D "CORD", C "CASE", B "ELECTRICAL", ' ' "" (sorts first); op names M < P < L's "L - Meas...".
+TEST_F(FilterTest, OrdersAreStableMergeSortsOfTheirKeys)
 {
-    for (int i : {1, 4, 7})
-        db[i].assign('B', 'M', "");
-    filter.setSort(1);
-    EXPECT_EQ(run(), (Indexes{1, 4, 7}));
-    filter.setSort(2);
-    EXPECT_EQ(run(), (Indexes{7, 4, 1}));
-}
-
-TEST_F(FilterTest, CategoryOrderUsesUpperCaseTextsThenOpNames)
-{
-    db[0].assign('D', 'M', ""); // "CORD"
-    db[1].assign('C', 'P', ""); // "CASE"
-    db[2].assign('B', 'P', ""); // "ELECTRICAL"
-    db[3].assign('C', 'M', ""); // "CASE", M - Measure < P - Pass/Fail
-    db[4].assign('C', 'M', ""); // equal to 3: database order
-    db[5].assign(' ', 'L', ""); // "" sorts first
-    filter.setSort(3);
-    EXPECT_EQ(run(), (Indexes{5, 3, 4, 1, 0, 2}));
-    filter.setSort(4);
-    // The negation also puts equal keys first, which reverses 3 and 4.
-    EXPECT_EQ(run(), (Indexes{2, 0, 1, 4, 3, 5}));
+    const std::string sixSame = "CM CM CM CM CM CM";
+    const struct {
+        std::string records; // category and op code per slot
+        int sort;
+        Indexes expected;
+    } cases[] = {
+        {"   BM       BM       BM", 1, {1, 4, 7}},
+        {"   BM       BM       BM", 2, {7, 4, 1}},
+        {"DM CP BP CM CM  L", 3, {5, 3, 4, 1, 0, 2}}, // equal keys keep database order
+        {"DM CP BP CM CM  L", 4, {2, 0, 1, 4, 3, 5}}, // the negation puts equal keys first too
+        {"BP BL DM CM", 5, {1, 3, 2, 0}},
+        // An op code without a name: its empty name is smaller than every other,
+        // but then the raw characters decide, and 'Q' is above all of them.
+        {"BP BL DM CM BQ", 5, {1, 3, 2, 0, 4}},
+        {sixSame, 3, {0, 1, 2, 3, 4, 5}},
+        {sixSame, 5, {0, 1, 2, 3, 4, 5}},
+        {sixSame, 0, {0, 1, 2, 3, 4, 5}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.records + " sort " + std::to_string(c.sort));
+        db.assign(12, TInstr());
+        for (std::size_t i = 0; 3 * i + 1 < c.records.size(); ++i)
+            if (c.records[3 * i + 1] != ' ')
+                db[i].assign(c.records[3 * i], c.records[3 * i + 1], "");
+        filter.setSort(c.sort);
+        EXPECT_EQ(run(), c.expected);
+    }
 }
 
 TEST_F(FilterTest, CategoryOrderUpperCasesWindows1252Letters)
@@ -125,31 +127,4 @@ TEST(Windows1252Case, UpperCasesEveryLetterWithACapital)
               "ABC XYZ \xC0\xC9\xD6\xDE \x8A\x8C\x8E\x9F");
     // No capital in the code page, or not a letter: unchanged.
     EXPECT_EQ(Twindows1252::toUpper("\xDF\xB5\xF7\xD7 1,\t\x80"), "\xDF\xB5\xF7\xD7 1,\t\x80");
-}
-
-TEST_F(FilterTest, OpCodeOrderKeepsItsRawCharacterQuirk)
-{
-    db[0].assign('B', 'P', ""); // "P - Pass/Fail"
-    db[1].assign('B', 'L', ""); // "L - Meas. w Limits"
-    db[2].assign('D', 'M', ""); // "M - Measure", CORD
-    db[3].assign('C', 'M', ""); // "M - Measure", CASE
-    filter.setSort(5);
-    EXPECT_EQ(run(), (Indexes{1, 3, 2, 0}));
-
-    // An op code without a name: its empty name is smaller than every other,
-    // but then the raw characters decide, and 'Q' is above all of them.
-    db[4].assign('B', 'Q', "");
-    EXPECT_EQ(run(), (Indexes{1, 3, 2, 0, 4}));
-}
-
-TEST_F(FilterTest, ComparisonsAreAppliedAsStableMergeSort)
-{
-    for (int i = 0; i < 6; ++i)
-        db[i].assign('C', 'M', "");
-    filter.setSort(3);
-    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
-    filter.setSort(5);
-    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
-    filter.setSort(0);
-    EXPECT_EQ(run(), (Indexes{0, 1, 2, 3, 4, 5}));
 }

@@ -1,4 +1,5 @@
 #include "TlistTexts.h"
+#include "TtypedText.h"
 #include <gtest/gtest.h>
 
 TEST(TlistTexts, RomanNumeralsFrom1To38AndNothingOutside)
@@ -44,4 +45,22 @@ TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
 
     TuserTester repaired{"USER TESTER 8", {}}; // not blank: keeps its number
     EXPECT_EQ(TlistTexts::testerRoot(3, repaired), "iv. USER TESTER 8");
+}
+
+// Names typed or pasted by a user: inner control characters become blanks, the ends
+// are trimmed, and a tester name is upper-cased in Windows-1252 as the titles are.
+TEST(TypedName, ControlsBecomeBlanksAndTheEndsAreTrimmed)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"Line one\nZ, injected", "Line one Z, injected"},
+        {"\t Hipot\r\n", "Hipot"},
+        {"A\x7f" "B\x01" "C", "A B C"},
+        {std::string("x\0y", 3), "x y"},
+        {"\n\t\x7f ", ""},
+        {"caf\xE9 \x80", "caf\xE9 \x80"}, // 8-bit letters stay
+    };
+    for (const auto &[typed, stored] : cases)
+        EXPECT_EQ(TtypedText::cleanName(typed), stored) << typed;
+    EXPECT_EQ(TlistTexts::testerName("  caf\xE9\tbay\n "), "CAF\xC9 BAY");
+    EXPECT_EQ(TlistTexts::testerName("\xFF\x9A" "s\xDF"), "\x9F\x8A" "S\xDF");
 }

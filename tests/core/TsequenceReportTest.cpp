@@ -22,7 +22,7 @@ struct SequenceReportTest : ::testing::Test {
 };
 }
 
-TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarks)
+TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarksPortAndBaudFollowTheSetting)
 {
     const std::uint16_t items[] = {2, 1, 3, 4, 2000, 0, 1}; // 4 deleted: a cleared slot
     std::copy(std::begin(items), std::end(items), seq.items);
@@ -35,18 +35,13 @@ TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarks)
                                                        {"<empty>", "", ""},
                                                        {"", "", ""}};          // not a checkitem number
     EXPECT_EQ(report.rows, rows);
-}
 
-TEST_F(SequenceReportTest, PortAndBaudComeFromTheWordAnInvalidWordReadsAsUnused)
-{
-    seq.setting = 0x0B;
-    TsequenceReport report = TsequenceReport::make(seq, db, categories, 0);
-    EXPECT_EQ(report.port, 3);
-    EXPECT_EQ(report.baudRate, 4800);
-    seq.setting = 0x3F;
-    report = TsequenceReport::make(seq, db, categories, 0);
-    EXPECT_EQ(report.port, 0);
-    EXPECT_EQ(report.baudRate, 2400);
+    // Port and baud rate come from the setting word; an invalid word reads as unused.
+    for (const auto &[setting, port, baudRate] : {std::tuple{0x0B, 3, 4800}, std::tuple{0x3F, 0, 2400}}) {
+        seq.setting = std::uint16_t(setting);
+        const TsequenceReport fromWord = TsequenceReport::make(seq, db, categories, 0);
+        EXPECT_EQ(std::pair(fromWord.port, fromWord.baudRate), std::pair(port, baudRate)) << setting;
+    }
 }
 
 TEST_F(SequenceReportTest, DateIsMonthDayYearAndTime)

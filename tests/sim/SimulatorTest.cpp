@@ -87,11 +87,17 @@ protected:
 };
 }
 
-TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithItsMemory)
+TEST_F(SimulatorTest, AnswersWellFormedHandshakeAndGetsWithItsMemory)
 {
     ASSERT_NO_FATAL_FAILURE(start());
     TrawClient client = connect();
     ASSERT_TRUE(client.isOpen());
+    // Only four letters and a carriage return make a command: a line feed in front
+    // makes "\nGESI\r" six bytes.
+    client.send("XXXX\r\nGESI\r");
+    EXPECT_TRUE(sim->waitForLog("unknown command ignored"));
+    EXPECT_TRUE(sim->waitForLog("ignored a malformed command of 6 bytes"));
+    EXPECT_EQ(client.pending(), "");
 
     client.send("GESI\r");
     EXPECT_EQ(client.receive(Block), identification());
@@ -108,23 +114,16 @@ TEST_F(SimulatorTest, AnswersHandshakeAndGetsWithItsMemory)
     EXPECT_NE(sim->log().find("GASQ sent 27 blocks"), std::string::npos);
 }
 
-TEST_F(SimulatorTest, ServesOnlyFourLettersAndCarriageReturn)
-{
-    ASSERT_NO_FATAL_FAILURE(start());
-    TrawClient client = connect();
-    // A line feed in front makes "\nGESI\r" six bytes: not a command.
-    client.send("XXXX\r\nGESI\r");
-    EXPECT_TRUE(sim->waitForLog("unknown command ignored"));
-    EXPECT_TRUE(sim->waitForLog("ignored a malformed command of 6 bytes"));
-    EXPECT_EQ(client.pending(), "");
-    client.send("GESI\r");
-    EXPECT_EQ(client.receive(Block), identification());
-}
-
-TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
+TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestartAnInterruptedOneIsDropped)
 {
     const std::string upload = pattern(174 * Block, 3);
     ASSERT_NO_FATAL_FAILURE(start());
+    {
+        TrawClient client = connect();
+        ASSERT_EQ(put(client, "PTSP", pattern(10 * Block, 0)), "*\r" + repeated("C\r", 10));
+    }
+    ASSERT_TRUE(sim->waitForLog("put dropped"));
+    EXPECT_EQ(TempDir::read(memoryFile), memory.memoryFile());
     {
         TrawClient client = connect();
         EXPECT_EQ(put(client, "PUIN", upload), "*\r" + acks(174));
@@ -140,26 +139,11 @@ TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestart)
     EXPECT_EQ(client.receive(174 * Block), upload);
 }
 
-TEST_F(SimulatorTest, InterruptedPutLeavesTheMemoryIntactAndANewClientIsServed)
-{
-    ASSERT_NO_FATAL_FAILURE(start());
-    const std::string before = TempDir::read(memoryFile);
-    {
-        TrawClient client = connect();
-        ASSERT_EQ(put(client, "PTSP", pattern(10 * Block, 0)), "*\r" + repeated("C\r", 10));
-    }
-    ASSERT_TRUE(sim->waitForLog("put dropped"));
-    EXPECT_EQ(TempDir::read(memoryFile), before);
-
-    TrawClient again = connect();
-    again.send("GTSP\r");
-    EXPECT_EQ(again.receive(500 * Block), memory.checklists);
-}
-
-TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
+TEST_F(SimulatorTest, FaultsStopShortenOrCloseTheStream)
 {
     ASSERT_NO_FATAL_FAILURE(start({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ", "--fault",
-                                   "close-at-block=5@GTSP"}));
+                                   "close-at-block=5@GTSP", "--fault", "close-at-block=3@PUIN"}));
+    const std::string before = TempDir::read(memoryFile);
     TrawClient client = connect();
 
     // After a stop or a short block the next command is answered at once.
@@ -177,12 +161,19 @@ TEST_F(SimulatorTest, GetFaultsStopShortenOrCloseTheStream)
     EXPECT_EQ(client.receive(5 * Block), memory.checklists.substr(0, 5 * Block));
     EXPECT_TRUE(client.waitClosed());
     EXPECT_EQ(client.pending(), "");
+
+    // A put closed part way keeps the memory.
+    TrawClient putter = connect();
+    ASSERT_EQ(put(putter, "PUIN", pattern(3 * Block, 0)), "*\r" + repeated("C\r", 3));
+    EXPECT_TRUE(putter.waitClosed());
+    EXPECT_EQ(TempDir::read(memoryFile), before);
+
 }
 
-TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAll)
+TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAllAndSilenceIsPerConnection)
 {
     ASSERT_NO_FATAL_FAILURE(start({"--fault", "bad-ack-block=1@PASQ", "--fault", "bad-ack-block=173@PUIN", "--fault",
-                                   "no-ack-block=0@PTSP"}));
+                                   "no-ack-block=0@PTSP", "--fault", "silent-after=GESI"}));
     const std::string before = TempDir::read(memoryFile);
     TrawClient client = connect();
     // The last-block answer on an intermediate block, then the other way round.
@@ -195,33 +186,17 @@ TEST_F(SimulatorTest, PutFaultsAcknowledgeWronglyOrNotAtAll)
     ASSERT_TRUE(sim->waitForLog("block 0 not acknowledged"));
     EXPECT_EQ(client.pending(), "");
     EXPECT_EQ(TempDir::read(memoryFile), before);
-}
 
-TEST_F(SimulatorTest, PutCloseFaultDropsTheConnectionAndKeepsTheMemory)
-{
-    ASSERT_NO_FATAL_FAILURE(start({"--fault", "close-at-block=3@PUIN"}));
-    const std::string before = TempDir::read(memoryFile);
-    TrawClient client = connect();
-    ASSERT_EQ(put(client, "PUIN", pattern(3 * Block, 0)), "*\r" + repeated("C\r", 3));
-    EXPECT_TRUE(client.waitClosed());
-    EXPECT_EQ(TempDir::read(memoryFile), before);
-}
-
-TEST_F(SimulatorTest, SilentAfterACommandLastsForThatConnectionOnly)
-{
-    ASSERT_NO_FATAL_FAILURE(start({"--fault", "silent-after=GESI"}));
-    {
-        TrawClient client = connect();
-        client.send("GESI\r");
-        EXPECT_EQ(client.receive(Block), identification());
-        client.send("GUIN\r");
+    { const TrawClient closed = std::move(client); }
+    // Silent after a command: for that connection only.
+    for (int connection = 0; connection < 2; ++connection) {
+        TrawClient silenced = connect();
+        silenced.send("GESI\r");
+        EXPECT_EQ(silenced.receive(Block), identification());
+        silenced.send("GUIN\r");
         ASSERT_TRUE(sim->waitForLog("silent, ignoring GUIN"));
-        EXPECT_EQ(client.pending(), "");
+        EXPECT_EQ(silenced.pending(), "");
     }
-    ASSERT_TRUE(sim->waitForLog("disconnected"));
-    TrawClient next = connect();
-    next.send("GESI\r");
-    EXPECT_EQ(next.receive(Block), identification());
 }
 
 TEST_F(SimulatorTest, ServesAPseudoTerminalAndRemovesItsLinkOnStop)
@@ -311,15 +286,9 @@ TEST_F(SimulatorTest, WrongStoreFaultAcknowledgesAndStoresTheBlockChanged)
 
 TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
 {
-    TsimProcess badFault({"--fault", "slow-block=3"});
-    EXPECT_TRUE(badFault.waitForLog("unknown fault \"slow-block=3\""));
-    EXPECT_EQ(badFault.waitExit(), 2);
-
-    TsimProcess badCommand({"--fault", "stop-after-block=3@GXXX"});
-    EXPECT_TRUE(badCommand.waitForLog("names no known command"));
-    EXPECT_EQ(badCommand.waitExit(), 2);
-
     for (const auto &[arguments, why] : std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"--fault", "slow-block=3"}, "unknown fault \"slow-block=3\""},
+             {{"--fault", "stop-after-block=3@GXXX"}, "names no known command"},
              {{"--bogus"}, "kt930sim: unknown option --bogus"},
              {{"--memory", "--listen", "127.0.0.1:60601"}, "kt930sim: --memory needs a value"},
              {{"stray"}, "kt930sim: unexpected argument stray"}}) {

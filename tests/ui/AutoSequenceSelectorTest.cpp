@@ -19,15 +19,11 @@ struct AutoSequenceSelectorFixture : ::testing::Test, WithApplication {
 };
 }
 
-TEST_F(AutoSequenceSelectorFixture, OpensOnTheFirstTypeWithItsNumbers)
+TEST_F(AutoSequenceSelectorFixture, OpensOnTheFirstTypeAndTheNumberListFollowsTheTypeTheUserPicks)
 {
     EXPECT_EQ(items("autoSequenceType"), QStringList({"Physical Inspection", "User Tester 1", "Nothing Yet"}));
     EXPECT_EQ(items("autoSequenceNumber"), numberTexts(18));
     EXPECT_EQ(selector.commandText(), "PHY01");
-}
-
-TEST_F(AutoSequenceSelectorFixture, TheNumberListFollowsTheTypeTheUserPicks)
-{
     auto *type = child<QComboBox>(&selector, "autoSequenceType");
     child<QComboBox>(&selector, "autoSequenceNumber")->setCurrentIndex(15);
     QTest::keyClick(type, Qt::Key_Down);

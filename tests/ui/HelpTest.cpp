@@ -13,9 +13,9 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-// One window per frame: a second press raises it, a closed one is replaced, and
-// the frame's end closes it.
-TEST(Help, TheFrameKeepsOneTopicWindowThatARepeatedPressRaisesAndItsEndCloses)
+// One window per frame and per sequence editor: a second press raises it, a closed
+// one is replaced, and the owner's end closes it.
+TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndTheirEndCloses)
 {
     AppDirScope appDir;
     std::filesystem::copy_file(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch");
@@ -47,6 +47,18 @@ TEST(Help, TheFrameKeepsOneTopicWindowThatARepeatedPressRaisesAndItsEndCloses)
     window = helpWindows().first();
     frame.reset();
     EXPECT_TRUE(window.isNull());
+
+    // The sequence editor keeps its own one the same way.
+    appDir.copyDemoDefinitions();
+    TInstrDatabase db;
+    Tautosequence seq = unusedSequence();
+    auto editor = std::make_unique<TsequenceEditor>(nullptr, nullptr, &db, seq, [] {}, false, &sink);
+    click(editor.get(), "btnHelp");
+    click(editor.get(), "btnHelp");
+    ASSERT_EQ(helpWindows().size(), 1);
+    window = helpWindows().first();
+    editor.reset();
+    EXPECT_TRUE(window.isNull());
 }
 
 TEST(Help, MissingHelpFileSaysSoInTheWindow)
@@ -55,22 +67,6 @@ TEST(Help, MissingHelpFileSaysSoInTheWindow)
     THelpWindow window(appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
     EXPECT_FALSE(window.topicLoaded());
     EXPECT_TRUE(window.toPlainText().startsWith("The help topic autoSequenceEditor.html could not be found"));
-}
-
-TEST(Help, TheSequenceEditorKeepsOneHelpWindowThatGoesWithIt)
-{
-    AppDirScope appDir;
-    appDir.copyDemoDefinitions();
-    RecordingMessageSink sink;
-    TInstrDatabase db;
-    Tautosequence seq = unusedSequence();
-    auto editor = std::make_unique<TsequenceEditor>(nullptr, nullptr, &db, seq, [] {}, false, &sink);
-    click(editor.get(), "btnHelp");
-    click(editor.get(), "btnHelp");
-    ASSERT_EQ(helpWindows().size(), 1);
-    QPointer<THelpWindow> window = helpWindows().first();
-    editor.reset();
-    EXPECT_TRUE(window.isNull());
 }
 
 // On any screen and wherever the asking window stands: the whole window with a title bar

@@ -141,16 +141,7 @@ TEST_F(HostTest, TheWindowAndTheFramesBottomButtonsFitTheScreen)
     EXPECT_TRUE(available.contains(exitOnScreen));
 }
 
-TEST_F(HostTest, AFolderWithoutPluginsSaysSoAndTheHostGoesOn)
-{
-    TappFolders empty = folders();
-    empty.plugins = appDir.dir().path() / "Plugins";
-    ThostMainWindow window(empty);
-    EXPECT_EQ(window.pluginCount(), 0);
-    EXPECT_EQ(window.mainView()->findChildren<QPushButton *>().size(), 0);
-}
-
-TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTheStatusLine)
+TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAboutAndTheApplicationFolderInTheStatusLine)
 {
     ThostMainWindow window(folders());
     window.show();
@@ -178,14 +169,7 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAndTheApplicationFolderInTh
     EXPECT_TRUE(help->topicLoaded());
     help->close();
 
-    window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
-    EXPECT_FALSE(window.isVisible());
-}
-
-TEST_F(HostTest, AboutNamesTheVersionAndTheLibrariesLicences)
-{
-    ThostMainWindow window(folders());
-    window.show();
+    // About names the version and the libraries' licences.
     QString caption, text;
     whenModal([&](QWidget *box) {
         caption = box->windowTitle();
@@ -202,6 +186,9 @@ TEST_F(HostTest, AboutNamesTheVersionAndTheLibrariesLicences)
                                    "<li>libftdi1: GNU LGPL version 2.1</li>"
                                    "<li>libusb-1.0: GNU LGPL version 2.1</li>"
                                    "<li>Boost: Boost Software License 1.0</li></ul>"));
+
+    window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(HostTest, RemembersItsPlaceAndSizeButNeverOpensOffTheScreen)
@@ -267,10 +254,15 @@ TEST_F(HostTest, FirstStartSaysWhereTheNewDataFolderIs)
     EXPECT_EQ(TempDir::read(unattended.application / "Data/catdes.dat"), "shipped");
 }
 
-TEST_F(HostTest, APluginThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOthersStillLoad)
+TEST_F(HostTest, NoPluginsOrOneThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOthersStillLoad)
 {
     TappFolders mixed = folders();
     mixed.plugins = appDir.dir().path() / "Plugins";
+    {
+        ThostMainWindow none(mixed); // no plug-in folder: no buttons, and the host goes on
+        EXPECT_EQ(none.pluginCount(), 0);
+        EXPECT_EQ(none.mainView()->findChildren<QPushButton *>().size(), 0);
+    }
     appDir.dir().write("Plugins/broken.so", "not a library");
     fs::create_symlink(folders().plugins / "libVAROAutoSeqEditor.so", mixed.plugins / "libVAROAutoSeqEditor.so");
     const std::string loadError = "The plug-in broken.so could not be loaded.\n" + (mixed.plugins / "broken.so").string();
