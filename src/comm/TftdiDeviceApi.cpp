@@ -65,10 +65,23 @@ std::string TftdiDeviceApi::describe(libusb_device *device, const char *product)
 
 bool TftdiDeviceApi::openDevice(libusb_device *device)
 {
-    if (ftdi_usb_open_dev(m_ftdi, device) != 0) {
+    // Not libftdi's open: it resets the chip, sets 9600 baud and leaves the kernel's
+    // serial driver detached. The analyzer's line needs neither setting (the chip
+    // powers up at 9600 and nothing here changes that), and the serial driver gets
+    // the device back when we release it.
+    libusb_device_handle *handle = nullptr;
+    if (libusb_open(device, &handle) != 0) {
         noteOpenAttempt({describe(device, ""), openRefused(device)});
         return false;
     }
+    libusb_set_auto_detach_kernel_driver(handle, 1);
+    if (ftdi_set_interface(m_ftdi, INTERFACE_A) != 0 || libusb_claim_interface(handle, 0) != 0) {
+        libusb_close(handle);
+        noteOpenAttempt({describe(device, ""), false});
+        return false;
+    }
+    ftdi_set_usbdev(m_ftdi, handle);
+    m_ftdi->max_packet_size = unsigned(std::max(libusb_get_max_packet_size(device, std::uint8_t(m_ftdi->out_ep)), 0));
     // A chip that refuses keeps its default latency: slower uploads, same results.
     ftdi_set_latency_timer(m_ftdi, LatencyMs);
     // One bulk transfer reports what it moved even when it times out, where a
