@@ -122,10 +122,11 @@ bool TftdiDeviceApi::openIfDescribed(libusb_device *device, const std::string &d
         noteOpenAttempt({describe(device, ""), openRefused(device)});
         return false;
     }
-    if (description == product)
-        return openDevice(device);
-    noteOpenAttempt({describe(device, product), false});
-    return false;
+    const bool opened = description == product && openDevice(device);
+    // A failure later in the transfer names the device it had.
+    if (opened || description != product)
+        noteOpenAttempt({describe(device, product), false});
+    return opened;
 }
 
 int TftdiDeviceApi::deviceCount()

@@ -27,6 +27,28 @@ const std::string DownloadStages = "Initializing\nInitiating Handshake\nGetting 
 const std::vector<std::string> OneSession {"detach ftdi_sio", "claim", "vendor request 09 value 0002 index 0001",
                                            "release", "attach ftdi_sio"};
 
+// Another program that has opened the analyzer and claimed its interface.
+struct AnotherProgramsHandle {
+    AnotherProgramsHandle()
+    {
+        libusb_init(&context);
+        handle = libusb_open_device_with_vid_pid(context, 0x0403, 0x6001);
+        if (handle)
+            libusb_set_auto_detach_kernel_driver(handle, 1);
+        EXPECT_EQ(handle ? libusb_claim_interface(handle, 0) : -1, 0);
+    }
+    ~AnotherProgramsHandle()
+    {
+        if (handle) {
+            libusb_release_interface(handle, 0);
+            libusb_close(handle);
+        }
+        libusb_exit(context);
+    }
+    libusb_context *context = nullptr;
+    libusb_device_handle *handle = nullptr;
+};
+
 class UsbStackTest : public ::testing::Test {
 protected:
     UsbStackTest()
@@ -45,6 +67,7 @@ protected:
     {
         chip.reset();
         sim.reset();
+        fs::remove(temp / "memory.bin"); // the simulator starts from the demo data set
         const std::string line = (temp / "analyzer-tty").string();
         simulatorOptions.insert(simulatorOptions.end(), {"--pty", line, "--appdir", KT930_TEST_APPDIR, "--memory",
                                                          (temp / "memory.bin").string()});
@@ -52,6 +75,26 @@ protected:
         ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
         chip = std::make_unique<EmulatedFtdiChip>();
         chip->plug(product, line, faults);
+    }
+
+    enum class Attached { Nothing, Analyzer, SilentChip, Held };
+    void attach(Attached attached, ChipFaults faults)
+    {
+        if (attached == Attached::Analyzer || attached == Attached::Held) {
+            plugAnalyzer(Plus, faults);
+            return;
+        }
+        chip.reset();
+        sim.reset();
+        chip = std::make_unique<EmulatedFtdiChip>();
+        if (attached == Attached::SilentChip)
+            chip->plug(Plus, "/dev/null");
+    }
+
+    void givePcTheDemoDataSet()
+    {
+        for (const std::string &name : DataFiles)
+            fs::copy(demoData() / name, temp / "pc/Data" / name, fs::copy_options::overwrite_existing);
     }
 
     ProgramRun ctl(std::vector<std::string> arguments)
@@ -102,5 +145,83 @@ TEST_F(UsbStackTest, DownloadsThroughEitherProductNameAndAStallLosesNoByte)
         EXPECT_EQ(run.err, DownloadStages);
         EXPECT_TRUE(pcFiles() == demoFiles());
         EXPECT_EQ(chip->events(), OneSession);
+    }
+}
+
+TEST_F(UsbStackTest, UploadVerifiesAndSyncSavesTheAnalyzersDatabase)
+{
+    givePcTheDemoDataSet();
+    const struct {
+        std::vector<std::string> command, simulatorOptions;
+        int exitCode;
+        std::string out, errEnd;
+    } cases[] = {
+        {{"upload", "--verify"}, {}, 0,
+         "Uploaded the data set of " + (temp / "pc/Data").string()
+             + "\nVerified: the analyzer's memory equals what was sent\n",
+         "Completed!\n"},
+        {{"upload", "--verify"}, {"--fault", "wrong-store=3"}, 3,
+         "Uploaded the data set of " + (temp / "pc/Data").string() + "\n",
+         "kt930ctl upload --verify: the analyzer holds something else than was sent, first at checkitem 19 (byte 792 "
+         "of the checkitem area)\n"},
+        {{"sync"}, {}, 0, "Saved the analyzer's checkitem database as " + (temp / "pc/Data/mit.dat").string() + "\n",
+         "Transfer Complete\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.command.front() + (c.simulatorOptions.empty() ? "" : " " + c.simulatorOptions.back()));
+        plugAnalyzer(Plus, {}, c.simulatorOptions);
+        const ProgramRun run = ctl(c.command);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.err;
+        EXPECT_EQ(run.out, c.out);
+        EXPECT_TRUE(run.err.ends_with(c.errEnd)) << run.err;
+        EXPECT_TRUE(pcFiles() == demoFiles());
+    }
+}
+
+TEST_F(UsbStackTest, FailuresSayWhatHappenedAndChangeNoFile)
+{
+    givePcTheDemoDataSet();
+    const std::string tried = "USB device tried: 0403:6001 \"Brennix Systems KT930 Plus\"\n";
+    const std::string noDevice = "no USB device of vendor 0403 was found\n";
+    const struct {
+        const char *name;
+        Attached attached;
+        ChipFaults faults;
+        std::string command, err;
+    } cases[] = {
+        {"no device", Attached::Nothing, {}, "download",
+         "Initializing\nInitiating Handshake\nError\nDevice Not Detected.\nPlease check connection.\n\nOperation "
+         "Canceled.\nException\nCould not initialize connection.\nOperation Canceled.\nkt930ctl download: " + noDevice},
+        {"no device, sync", Attached::Nothing, {}, "sync",
+         "Requesting USB Handle\nInitializing USB Connection\nDevice Not Detected\nA Safety Analyzer could not be "
+         "found\nPlease check the connection.\n\nOperation Canceled.\nkt930ctl sync: " + noDevice},
+        {"held by another program", Attached::Held, {}, "download", ""},
+        {"unplugged in a download", Attached::Analyzer, {.unplugAfterIn = 50000}, "download",
+         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nError\nNo Deviced "
+         "Attached.\nOperation Canceled.\nkt930ctl download: " + tried},
+        {"unplugged in an upload", Attached::Analyzer, {.unplugAfterOut = 50000}, "upload",
+         "Initializing\nInitiating Handshake\nPutting Checkitems\nPutting Autosequences\nError\nNo Deviced "
+         "Attached.\nOperation Canceled.\nkt930ctl upload: " + tried},
+        {"unplugged in a sync", Attached::Analyzer, {.unplugAfterIn = 20000}, "sync",
+         "Requesting USB Handle\nInitializing USB Connection\nSending Handshake\nHandshake Valid - Beginning "
+         "Download\nSending Request for Data\nInvalid Handshake Received.\nA communications error occurred.\n\n"
+         "Operation Canceled.\nkt930ctl sync: " + tried},
+        // Attached but nothing answers: the handshake's time-out, not many times it.
+        {"silent chip", Attached::SilentChip, {}, "download",
+         "Initializing\nInitiating Handshake\nError\nTimeout Error.\nOperation Canceled.\nkt930ctl download: " + tried},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        attach(c.attached, c.faults);
+        std::unique_ptr<AnotherProgramsHandle> holder;
+        if (c.attached == Attached::Held)
+            holder = std::make_unique<AnotherProgramsHandle>();
+        const std::string before = pcFiles();
+        const auto start = std::chrono::steady_clock::now();
+        const ProgramRun run = ctl({c.command});
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.err, c.err);
+        EXPECT_TRUE(pcFiles() == before);
     }
 }
