@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 #include <libusb.h>
 #include <memory>
+#include <thread>
+#include <QDeadlineTimer>
 namespace fs = std::filesystem;
 
 namespace {
@@ -195,7 +197,9 @@ TEST_F(UsbStackTest, FailuresSayWhatHappenedAndChangeNoFile)
         {"no device, sync", Attached::Nothing, {}, "sync",
          "Requesting USB Handle\nInitializing USB Connection\nDevice Not Detected\nA Safety Analyzer could not be "
          "found\nPlease check the connection.\n\nOperation Canceled.\nkt930ctl sync: " + noDevice},
-        {"held by another program", Attached::Held, {}, "download", ""},
+        {"held by another program", Attached::Held, {}, "download",
+         "Initializing\nInitiating Handshake\nError\nDevice Not Detected.\nPlease check connection.\n\nOperation "
+         "Canceled.\nException\nCould not initialize connection.\nOperation Canceled.\nkt930ctl download: " + tried},
         {"unplugged in a download", Attached::Analyzer, {.unplugAfterIn = 50000}, "download",
          "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nError\nNo Deviced "
          "Attached.\nOperation Canceled.\nkt930ctl download: " + tried},
@@ -224,4 +228,37 @@ TEST_F(UsbStackTest, FailuresSayWhatHappenedAndChangeNoFile)
         EXPECT_EQ(run.err, c.err);
         EXPECT_TRUE(pcFiles() == before);
     }
+}
+
+// The worker in this process, the user cancelling from another thread during a
+// download on a line paced at 9600 baud.
+TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
+{
+    plugAnalyzer(Plus, {}, {"--baud", "9600"});
+    DataSet set;
+    RecordingProgressSink progress;
+    RecordingMessageSink messages;
+    std::chrono::steady_clock::time_point cancelled;
+    progress.hookAtStage = "Getting Checkitems";
+    std::thread user;
+    progress.hook = [&] {
+        user = std::thread([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            cancelled = std::chrono::steady_clock::now();
+            progress.setCancelled();
+        });
+    };
+    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers,
+                                                        &set.inspections);
+    record->data.selection = SelectAll;
+    record->settings().method = std::uint8_t(TcommMethod::USB);
+    int context = 0;
+    TdownloadThread worker(&context, &progress, &messages, record.get());
+    worker.start();
+    ASSERT_TRUE(worker.wait(QDeadlineTimer(20000)));
+    user.join();
+    EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
+    // The flag is seen after the USB call under way, which lasts one poll at most.
+    EXPECT_LT(chip->lastRelease() - cancelled, std::chrono::milliseconds(100));
+    EXPECT_EQ(chip->events(), OneSession);
 }
