@@ -2,30 +2,25 @@
 // the analyzer's chip emulated under umockdev, with kt930sim behind the chip.
 #include "EmulatedFtdiChip.h"
 #include "ProgramRun.h"
-#include "PtyPair.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
 #include "TempDir.h"
 #include "TransferWorkers.h"
 #include "TsimProcess.h"
 #include "../transfer/TransferFixtures.h"
+#include <QDeadlineTimer>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <libusb.h>
-#include <memory>
 #include <thread>
-#include <QDeadlineTimer>
 namespace fs = std::filesystem;
 
 namespace {
 constexpr const char *Plus = "Brennix Systems KT930 Plus";
-constexpr const char *Final = "Brennix Systems Kt930 Final";
 const std::vector<std::string> DataFiles {"mit.dat",         "inspection.asq",  "usertester1.asq", "usertester2.asq",
                                           "usertester3.asq", "usertester4.asq", "usertester5.asq", "testProc.asq"};
-const std::string DownloadStages = "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n"
-                                   "Getting Checklists\nCompleted!\n";
-// One open and close of the chip: the serial driver is detached for the claim and
-// attached again on release; the latency timer is the only setting made.
+// One open and close: the serial driver gives the chip up for the claim and gets it
+// back on release; the latency timer is the only setting made.
 const std::vector<std::string> OneSession {"detach ftdi_sio", "claim", "vendor request 09 value 0002 index 0001",
                                            "release", "attach ftdi_sio"};
 
@@ -35,74 +30,54 @@ struct AnotherProgramsHandle {
     {
         libusb_init(&context);
         handle = libusb_open_device_with_vid_pid(context, 0x0403, 0x6001);
-        if (handle)
-            libusb_set_auto_detach_kernel_driver(handle, 1);
-        EXPECT_EQ(handle ? libusb_claim_interface(handle, 0) : -1, 0);
+        libusb_set_auto_detach_kernel_driver(handle, 1);
+        EXPECT_EQ(libusb_claim_interface(handle, 0), 0);
     }
     ~AnotherProgramsHandle()
     {
-        if (handle) {
-            libusb_release_interface(handle, 0);
-            libusb_close(handle);
-        }
+        libusb_release_interface(handle, 0);
+        libusb_close(handle);
         libusb_exit(context);
     }
     libusb_context *context = nullptr;
     libusb_device_handle *handle = nullptr;
 };
 
+enum class Attached { Nothing, Analyzer, SilentChip, HeldAnalyzer };
+enum class PcData { OpCodesOnly, MitDat, DataSet }; // besides the op code files
+
 class UsbStackTest : public ::testing::Test {
 protected:
-    UsbStackTest()
-    {
-        fs::create_directories(temp / "pc/Data");
-        for (const auto &entry : fs::directory_iterator(demoData()))
-            if (entry.path().extension() == ".in")
-                fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
-    }
-
     static fs::path demoData() { return fs::path(KT930_TEST_APPDIR) / "Data"; }
 
-    // The simulator first, so that it never sees the testbed, then the chip in front of it.
-    void plugAnalyzer(const std::string &product, EmulatedFtdiChip::Faults faults = {},
-                      std::vector<std::string> simulatorOptions = {})
+    // The simulator before the testbed, so that it never sees it; a fresh memory
+    // from the demo data set each time.
+    void attach(Attached attached, const std::string &product, ChipFaults faults = {},
+                std::vector<std::string> simulator = {})
     {
         chip.reset();
         sim.reset();
-        fs::remove(temp / "memory.bin"); // the simulator starts from the demo data set
+        fs::remove(temp / "memory.bin");
         const std::string line = (temp / "analyzer-tty").string();
-        simulatorOptions.insert(simulatorOptions.end(), {"--pty", line, "--appdir", KT930_TEST_APPDIR, "--memory",
-                                                         (temp / "memory.bin").string()});
-        sim = std::make_unique<TsimProcess>(simulatorOptions);
-        ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
-        chip = std::make_unique<EmulatedFtdiChip>();
-        chip->plug(product, line, faults);
-    }
-
-    enum class Attached { Nothing, Analyzer, SilentChip, Held };
-    void attach(Attached attached, ChipFaults faults)
-    {
-        if (attached == Attached::Analyzer || attached == Attached::Held) {
-            plugAnalyzer(Plus, faults);
-            return;
+        if (attached == Attached::Analyzer || attached == Attached::HeldAnalyzer) {
+            simulator.insert(simulator.end(), {"--pty", line, "--appdir", KT930_TEST_APPDIR, "--memory",
+                                               (temp / "memory.bin").string()});
+            sim = std::make_unique<TsimProcess>(simulator);
+            ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
         }
-        chip.reset();
-        sim.reset();
         chip = std::make_unique<EmulatedFtdiChip>();
-        if (attached == Attached::SilentChip)
-            chip->plug(Plus, "/dev/null");
+        if (attached != Attached::Nothing)
+            chip->plug(product, attached == Attached::SilentChip ? "/dev/null" : line, faults);
     }
 
-    void givePcTheDemoDataSet()
+    void givePc(PcData data)
     {
-        for (const std::string &name : DataFiles)
-            fs::copy(demoData() / name, temp / "pc/Data" / name, fs::copy_options::overwrite_existing);
-    }
-
-    ProgramRun ctl(std::vector<std::string> arguments)
-    {
-        arguments.insert(arguments.end(), {"--usb", "--appdir", (temp / "pc").string()});
-        return ProgramRun::run("kt930ctl", std::move(arguments), temp.path());
+        fs::remove_all(temp / "pc");
+        fs::create_directories(temp / "pc/Data");
+        for (const auto &entry : fs::directory_iterator(demoData()))
+            if (entry.path().extension() == ".in" || data == PcData::DataSet
+                || (data == PcData::MitDat && entry.path().filename() == "mit.dat"))
+                fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
     }
 
     std::string pcFiles() const
@@ -113,120 +88,103 @@ protected:
         return all;
     }
 
-    std::string demoFiles() const
-    {
-        std::string all;
-        for (const std::string &name : DataFiles)
-            all += name + ": " + TempDir::read(demoData() / name);
-        return all;
-    }
-
     TempDir temp;
     std::unique_ptr<TsimProcess> sim;
     std::unique_ptr<EmulatedFtdiChip> chip;
 };
 }
 
-TEST_F(UsbStackTest, DownloadsThroughEitherProductNameAndAStallLosesNoByte)
+TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
 {
-    const struct {
-        const char *product;
-        EmulatedFtdiChip::Faults faults;
-    } cases[] = {
-        {Plus, {}},
-        {Final, {}},
-        // The chip goes quiet for 300 ms with a transfer half filled.
-        {Plus, {10000, 300}},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::string(c.product) + (c.faults.stallMs ? ", stall" : ""));
-        fs::remove_all(temp / "pc/Data/mit.dat");
-        plugAnalyzer(c.product, c.faults);
-        const ProgramRun run = ctl({"download"});
-        EXPECT_EQ(run.exitCode, 0) << run.err;
-        EXPECT_EQ(run.err, DownloadStages);
-        EXPECT_TRUE(pcFiles() == demoFiles());
-        EXPECT_EQ(chip->events(), OneSession);
-    }
-}
-
-TEST_F(UsbStackTest, UploadVerifiesAndSyncSavesTheAnalyzersDatabase)
-{
-    givePcTheDemoDataSet();
-    const struct {
-        std::vector<std::string> command, simulatorOptions;
-        int exitCode;
-        std::string out, errEnd;
-    } cases[] = {
-        {{"upload", "--verify"}, {}, 0,
-         "Uploaded the data set of " + (temp / "pc/Data").string()
-             + "\nVerified: the analyzer's memory equals what was sent\n",
-         "Completed!\n"},
-        {{"upload", "--verify"}, {"--fault", "wrong-store=3"}, 3,
-         "Uploaded the data set of " + (temp / "pc/Data").string() + "\n",
-         "kt930ctl upload --verify: the analyzer holds something else than was sent, first at checkitem 19 (byte 792 "
-         "of the checkitem area)\n"},
-        {{"sync"}, {}, 0, "Saved the analyzer's checkitem database as " + (temp / "pc/Data/mit.dat").string() + "\n",
-         "Transfer Complete\n"},
-    };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.command.front() + (c.simulatorOptions.empty() ? "" : " " + c.simulatorOptions.back()));
-        plugAnalyzer(Plus, {}, c.simulatorOptions);
-        const ProgramRun run = ctl(c.command);
-        EXPECT_EQ(run.exitCode, c.exitCode) << run.err;
-        EXPECT_EQ(run.out, c.out);
-        EXPECT_TRUE(run.err.ends_with(c.errEnd)) << run.err;
-        EXPECT_TRUE(pcFiles() == demoFiles());
-    }
-}
-
-TEST_F(UsbStackTest, FailuresSayWhatHappenedAndChangeNoFile)
-{
-    givePcTheDemoDataSet();
+    const std::string pc = (temp / "pc/Data").string();
+    const std::string download = "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n"
+                                 "Getting Checklists\nCompleted!\n";
+    const std::string upload = "Initializing\nInitiating Handshake\nPutting Checkitems\nPutting Autosequences\n"
+                               "Putting Checklists\nCompleted!\n";
+    const std::string syncStart = "Requesting USB Handle\nInitializing USB Connection\n";
+    const std::string syncUnderWay = syncStart + "Sending Handshake\nHandshake Valid - Beginning Download\n"
+                                                 "Sending Request for Data\n";
+    const std::string notDetected = "Initializing\nInitiating Handshake\nError\nDevice Not Detected.\nPlease check "
+                                    "connection.\n\nOperation Canceled.\nException\nCould not initialize "
+                                    "connection.\nOperation Canceled.\n";
     const std::string tried = "USB device tried: 0403:6001 \"Brennix Systems KT930 Plus\"\n";
     const std::string noDevice = "no USB device of vendor 0403 was found\n";
+    const std::string unplugged = "Error\nNo Deviced Attached.\nOperation Canceled.\n";
     const struct {
         const char *name;
         Attached attached;
+        const char *product;
         ChipFaults faults;
-        std::string command, err;
+        std::vector<std::string> simulator, command;
+        PcData before, after;
+        int exitCode;
+        std::string out, err;
     } cases[] = {
-        {"no device", Attached::Nothing, {}, "download",
-         "Initializing\nInitiating Handshake\nError\nDevice Not Detected.\nPlease check connection.\n\nOperation "
-         "Canceled.\nException\nCould not initialize connection.\nOperation Canceled.\nkt930ctl download: " + noDevice},
-        {"no device, sync", Attached::Nothing, {}, "sync",
-         "Requesting USB Handle\nInitializing USB Connection\nDevice Not Detected\nA Safety Analyzer could not be "
-         "found\nPlease check the connection.\n\nOperation Canceled.\nkt930ctl sync: " + noDevice},
-        {"held by another program", Attached::Held, {}, "download",
-         "Initializing\nInitiating Handshake\nError\nDevice Not Detected.\nPlease check connection.\n\nOperation "
-         "Canceled.\nException\nCould not initialize connection.\nOperation Canceled.\nkt930ctl download: " + tried},
-        {"unplugged in a download", Attached::Analyzer, {.unplugAfterIn = 50000}, "download",
-         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nError\nNo Deviced "
-         "Attached.\nOperation Canceled.\nkt930ctl download: " + tried},
-        {"unplugged in an upload", Attached::Analyzer, {.unplugAfterOut = 50000}, "upload",
-         "Initializing\nInitiating Handshake\nPutting Checkitems\nPutting Autosequences\nError\nNo Deviced "
-         "Attached.\nOperation Canceled.\nkt930ctl upload: " + tried},
-        {"unplugged in a sync", Attached::Analyzer, {.unplugAfterIn = 20000}, "sync",
-         "Requesting USB Handle\nInitializing USB Connection\nSending Handshake\nHandshake Valid - Beginning "
-         "Download\nSending Request for Data\nInvalid Handshake Received.\nA communications error occurred.\n\n"
-         "Operation Canceled.\nkt930ctl sync: " + tried},
-        // Attached but nothing answers: the handshake's time-out, not many times it.
-        {"silent chip", Attached::SilentChip, {}, "download",
-         "Initializing\nInitiating Handshake\nError\nTimeout Error.\nOperation Canceled.\nkt930ctl download: " + tried},
+        {"download", Attached::Analyzer, Plus, {}, {}, {"download"}, PcData::OpCodesOnly, PcData::DataSet, 0,
+         "Downloaded the data set into " + pc + "\n", download},
+        {"fallback name", Attached::Analyzer, "Brennix Systems Kt930 Final", {}, {}, {"download"}, PcData::OpCodesOnly,
+         PcData::DataSet, 0, "Downloaded the data set into " + pc + "\n", download},
+        // The chip goes quiet for 300 ms with a transfer half filled.
+        {"stall", Attached::Analyzer, Plus, {10000, 300}, {}, {"download"}, PcData::OpCodesOnly, PcData::DataSet, 0,
+         "Downloaded the data set into " + pc + "\n", download},
+        {"upload", Attached::Analyzer, Plus, {}, {}, {"upload", "--verify"}, PcData::DataSet, PcData::DataSet, 0,
+         "Uploaded the data set of " + pc + "\nVerified: the analyzer's memory equals what was sent\n",
+         upload + download},
+        {"stored wrong", Attached::Analyzer, Plus, {}, {"--fault", "wrong-store=3"}, {"upload", "--verify"},
+         PcData::DataSet, PcData::DataSet, 3, "Uploaded the data set of " + pc + "\n",
+         upload + download + "kt930ctl upload --verify: the analyzer holds something else than was sent, first at "
+                             "checkitem 19 (byte 792 of the checkitem area)\n"},
+        {"sync", Attached::Analyzer, Plus, {}, {}, {"sync"}, PcData::OpCodesOnly, PcData::MitDat, 0,
+         "Saved the analyzer's checkitem database as " + pc + "/mit.dat\n", syncUnderWay + "Transfer Complete\n"},
+        {"no device", Attached::Nothing, Plus, {}, {}, {"download"}, PcData::OpCodesOnly, PcData::OpCodesOnly, 1, "",
+         notDetected + "kt930ctl download: " + noDevice},
+        {"no device, sync", Attached::Nothing, Plus, {}, {}, {"sync"}, PcData::OpCodesOnly, PcData::OpCodesOnly, 1, "",
+         syncStart + "Device Not Detected\nA Safety Analyzer could not be found\nPlease check the connection.\n\n"
+                     "Operation Canceled.\nkt930ctl sync: " + noDevice},
+        {"held by another program", Attached::HeldAnalyzer, Plus, {}, {}, {"download"}, PcData::DataSet,
+         PcData::DataSet, 1, "", notDetected + "kt930ctl download: " + tried},
+        {"unplugged in a download", Attached::Analyzer, Plus, {.unplugAfterIn = 50000}, {}, {"download"},
+         PcData::DataSet, PcData::DataSet, 1, "",
+         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n" + unplugged
+             + "kt930ctl download: " + tried},
+        {"unplugged in an upload", Attached::Analyzer, Plus, {.unplugAfterOut = 50000}, {}, {"upload"},
+         PcData::DataSet, PcData::DataSet, 1, "",
+         "Initializing\nInitiating Handshake\nPutting Checkitems\nPutting Autosequences\n" + unplugged
+             + "kt930ctl upload: " + tried},
+        {"unplugged in a sync", Attached::Analyzer, Plus, {.unplugAfterIn = 20000}, {}, {"sync"}, PcData::DataSet,
+         PcData::DataSet, 1, "",
+         syncUnderWay + "Invalid Handshake Received.\nA communications error occurred.\n\nOperation Canceled.\n"
+                        "kt930ctl sync: " + tried},
+        // Attached, but nothing answers: the handshake's time-out of 2 s, not many times it.
+        {"silent chip", Attached::SilentChip, Plus, {}, {}, {"download"}, PcData::DataSet, PcData::DataSet, 1, "",
+         "Initializing\nInitiating Handshake\nError\nTimeout Error.\nOperation Canceled.\nkt930ctl download: "
+             + tried},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        attach(c.attached, c.faults);
-        std::unique_ptr<AnotherProgramsHandle> holder;
-        if (c.attached == Attached::Held)
-            holder = std::make_unique<AnotherProgramsHandle>();
-        const std::string before = pcFiles();
+        givePc(c.after);
+        const std::string expectedFiles = pcFiles();
+        givePc(c.before);
+        attach(c.attached, c.product, c.faults, c.simulator);
+        std::unique_ptr<AnotherProgramsHandle> other;
+        if (c.attached == Attached::HeldAnalyzer)
+            other = std::make_unique<AnotherProgramsHandle>();
+        std::vector<std::string> arguments = c.command;
+        arguments.insert(arguments.end(), {"--usb", "--appdir", (temp / "pc").string()});
         const auto start = std::chrono::steady_clock::now();
-        const ProgramRun run = ctl({c.command});
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
-        EXPECT_EQ(run.exitCode, 1);
+        const ProgramRun run = ProgramRun::run("kt930ctl", arguments, temp.path());
+        if (c.exitCode == 1)
+            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+        EXPECT_EQ(run.exitCode, c.exitCode);
+        EXPECT_EQ(run.out, c.out);
         EXPECT_EQ(run.err, c.err);
-        EXPECT_TRUE(pcFiles() == before);
+        EXPECT_TRUE(pcFiles() == expectedFiles);
+        if (c.exitCode == 1)
+            continue;
+        std::vector<std::string> sessions = OneSession;
+        if (std::count(c.command.begin(), c.command.end(), "--verify")) // and the read-back
+            sessions.insert(sessions.end(), OneSession.begin(), OneSession.end());
+        EXPECT_EQ(chip->events(), sessions);
     }
 }
 
@@ -234,7 +192,7 @@ TEST_F(UsbStackTest, FailuresSayWhatHappenedAndChangeNoFile)
 // download on a line paced at 9600 baud.
 TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
 {
-    plugAnalyzer(Plus, {}, {"--baud", "9600"});
+    attach(Attached::Analyzer, Plus, {}, {"--baud", "9600"});
     DataSet set;
     RecordingProgressSink progress;
     RecordingMessageSink messages;
