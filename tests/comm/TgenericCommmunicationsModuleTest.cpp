@@ -47,23 +47,6 @@ TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndReportsOnceUnlessQuiet)
     }
 }
 
-TEST_F(ModuleFixture, UsbFallsBackToSecondDescriptionAndMovesBytes)
-{
-    FakeUsbInstalled fake;
-    fake.script->descriptions = {"Brennix Systems Kt930 Final"};
-    fake.script->incoming = "C\r";
-    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
-    EXPECT_EQ(module.open(), 0);
-    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("PUIN\r"), 5), 0);
-    EXPECT_EQ(fake.script->written, "PUIN\r");
-    EXPECT_EQ(module.bytesAvailable(), 2);
-    std::uint8_t ack[3] = {};
-    EXPECT_EQ(module.read(ack, 3), -1); // only two bytes came
-    fake.script->gone = true;
-    EXPECT_THROW(module.bytesAvailable(), TnoDeviceAttachedException);
-    EXPECT_TRUE(messages.messages.empty());
-}
-
 TEST_F(ModuleFixture, SecondOpenWhileHolderBusyRetriesAfterRelease)
 {
     FakeUsbInstalled fake;

@@ -155,9 +155,13 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
          PcData::DataSet, 1, "",
          syncUnderWay + "Invalid Handshake Received.\nA communications error occurred.\n\nOperation Canceled.\n"
                         "kt930ctl sync: " + tried},
-        // Attached, but nothing answers: the handshake's time-out of 2 s, not many times it.
+        // Attached, but nothing answers (only status packets, or not even those): the
+        // handshake's time-out of 2 s, not many times it.
         {"silent chip", Attached::SilentChip, Plus, {}, {}, {"download"}, PcData::DataSet, PcData::DataSet, 1, "",
          "Initializing\nInitiating Handshake\nError\nTimeout Error.\nOperation Canceled.\nkt930ctl download: "
+             + tried},
+        {"stalled chip", Attached::SilentChip, Plus, {0, 60000}, {}, {"download"}, PcData::DataSet, PcData::DataSet,
+         1, "", "Initializing\nInitiating Handshake\nError\nTimeout Error.\nOperation Canceled.\nkt930ctl download: "
              + tried},
     };
     for (const auto &c : cases) {
@@ -188,11 +192,11 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
     }
 }
 
-// The worker in this process, the user cancelling from another thread during a
-// download on a line paced at 9600 baud.
+// The worker in this process, the user cancelling from another thread while the
+// chip has stopped sending in the middle of a download.
 TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
 {
-    attach(Attached::Analyzer, Plus, {}, {"--baud", "9600"});
+    attach(Attached::Analyzer, Plus, {.stallAfterIn = 1000, .stallMs = 60000});
     DataSet set;
     RecordingProgressSink progress;
     RecordingMessageSink messages;
