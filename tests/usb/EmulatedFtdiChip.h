@@ -25,6 +25,7 @@ struct ChipFaults {
     int stallMs = 0; // not a single packet for this long
     std::size_t unplugAfterIn = Never;
     std::size_t unplugAfterOut = Never;
+    bool claimedElsewhere = false; // another program holds the interface
 };
 
 class EmulatedFtdiChip {
@@ -76,6 +77,6 @@ private:
     std::size_t m_inBytes = 0, m_outBytes = 0;
     std::optional<Clock::time_point> m_stallUntil;
     bool m_gone = false, m_driverBound = true;
-    UMockdevIoctlClient *m_claimedBy = nullptr;
+    const void *m_claimedBy = nullptr;
     int m_latencyMs = 16;
 };
