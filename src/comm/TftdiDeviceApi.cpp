@@ -63,7 +63,7 @@ std::string TftdiDeviceApi::describe(libusb_device *device, const char *product)
     return std::string(ids) + " \"" + product + "\"";
 }
 
-bool TftdiDeviceApi::openDevice(libusb_device *device)
+bool TftdiDeviceApi::openDevice(libusb_device *device, const char *product)
 {
     // Not libftdi's open: it resets the chip, sets 9600 baud and leaves the kernel's
     // serial driver detached. The analyzer's line needs neither setting (the chip
@@ -71,13 +71,14 @@ bool TftdiDeviceApi::openDevice(libusb_device *device)
     // the device back when we release it.
     libusb_device_handle *handle = nullptr;
     if (libusb_open(device, &handle) != 0) {
-        noteOpenAttempt({describe(device, ""), openRefused(device)});
+        noteOpenAttempt({describe(device, product), openRefused(device)});
         return false;
     }
     libusb_set_auto_detach_kernel_driver(handle, 1);
-    if (ftdi_set_interface(m_ftdi, INTERFACE_A) != 0 || libusb_claim_interface(handle, 0) != 0) {
+    ftdi_set_interface(m_ftdi, INTERFACE_A);
+    if (int claimed = libusb_claim_interface(handle, m_ftdi->interface); claimed != 0) {
         libusb_close(handle);
-        noteOpenAttempt({describe(device, ""), false});
+        noteOpenAttempt({describe(device, product), false, claimed == LIBUSB_ERROR_BUSY});
         return false;
     }
     ftdi_set_usbdev(m_ftdi, handle);
@@ -100,6 +101,8 @@ bool TftdiDeviceApi::openDevice(libusb_device *device)
     m_vendorId = descriptor.idVendor;
     m_open = true;
     m_readAhead.clear();
+    // A failure later in the transfer names the device it had.
+    noteOpenAttempt({describe(device, product), false});
     return true;
 }
 
@@ -122,11 +125,12 @@ bool TftdiDeviceApi::openIfDescribed(libusb_device *device, const std::string &d
         noteOpenAttempt({describe(device, ""), openRefused(device)});
         return false;
     }
-    const bool opened = description == product && openDevice(device);
-    // A failure later in the transfer names the device it had.
-    if (opened || description != product)
+    if (description == product)
+        return openDevice(device, product);
+    // What a failed open of this device said stays: it says more.
+    if (lastOpenAttempt().device != describe(device, product))
         noteOpenAttempt({describe(device, product), false});
-    return opened;
+    return false;
 }
 
 int TftdiDeviceApi::deviceCount()
@@ -148,9 +152,7 @@ bool TftdiDeviceApi::openByIndex(int index)
         libusb_device *device = list[std::size_t(index)];
         char product[128] = {};
         ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0);
-        opened = openDevice(device);
-        if (opened)
-            noteOpenAttempt({describe(device, product), false});
+        opened = openDevice(device, product);
     }
     for (libusb_device *device : list)
         libusb_unref_device(device);

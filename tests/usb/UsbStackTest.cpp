@@ -122,7 +122,9 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
          syncStart + "Device Not Detected\nA Safety Analyzer could not be found\nPlease check the connection.\n\n"
                      "Operation Canceled.\nkt930ctl sync: " + noDevice},
         {"held by another program", Attached::Analyzer, Plus, {.claimedElsewhere = true}, {}, {"download"}, PcData::DataSet,
-         PcData::DataSet, 1, "", notDetected + "kt930ctl download: " + tried},
+         PcData::DataSet, 1, "", notDetected + "kt930ctl download: " + tried
+             + "the device is in use by another program (its interface is claimed): close that program and try "
+               "again\n"},
         {"unplugged in a download", Attached::Analyzer, Plus, {.unplugAfterIn = 50000}, {}, {"download"},
          PcData::DataSet, PcData::DataSet, 1, "",
          "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n" + unplugged
