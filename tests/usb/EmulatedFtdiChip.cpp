@@ -58,8 +58,10 @@ void EmulatedFtdiChip::plug(const std::string &product, const std::string &seria
 {
     m_product = product;
     m_faults = faults;
-    if (faults.claimedElsewhere)
-        m_claimedBy = &m_faults, m_driverBound = false;
+    if (faults.claimedElsewhere) { // by a client that is not one of ours
+        m_claimedBy = &m_faults;
+        m_driverBound = false;
+    }
     m_serial = ::open(serialSide.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     // The handler first, so that the device opens as soon as it is listed.
     umockdev_testbed_attach_ioctl(m_testbed, Node, m_handler, nullptr);
