@@ -63,12 +63,26 @@ std::string TftdiDeviceApi::describe(libusb_device *device, const char *product)
     return std::string(ids) + " \"" + product + "\"";
 }
 
-bool TftdiDeviceApi::openDevice(libusb_device *device)
+bool TftdiDeviceApi::openDevice(libusb_device *device, const char *product)
 {
-    if (ftdi_usb_open_dev(m_ftdi, device) != 0) {
-        noteOpenAttempt({describe(device, ""), openRefused(device)});
+    // Not libftdi's open: it resets the chip, sets 9600 baud and leaves the kernel's
+    // serial driver detached. The analyzer's line needs neither setting (the chip
+    // powers up at 9600 and nothing here changes that), and the serial driver gets
+    // the device back when we release it.
+    libusb_device_handle *handle = nullptr;
+    if (libusb_open(device, &handle) != 0) {
+        noteOpenAttempt({describe(device, product), openRefused(device)});
         return false;
     }
+    libusb_set_auto_detach_kernel_driver(handle, 1);
+    ftdi_set_interface(m_ftdi, INTERFACE_A);
+    if (int claimed = libusb_claim_interface(handle, m_ftdi->interface); claimed != 0) {
+        libusb_close(handle);
+        noteOpenAttempt({describe(device, product), false, claimed == LIBUSB_ERROR_BUSY});
+        return false;
+    }
+    ftdi_set_usbdev(m_ftdi, handle);
+    m_ftdi->max_packet_size = unsigned(std::max(libusb_get_max_packet_size(device, std::uint8_t(m_ftdi->out_ep)), 0));
     // A chip that refuses keeps its default latency: slower uploads, same results.
     ftdi_set_latency_timer(m_ftdi, LatencyMs);
     // One bulk transfer reports what it moved even when it times out, where a
@@ -87,6 +101,8 @@ bool TftdiDeviceApi::openDevice(libusb_device *device)
     m_vendorId = descriptor.idVendor;
     m_open = true;
     m_readAhead.clear();
+    // A failure later in the transfer names the device it had.
+    noteOpenAttempt({describe(device, product), false});
     return true;
 }
 
@@ -110,8 +126,10 @@ bool TftdiDeviceApi::openIfDescribed(libusb_device *device, const std::string &d
         return false;
     }
     if (description == product)
-        return openDevice(device);
-    noteOpenAttempt({describe(device, product), false});
+        return openDevice(device, product);
+    // What a failed open of this device said stays: it says more.
+    if (lastOpenAttempt().device != describe(device, product))
+        noteOpenAttempt({describe(device, product), false});
     return false;
 }
 
@@ -134,9 +152,7 @@ bool TftdiDeviceApi::openByIndex(int index)
         libusb_device *device = list[std::size_t(index)];
         char product[128] = {};
         ftdi_usb_get_strings(m_ftdi, device, nullptr, 0, product, sizeof product, nullptr, 0);
-        opened = openDevice(device);
-        if (opened)
-            noteOpenAttempt({describe(device, product), false});
+        opened = openDevice(device, product);
     }
     for (libusb_device *device : list)
         libusb_unref_device(device);

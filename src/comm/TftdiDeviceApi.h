@@ -26,7 +26,7 @@ public:
 
 private:
     std::vector<libusb_device *> devices();
-    bool openDevice(libusb_device *device);
+    bool openDevice(libusb_device *device, const char *product);
     bool openIfDescribed(libusb_device *device, const std::string &description);
     // Moves into the read-ahead buffer what arrives within `within`, until `needed`
     // bytes are there; false when the device is gone.

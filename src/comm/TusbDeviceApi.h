@@ -32,6 +32,7 @@ public:
     struct OpenAttempt {
         std::string device;        // vendor:product "description"
         bool accessDenied = false; // present, but the user may not open it
+        bool busy = false;         // opened, but another program holds it
     };
     static void noteOpenAttempt(OpenAttempt attempt);
     static OpenAttempt lastOpenAttempt();

@@ -71,20 +71,6 @@ TEST_F(TCommPortTest, OpenPortRefusesRename)
     EXPECT_EQ(codeOf([&] { port.SetCommPort("COM2"); }), ECommError::PortAlreadyOpen);
 }
 
-TEST_F(TCommPortTest, WritesAndReadsBytesUnchanged)
-{
-    port.OpenCommPort();
-    const std::string outgoing("GESI\r\0\xff\n", 8);
-    port.WriteBuffer(reinterpret_cast<const std::uint8_t *>(outgoing.data()), outgoing.size());
-    EXPECT_EQ(pty.receive(outgoing.size()), outgoing);
-
-    const std::string incoming("C\r\0\x11\x13\xfe", 6);
-    pty.send(incoming);
-    std::uint8_t buffer[6] = {};
-    EXPECT_EQ(port.ReadBytes(buffer, 6), 6u);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 6), incoming);
-}
-
 // A sync chunk is 4224 bytes, more than a terminal queues (about 4 KB): the port's
 // own input queue must hold it all and report it as pending.
 TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)

@@ -47,23 +47,6 @@ TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndReportsOnceUnlessQuiet)
     }
 }
 
-TEST_F(ModuleFixture, UsbFallsBackToSecondDescriptionAndMovesBytes)
-{
-    FakeUsbInstalled fake;
-    fake.script->descriptions = {"Brennix Systems Kt930 Final"};
-    fake.script->incoming = "C\r";
-    TgenericCommmunicationsModule module(&holder, ModeUSB, 2000, 264, &usb, messages);
-    EXPECT_EQ(module.open(), 0);
-    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("PUIN\r"), 5), 0);
-    EXPECT_EQ(fake.script->written, "PUIN\r");
-    EXPECT_EQ(module.bytesAvailable(), 2);
-    std::uint8_t ack[3] = {};
-    EXPECT_EQ(module.read(ack, 3), -1); // only two bytes came
-    fake.script->gone = true;
-    EXPECT_THROW(module.bytesAvailable(), TnoDeviceAttachedException);
-    EXPECT_TRUE(messages.messages.empty());
-}
-
 TEST_F(ModuleFixture, SecondOpenWhileHolderBusyRetriesAfterRelease)
 {
     FakeUsbInstalled fake;
@@ -173,34 +156,6 @@ TEST(EthernetMessageTable, TextsPerEvent)
                         "An error occurred while attempting to accept a connection.\rOperation Canceled."}));
     EXPECT_EQ(M::socketMessage(TsocketEvent::General),
               (Message {"Unspecified Ethernet Error", "An unspecified error occurred.\rOperation Canceled."}));
-}
-
-TEST_F(ModuleFixture, EthernetConnectsReadsAndWrites)
-{
-    QTcpServer server;
-    const LoopbackAddress address(2);
-    ASSERT_TRUE(server.listen(QHostAddress(QString::fromStdString(address.text())), AnalyzerTcpPort));
-    TtransportParams ethernet = TtransportParams::makeEthernet(address.a, address.b, address.c, address.d);
-    TgenericCommmunicationsModule module(&holder, ModeEthernet, 2000, 264, &ethernet, messages);
-    EXPECT_EQ(module.open(), 0);
-    EXPECT_EQ(module.isOpen(), TgenericCommmunicationsModule::Connected);
-    ASSERT_TRUE(server.hasPendingConnections() || server.waitForNewConnection(2000));
-    QTcpSocket *peer = server.nextPendingConnection();
-
-    EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("GUIN\r"), 5), 0);
-    while (peer->bytesAvailable() < 5 && peer->waitForReadyRead(2000)) {
-    }
-    EXPECT_EQ(peer->readAll(), QByteArray("GUIN\r"));
-
-    peer->write(QByteArray("\x01\x00\x02\x03", 4));
-    peer->flush();
-    module.waitForData(4, 2000);
-    EXPECT_EQ(module.bytesAvailable(), 4);
-    std::uint8_t buffer[4] = {};
-    EXPECT_EQ(module.read(buffer, 4), 0);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 4), std::string("\x01\x00\x02\x03", 4));
-    module.close();
-    EXPECT_TRUE(messages.messages.empty());
 }
 
 TEST_F(ModuleFixture, EthernetBlockCutShortByAClosedConnectionTimesOut)

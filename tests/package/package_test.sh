@@ -54,6 +54,17 @@ rules=$usr/lib/udev/rules.d/60-kt930pc.rules
 if udevadm verify --help >/dev/null 2>&1; then
   udevadm verify "$rules" || fail "udevadm verify"
 fi
+# Older udev has no verify (and a build machine may have no udev): the syntax by hand.
+# Each rule: comma-separated KEY"value" pairs, matches with == or !=, at least one
+# match and one assignment.
+awk -F', ' '/^#/ || !NF { next }
+  { m = a = 0
+    for (i = 1; i <= NF; i++)
+      if ($i ~ /^(SUBSYSTEMS?|KERNEL|DRIVERS?|ATTRS?\{[A-Za-z_]+\}|ENV\{[A-Z_]+\})(==|!=)"[^"]*"$/) m++
+      else if ($i ~ /^(TAG|ENV\{[A-Z_]+\}|MODE|GROUP)(=|\+=|-=|:=)"[^"]*"$/) a++
+      else { print "udev rule " NR ": cannot read " $i; bad = 1 }
+    if (!m || !a) { print "udev rule " NR ": no match or no assignment"; bad = 1 } }
+  END { exit bad }' "$rules" || fail "udev rule syntax"
 # The rule grants the analyzer only: each line names a product, and every product the
 # USB transport opens is named.
 grep -v -e '^#' -e '^$' "$rules" | grep -v 'ATTRS{product}=="' && fail "a udev rule without a product"
