@@ -6,6 +6,7 @@ using ByteBuilder::putWord;
 
 namespace {
 constexpr std::size_t Checkitems = 1044, Checklists = 500, Inspections = 18, Testers = 5, PerTester = 12;
+constexpr char DefinedOpCodes[] = "ACDEIKLMPRT"; // those of the demo Data/*.in files
 
 struct CheckitemSeed {
     bool free;
@@ -24,7 +25,8 @@ CheckitemSeed checkitem(std::size_t i, int seed)
 {
     if (i % 5 == 4)
         return {true, 0, 0, ""};
-    return {false, char('A' + (i + std::size_t(seed)) % 26), char('a' + (i * 7 + std::size_t(seed)) % 26),
+    return {false, char('A' + (i + std::size_t(seed)) % 26),
+            DefinedOpCodes[(i * 7 + std::size_t(seed)) % (sizeof DefinedOpCodes - 1)],
             "Check " + std::to_string(i) + "/" + std::to_string(seed) + "\t" + std::to_string(i * 13 % 997)};
 }
 
@@ -132,7 +134,7 @@ KnownImages KnownDataSet::images(int seed)
     return images;
 }
 
-void KnownDataSet::fill(DataSet &set, int seed)
+void KnownDataSet::fill(TdataSet &set, int seed)
 {
     set.checkitems.slots().assign(Checkitems, TInstr());
     for (std::size_t i = 0; i < Checkitems; ++i) {
@@ -162,15 +164,15 @@ void KnownDataSet::fill(DataSet &set, int seed)
     set.inspections.clear();
     for (std::size_t k = 0; k < Inspections; ++k)
         set.inspections.push_back(makeSequence(k));
-    set.testers.assign(Testers, TuserTester());
+    set.userTesters.assign(Testers, TuserTester());
     for (std::size_t t = 0; t < Testers; ++t) {
-        set.testers[t].name = testerName(t, seed);
+        set.userTesters[t].name = testerName(t, seed);
         for (std::size_t s = 0; s < PerTester; ++s)
-            set.testers[t].sequences.push_back(makeSequence(Inspections + t * PerTester + s));
+            set.userTesters[t].sequences.push_back(makeSequence(Inspections + t * PerTester + s));
     }
 }
 
-std::string KnownDataSet::snapshot(const DataSet &set)
+std::string KnownDataSet::snapshot(const TdataSet &set)
 {
     std::string out;
     for (const TInstr &slot : set.checkitems.slots())
@@ -181,7 +183,7 @@ std::string KnownDataSet::snapshot(const DataSet &set)
     out += "|";
     for (const Tautosequence &inspection : set.inspections)
         appendBytes(out, inspection);
-    for (const TuserTester &tester : set.testers) {
+    for (const TuserTester &tester : set.userTesters) {
         out += "|" + tester.name + "|";
         for (const Tautosequence &sequence : tester.sequences)
             appendBytes(out, sequence);

@@ -2,8 +2,9 @@
 // A data set whose every record is known from a seed, written two ways: as the
 // analyzer's memory bytes laid out by hand from the documented block layouts, and
 // as the PC-side containers. Both describe the same clean records, so what the
-// cleaning copies of a download produce equals the containers built here.
-#include "../transfer/TransferFixtures.h"
+// cleaning copies of a download produce equals the containers built here. Every
+// used checkitem has an op code of the demo definition files.
+#include "TdataSet.h"
 #include <string>
 
 struct KnownImages {
@@ -19,7 +20,7 @@ struct KnownImages {
 class KnownDataSet {
 public:
     static KnownImages images(int seed);
-    static void fill(DataSet &set, int seed);
+    static void fill(TdataSet &set, int seed);
     // Every byte of the containers (record by record) and the tester names, for equality checks.
-    static std::string snapshot(const DataSet &set);
+    static std::string snapshot(const TdataSet &set);
 };

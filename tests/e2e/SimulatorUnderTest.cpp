@@ -2,6 +2,7 @@
 #include "LoopbackAddress.h"
 #include "TCommPort.h"
 #include <chrono>
+#include <cstdio>
 #include <thread>
 
 namespace {
@@ -47,20 +48,20 @@ bool SimulatorUnderTest::waitListening()
     return false;
 }
 
-void SimulatorUnderTest::aim(TcommSettings &settings) const
+TtransferJob::Parameters SimulatorUnderTest::job(TtransferJob::Kind kind, std::uint8_t selection) const
 {
+    TtransferJob::Parameters parameters;
+    parameters.kind = kind;
+    parameters.selection = selection;
     if (m_link == Link::Pty) {
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = PtyComPort;
-        return;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = PtyComPort;
+        return parameters;
     }
-    settings.method = std::uint8_t(TcommMethod::Ethernet);
-    std::size_t from = 0;
-    for (int i = 0; i < 4; ++i) {
-        std::size_t dot = m_address.find('.', from);
-        settings.ip[i] = std::stoi(m_address.substr(from, dot - from));
-        from = dot + 1;
-    }
+    parameters.method = TcommMethod::Ethernet;
+    std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2],
+                &parameters.ip[3]);
+    return parameters;
 }
 
 KnownImages SimulatorUnderTest::stopAndReadMemory()

@@ -6,7 +6,7 @@
 #include "TsimProcess.h"
 #include "KnownDataSet.h"
 #include "TempDir.h"
-#include "TcommSettings.h"
+#include "TtransferJob.h"
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -24,8 +24,8 @@ public:
 
     // True once the simulator takes connections (TCP: a probe connect succeeded).
     bool ready() const { return m_ready; }
-    // Points a transfer record's settings at this simulator.
-    void aim(TcommSettings &settings) const;
+    // The parameters of a job aimed at this simulator.
+    TtransferJob::Parameters job(TtransferJob::Kind kind, std::uint8_t selection = SelectAll) const;
     // Stops the simulator (so every put it acknowledged is on disk) and reads its memory file.
     KnownImages stopAndReadMemory();
     TsimProcess &process() { return *m_process; }

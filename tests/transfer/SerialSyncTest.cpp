@@ -1,13 +1,10 @@
 // Line failures of the checkitem sync over a serial port, with the test playing
 // the analyzer on a pseudo-terminal reached as COM210.
 #include "PtyPair.h"
-#include "RecordingMessageSink.h"
-#include "RecordingProgressSink.h"
+#include "JobRun.h"
 #include "TCommPort.h"
 #include "TransferMessages.h"
-#include "TransferWorkers.h"
 #include <gtest/gtest.h>
-#include <memory>
 #include <thread>
 
 namespace {
@@ -15,12 +12,7 @@ constexpr int SyncPort = 210;
 const char CommError[] = "A communications error occurred.\r\rOperation Canceled.";
 
 struct SerialSync : ::testing::Test {
-    void SetUp() override
-    {
-        TCommPort::setPortOverrides({{SyncPort, pty.slavePath}});
-        record->settings.method = std::uint8_t(TcommMethod::Serial);
-        record->settings.serialPort = SyncPort;
-    }
+    void SetUp() override { TCommPort::setPortOverrides({{SyncPort, pty.slavePath}}); }
     void TearDown() override
     {
         if (analyzer.joinable())
@@ -41,15 +33,17 @@ struct SerialSync : ::testing::Test {
     }
     void run()
     {
-        TinstSyncThread worker(&progress, &messages, record.get());
-        worker.start();
-        worker.wait();
+        TtransferJob::Parameters parameters;
+        parameters.kind = TtransferJob::Kind::Sync;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = SyncPort;
+        EXPECT_EQ(job.run(parameters), TtransferJob::Outcome::Failed);
     }
     PtyPair pty;
     std::thread analyzer;
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    std::unique_ptr<TsyncCommStruct> record = std::make_unique<TsyncCommStruct>();
+    JobRun job;
+    RecordingProgressSink &progress = job.progress;
+    RecordingMessageSink &messages = job.messages;
 };
 }
 

@@ -1,5 +1,4 @@
 #include "ByteBuilder.h"
-#include "TransferFixtures.h"
 #include "TransferImages.h"
 #include "TsyncCommStruct.h"
 #include <cstring>

@@ -41,22 +41,11 @@ public:
 const char *const InternalError =
     "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
     "If this error persists, please contact the system vendor.";
-const char DefinedOpCodes[] = "ACDEIKLMPRT"; // the op codes of the demo Data/*.in files
-
-// A known data set whose used checkitems carry defined op codes, as analyzer
-// memory and as the containers a download must produce from it.
-KnownImages knownSet(int seed, DataSet &containers)
+// The analyzer's memory of a known data set, and the containers a download makes of it.
+KnownImages knownSet(int seed, TdataSet &containers)
 {
-    KnownImages images = KnownDataSet::images(seed);
     KnownDataSet::fill(containers, seed);
-    for (std::size_t i = 0; i < containers.checkitems.size(); ++i) {
-        if (containers.checkitems[i].isFree())
-            continue;
-        const char opCode = DefinedOpCodes[i % (sizeof DefinedOpCodes - 1)];
-        images.checkitems[i * 44 + 1] = opCode;
-        containers.checkitems[i].opCode = opCode;
-    }
-    return images;
+    return KnownDataSet::images(seed);
 }
 
 struct FrameTransfer : ::testing::Test, FrameHost {
@@ -83,11 +72,7 @@ struct FrameTransfer : ::testing::Test, FrameHost {
                          [onProgress] { onProgress(qobject_cast<TfrmProgress *>(QApplication::activeModalWidget())); });
         });
     }
-    static std::string snapshotOf(TdataSet &data)
-    {
-        DataSet copy{data.checkitems, data.checklists, data.userTesters, data.inspections};
-        return KnownDataSet::snapshot(copy);
-    }
+    static std::string snapshotOf(TdataSet &data) { return KnownDataSet::snapshot(data); }
     std::string read(const std::string &name) const { return appDir.readData(name); }
     std::vector<std::string> dataFiles() const
     {
@@ -138,9 +123,9 @@ TEST_F(FrameTransfer, WithoutHostRecordTheInternalErrorFollowsAndDownloadStillSa
     EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")));
 }
 
-TEST_F(FrameTransfer, DownloadFillsTheListsAndRewritesTheFilesWithWhatTheAnalyzerHolds)
+TEST_F(FrameTransfer, DownloadFillsTheListsAndSavesAllButTheChecklists)
 {
-    DataSet expected;
+    TdataSet expected({}, sink);
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, expected));
     ASSERT_TRUE(sim.ready());
     const std::string checklistsBefore = read("testProc.asq");
@@ -156,20 +141,15 @@ TEST_F(FrameTransfer, DownloadFillsTheListsAndRewritesTheFilesWithWhatTheAnalyze
     auto *tree = frame->findChild<QTreeWidget *>("LstUTS");
     EXPECT_EQ(tree->topLevelItem(4)->text(0), "v. Bench tester 5/1");
     EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(0), "1. T0 seq 0 s1 - Sub 55");
-
-    // Saved after the download, byte for byte from the documented layouts.
     EXPECT_TRUE(read("mit.dat") == mitBytes(expected.checkitems.slots()));
-    EXPECT_TRUE(read("inspection.asq") == asqBytes("Physical Inspections", "", expected.inspections));
-    for (std::size_t i = 0; i < 5; ++i)
-        EXPECT_TRUE(read("usertester" + std::to_string(i + 1) + ".asq")
-                    == asqBytes("User Tester Autosequences", expected.testers[i].name, expected.testers[i].sequences))
-            << i;
-    EXPECT_EQ(read("testProc.asq"), checklistsBefore); // checklists are never written by the frame
+    EXPECT_TRUE(read("usertester5.asq")
+                == asqBytes("User Tester Autosequences", expected.userTesters[4].name, expected.userTesters[4].sequences));
+    EXPECT_EQ(read("testProc.asq"), checklistsBefore);
 }
 
-TEST_F(FrameTransfer, UploadLeavesTheFramesDataInTheAnalyzerMemory)
+TEST_F(FrameTransfer, UploadSavesFirstAndLeavesTheFramesDataInTheAnalyzerMemory)
 {
-    DataSet analyzer, pc;
+    TdataSet analyzer({}, sink), pc({}, sink);
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, analyzer));
     ASSERT_TRUE(sim.ready());
     const KnownImages sent = knownSet(2, pc);
@@ -177,57 +157,19 @@ TEST_F(FrameTransfer, UploadLeavesTheFramesDataInTheAnalyzerMemory)
     TdataSet &data = frame->dataSet();
     data.checkitems = pc.checkitems;
     data.checklists = pc.checklists;
-    data.userTesters = pc.testers;
+    data.userTesters = pc.userTesters;
     data.inspections = pc.inspections;
     connectTo(sim);
     click(frame.get(), "BtnUpload");
 
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == sent.memoryFile()) << "analyzer memory differs";
-    // Saved before the transfer began.
     EXPECT_TRUE(read("mit.dat") == mitBytes(pc.checkitems.slots()));
-    EXPECT_TRUE(read("usertester2.asq")
-                == asqBytes("User Tester Autosequences", pc.testers[1].name, pc.testers[1].sequences));
-}
-
-TEST_F(FrameTransfer, UnknownOpCodesAfterADownloadAreMarkedAndWarnedAboutOnce)
-{
-    DataSet expected;
-    KnownImages memory = knownSet(1, expected);
-    ASSERT_FALSE(expected.checkitems[0].isFree());
-    ASSERT_FALSE(expected.checkitems[7].isFree());
-    memory.checkitems[0 * 44 + 1] = 'z';
-    memory.checkitems[7 * 44 + 1] = 'y';
-    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, memory);
-    ASSERT_TRUE(sim.ready());
-    auto frame = makeFrame();
-    connectTo(sim);
-    click(frame.get(), "BtnDownload");
-
-    ASSERT_EQ(sink.messages.size(), 1u);
-    const Message &warning = sink.messages[0];
-    EXPECT_EQ(warning.caption, "UNRECOGNIZED OP CODE");
-    EXPECT_EQ(warning.icon, MsgIcon::Exclamation);
-    EXPECT_EQ(warning.buttons, MsgButtons::Ok);
-    EXPECT_EQ(warning.text.rfind("ATTENTION!!\nDO NOT UPLOAD ANY DATA TO THE ANALYZER!!\n\n"
-                                 "One or more checkitems contain unrecognized op codes.",
-                                 0),
-              0u);
-    // The marker, blank-padded to the full 41 characters of the text field.
-    const std::string marker = "**!!**UNRECOGNIZED OP CODE**!!**         ";
-    TInstrDatabase &checkitems = frame->dataSet().checkitems;
-    EXPECT_EQ(checkitems[0].commandText(), marker);
-    EXPECT_EQ(checkitems[7].commandText(), marker);
-    EXPECT_EQ(checkitems[1].commandText(), expected.checkitems[1].commandText());
-    // The repaired entries are what the save after the download wrote.
-    const std::string saved = read("mit.dat");
-    EXPECT_EQ(saved.substr(7 * 44 + 2, 42), marker + '\0');
-    EXPECT_EQ(saved.substr(1 * 44, 44), std::string(reinterpret_cast<const char *>(&expected.checkitems[1]), 44));
 }
 
 TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothing)
 {
-    DataSet unused;
+    TdataSet unused({}, sink);
     // The analyzer answers the handshake and then falls silent: the download sits
     // in its first data request until the cancel is seen.
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, knownSet(1, unused), {"silent-after=GESI"});
