@@ -13,6 +13,7 @@
 #include "TtransferJob.h"
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QThread>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -225,6 +226,12 @@ private:
             if (same && (selection & area.bit))
                 same = memory.compare(area.offset, area.size, sent, area.offset, area.size) == 0;
         if (!same) {
+            ++figures.uploadsNotStored;
+            std::fprintf(stderr, "kt930soak: a completed upload (fault \"%s\") is not what the simulator holds\n",
+                         fault.c_str());
+        }
+    }
+
     std::mt19937 m_random;
     TempDir m_temp;
     BenchMessageSink m_loadMessages;

@@ -24,6 +24,7 @@ const Message Disconnected{"Ethernet Disconnection Error", "An unexpected discon
 const Message HungUpOnGet = transferBox("VCL Exception", "Unknown Exception on Get Data Command");
 const Message HungUpOnPut = transferBox("VCL Exception", "Unknown Exception on Put Data Command");
 const char SyncTimeoutText[] = "A communications timeout occurred.\r\rOperation Canceled.";
+const Message SyncDataTimedOut = transferBox("Data Timed Out.", SyncTimeoutText);
 
 struct Failure {
     const char *name;
@@ -53,9 +54,12 @@ const Failure Failures[] = {
     {"ClosedDuringAnUpload", Kind::Upload, {"close-at-block=3@PASQ"},
      {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)}, {Eq(HungUpOnPut)}, "Putting Autosequences",
      true},
-    {"SyncSilentAfterTheHandshake", Kind::Sync, {"silent-after=GESI"},
-     {Eq(transferBox("Data Timed Out.", SyncTimeoutText))},
+    {"SyncSilentAfterTheHandshake", Kind::Sync, {"silent-after=GESI"}, {Eq(SyncDataTimedOut)},
      {Eq(transferBox("Data Transfer Timed Out.", SyncTimeoutText))}, "Sending Request for Data"},
+    {"SyncClosedDuringTheData", Kind::Sync, {"close-at-block=3@GUIN"},
+     {Eq(Disconnected), Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))},
+     "Sending Request for Data"},
 };
 
 void PrintTo(const Failure &failure, std::ostream *out)
@@ -107,18 +111,26 @@ INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer,
                                  + std::get<1>(info.param).name;
                          });
 
+// The port's own box, then the failure that ends each kind of transfer there.
 TEST(FailedTransferOverSerial, MissingDeviceShowsThePortsBoxThenTheConnectionFailure)
 {
-    JobRun run;
-    TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (run.appDir / "no-such-tty").string()}});
-    TtransferJob::Parameters parameters;
-    parameters.method = TcommMethod::Serial;
-    parameters.serialPort = SimulatorUnderTest::PtyComPort;
-    EXPECT_EQ(run.run(parameters), TtransferJob::Outcome::Failed);
-    TCommPort::setPortOverrides({});
-    EXPECT_EQ(run.messages.messages,
-              (std::vector<Message>{{"Serial Port Error", "Open Error!"},
-                                    transferBox("Exception", "Could not initialize connection.\nOperation Canceled.")}));
-    EXPECT_EQ(run.progress.stages.back(), "Initiating Handshake");
-    EXPECT_FALSE(std::filesystem::exists(run.set.dataFile("mit.dat")));
+    const std::tuple<Kind, Message, const char *> cases[] = {
+        {Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."),
+         "Initiating Handshake"},
+        {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."),
+         "Initializing Serial Connection"},
+    };
+    for (const auto &[kind, failure, lastStage] : cases) {
+        JobRun run;
+        TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (run.appDir / "no-such-tty").string()}});
+        TtransferJob::Parameters parameters;
+        parameters.kind = kind;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = SimulatorUnderTest::PtyComPort;
+        EXPECT_EQ(run.run(parameters), TtransferJob::Outcome::Failed);
+        TCommPort::setPortOverrides({});
+        EXPECT_EQ(run.messages.messages, (std::vector<Message>{{"Serial Port Error", "Open Error!"}, failure}));
+        EXPECT_EQ(run.progress.stages.back(), lastStage);
+        EXPECT_FALSE(std::filesystem::exists(run.set.dataFile("mit.dat")));
+    }
 }

@@ -1,6 +1,5 @@
 #include "ByteBuilder.h"
 #include "TransferImages.h"
-#include "TsyncCommStruct.h"
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -32,18 +31,6 @@ std::string le(std::initializer_list<std::uint16_t> words)
         out += le16(w);
     return out;
 }
-}
-
-TEST(TransferImagesPack, CheckitemsInSlotOrder)
-{
-    TInstrDatabase db;
-    db[0].assign('A', 'P', "Earth");
-    db[1043].assign(' ', 'L', "Leak\t5");
-    std::vector<std::uint8_t> area(CheckitemBytes, 0xAA);
-    packCheckitems(db, area.data());
-    EXPECT_EQ(image(area.data(), 0, 44), std::string("AP") + "Earth" + std::string(37, '\0'));
-    EXPECT_EQ(image(area.data(), 44, 44), std::string(2, '\0') + std::string(42, '\xFF')); // a cleared slot
-    EXPECT_EQ(image(area.data(), 1043 * 44, 44), std::string(" L") + "Leak\t5" + std::string(36, '\0'));
 }
 
 TEST(TransferImagesPack, ChecklistSlotsLeaveTheirTailAlone)
@@ -172,19 +159,6 @@ TEST(ReceivedCheckitems, DownloadFillsTheTableAssignsUsedSlotsAndClearsFreeOnes)
     db.slots().resize(8);
     db[7].assign('A', 'M', "old");
     unpackCheckitems(reinterpret_cast<const std::uint8_t *>(area.data()), db);
-    EXPECT_EQ(tableBytes(db), expected);
-}
-
-TEST(ReceivedCheckitems, SyncCopiesTheSameWay)
-{
-    std::string expected;
-    std::string area = receivedCheckitems(expected);
-    auto record = std::make_unique<TsyncCommStruct>();
-    std::memcpy(record->area, area.data(), area.size());
-    std::memset(record->area + area.size(), 'Q', sizeof record->area - area.size()); // beyond 1044 slots
-    TInstrDatabase db;
-    db.slots().resize(5);
-    record->copyInto(db);
     EXPECT_EQ(tableBytes(db), expected);
 }
 
