@@ -1,5 +1,6 @@
 #include "KnownDataSet.h"
 #include "ByteBuilder.h"
+#include "TransferImages.h"
 
 using ByteBuilder::putText;
 using ByteBuilder::putWord;
@@ -70,12 +71,6 @@ void putItems(std::string &image, std::size_t offset, const std::vector<std::uin
         putWord(image, offset + 2 * k, k < list.size() ? list[k] : k == list.size() ? 0 : 0xFFFF);
 }
 
-void fillItems(std::uint16_t *target, const std::vector<std::uint16_t> &list, std::size_t slots)
-{
-    for (std::size_t k = 0; k < slots; ++k)
-        target[k] = k < list.size() ? list[k] : k == list.size() ? 0 : 0xFFFF;
-}
-
 std::size_t sequenceOffset(std::size_t k)
 {
     return k < Inspections ? k * 88 : 1584 + (k - Inspections) * 88;
@@ -136,40 +131,11 @@ KnownImages KnownDataSet::images(int seed)
 
 void KnownDataSet::fill(TdataSet &set, int seed)
 {
-    set.checkitems.slots().assign(Checkitems, TInstr());
-    for (std::size_t i = 0; i < Checkitems; ++i) {
-        CheckitemSeed item = checkitem(i, seed);
-        if (!item.free)
-            set.checkitems[i].assign(item.category, item.opCode, item.text);
-    }
-    set.checklists.items.assign(Checklists, TTestProc());
-    for (std::size_t n = 0; n < Checklists; ++n) {
-        RecordSeed item = checklist(n, seed);
-        TTestProc &target = set.checklists.items[n];
-        std::string title = padded(item.title1, 41);
-        std::copy(title.begin(), title.end(), target.title);
-        target.title[41] = 0;
-        fillItems(target.items, item.items, 96);
-        target.setting = item.setting;
-    }
-    auto makeSequence = [seed](std::size_t k) {
-        RecordSeed item = sequence(k, seed);
-        Tautosequence target;
-        Tautosequence::setTitle(target.title1, item.title1);
-        Tautosequence::setTitle(target.title2, item.title2);
-        fillItems(target.items, item.items, 24);
-        target.setting = item.setting;
-        return target;
-    };
-    set.inspections.clear();
-    for (std::size_t k = 0; k < Inspections; ++k)
-        set.inspections.push_back(makeSequence(k));
-    set.userTesters.assign(Testers, TuserTester());
-    for (std::size_t t = 0; t < Testers; ++t) {
-        set.userTesters[t].name = testerName(t, seed);
-        for (std::size_t s = 0; s < PerTester; ++s)
-            set.userTesters[t].sequences.push_back(makeSequence(Inspections + t * PerTester + s));
-    }
+    const KnownImages known = images(seed);
+    auto bytes = [](const std::string &image) { return reinterpret_cast<const std::uint8_t *>(image.data()); };
+    TransferImages::unpackCheckitems(bytes(known.checkitems), set.checkitems);
+    TransferImages::unpackChecklists(bytes(known.checklists), set.checklists);
+    TransferImages::unpackAutosequences(bytes(known.autosequences), set.inspections, set.userTesters);
 }
 
 std::string KnownDataSet::snapshot(const TdataSet &set)

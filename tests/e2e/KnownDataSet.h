@@ -1,9 +1,8 @@
 #pragma once
-// A data set whose every record is known from a seed, written two ways: as the
-// analyzer's memory bytes laid out by hand from the documented block layouts, and
-// as the PC-side containers. Both describe the same clean records, so what the
-// cleaning copies of a download produce equals the containers built here. Every
-// used checkitem has an op code of the demo definition files.
+// A data set whose every record is known from a seed: the analyzer's memory bytes
+// laid out by hand from the documented block layouts, and the PC-side containers
+// read from them. The records are clean, so an upload of the containers sends the
+// same bytes back. Every used checkitem has an op code of the demo definition files.
 #include "TdataSet.h"
 #include <string>
 

@@ -19,12 +19,11 @@ struct Case {
     std::uint8_t selection;
 };
 
-std::vector<std::string> stagesFor(bool upload, std::uint8_t selection)
+std::vector<std::string> stagesFor(const std::string &verb, std::uint8_t selection)
 {
-    const std::string verb = upload ? "Putting " : "Getting ";
     std::vector<std::string> stages{"Initializing", "Initiating Handshake"};
-    for (const auto &[bit, name] : {std::pair{SelectCheckitems, "Checkitems"}, std::pair{SelectAutosequences, "Autosequences"},
-                                    std::pair{SelectChecklists, "Checklists"}})
+    for (const auto &[bit, name] : {std::pair{SelectCheckitems, "Checkitems"},
+                                    std::pair{SelectAutosequences, "Autosequences"}, std::pair{SelectChecklists, "Checklists"}})
         if (selection & bit)
             stages.push_back(verb + name);
     stages.push_back("Completed!");
@@ -42,13 +41,8 @@ protected:
 
 std::string caseName(const ::testing::TestParamInfo<Case> &info)
 {
-    const std::string link = info.param.link == Link::Tcp ? "Tcp" : "Pty";
-    switch (info.param.selection) {
-    case SelectCheckitems: return link + "Checkitems";
-    case SelectChecklists: return link + "Checklists";
-    case SelectAutosequences: return link + "Autosequences";
-    default: return link + "All";
-    }
+    const char *const selections[] = {"", "Checkitems", "Checklists", "", "Autosequences", "", "", "All"};
+    return (info.param.link == Link::Tcp ? "Tcp" : "Pty") + std::string(selections[info.param.selection]);
 }
 }
 
@@ -60,7 +54,7 @@ TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithAResto
     ASSERT_EQ(run.run(sim.job(Kind::Download, selection())), Outcome::Completed);
 
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
-    EXPECT_EQ(run.progress.stages, stagesFor(false, selection()));
+    EXPECT_EQ(run.progress.stages, stagesFor("Getting ", selection()));
     if (selection() == SelectAll) { // each get moves the bar through 25, 50 and 90
         const auto &p = run.progress.positions;
         ASSERT_GE(p.size(), 6u);
@@ -75,10 +69,8 @@ TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithAResto
         expected.checkitems = fromAnalyzer.checkitems;
     if (selection() & SelectChecklists)
         expected.checklists = fromAnalyzer.checklists;
-    if (selection() & SelectAutosequences) {
-        expected.inspections = fromAnalyzer.inspections;
-        expected.userTesters = fromAnalyzer.userTesters;
-    }
+    if (selection() & SelectAutosequences)
+        std::tie(expected.inspections, expected.userTesters) = std::tie(fromAnalyzer.inspections, fromAnalyzer.userTesters);
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == KnownDataSet::snapshot(expected)) << "containers differ";
     EXPECT_TRUE(run.file("mit.dat") == (selection() & SelectCheckitems ? analyzer : pc).checkitems);
     const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
@@ -93,7 +85,7 @@ TEST_P(EndToEnd, UploadLeavesExactlyTheSelectedAreasInTheAnalyzerMemoryAndVerify
     ASSERT_TRUE(sim.ready()) << sim.process().log();
     ASSERT_EQ(run.run(sim.job(Kind::Upload, selection())), Outcome::Completed);
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
-    EXPECT_EQ(run.progress.stages, stagesFor(true, selection()));
+    EXPECT_EQ(run.progress.stages, stagesFor("Putting ", selection()));
 
     // Only a full upload leaves nothing for the verify to find.
     const std::string before = KnownDataSet::snapshot(run.set);
