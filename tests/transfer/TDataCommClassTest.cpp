@@ -1,6 +1,6 @@
-// The block engine's puts over a scripted USB line: what it sends, which
-// acknowledgements it accepts, its bar, and a cancel between blocks. Gets, whole
-// transfers and time-outs run against the simulator in the end-to-end tests.
+// The block engine over a scripted USB line: what it sends, which acknowledgements
+// it accepts, its bar, and a cancel between blocks. Whole transfers, time-outs and
+// cancelled downloads run against the simulator in the end-to-end tests.
 #include "../comm/FakeUsbDevice.h"
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
@@ -54,6 +54,17 @@ TEST(TDataCommClassArguments, ZeroLengthsAndMissingBlockSize)
     TDataCommClass noBlocks(&holder, ModeUSB, 2000, 0, &parameters, nullptr, true, messages);
     EXPECT_THROW(noBlocks.getData(bytes("GUIN\r"), 5, buffer, 1), TinvalidCommModuleException);
     EXPECT_THROW(noBlocks.putData(bytes("PUIN\r"), 5, buffer, 1), TinvalidCommModuleException);
+}
+
+// The analyzer takes anything after a get as its next command: nothing may follow.
+TEST(TDataCommClassGet, ReceivesBlocksByteExactWithoutAcknowledging)
+{
+    const std::string data = pattern(3);
+    EngineLink link(data);
+    std::string buffer(3 * 264, 'x');
+    EXPECT_EQ(link.engine.getData(bytes("GTSP\r"), 5, reinterpret_cast<std::uint8_t *>(buffer.data()), 3), 0);
+    EXPECT_EQ(buffer, data);
+    EXPECT_EQ(link.sent(), "GTSP\r");
 }
 
 TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
