@@ -87,6 +87,10 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
     putSequence(area, 2 * 88, std::string("Tab\there\x7f") + std::string(10, 'x'), "Second", {5, 0, 7, 8}, 0x1B);
     for (std::size_t k = 0; k < 60; ++k)
         putSequence(area, 1584 + k * 88, "S", "T", {0}, 0);
+    // Tester names: controls and 127 to blanks, then trimmed.
+    putText(area, 6864 + 0 * 21, std::string("  NEW\x01TESTER") + '\0');
+    putText(area, 6864 + 1 * 21, std::string("\tBench\x7f\r\n") + '\0');
+    putText(area, 6864 + 2 * 21, std::string(20, '\x1F') + '\0');
     putText(area, 6864 + 3 * 21, std::string("  Unit 4  ") + '\0' + "junk");
     std::vector<Tautosequence> inspections(3);
     std::vector<TuserTester> testers(7);
@@ -105,8 +109,9 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
     EXPECT_EQ(s.items[2], 0xFFFF);
     EXPECT_EQ(s.items[3], 0xFFFF);
     EXPECT_EQ(s.setting, 0x1B);
-    EXPECT_EQ(testers[3].name, "Unit 4");
-    EXPECT_EQ(testers[0].name, "");
+    const std::vector<std::string> names{"NEW TESTER", "Bench", "", "Unit 4", ""};
+    for (std::size_t t = 0; t < 5; ++t)
+        EXPECT_EQ(testers[t].name, names[t]);
 }
 
 TEST(TransferImagesUnpack, ChecklistsReplaceTheTable)
@@ -123,13 +128,10 @@ TEST(TransferImagesUnpack, ChecklistsReplaceTheTable)
     EXPECT_EQ(table.items[7].items[2], 0xFFFF);
 }
 
-namespace {
-// Slots as an analyzer might send them: unterminated, junk after the text,
-// half-free records. Returns the expected table next to the image.
-std::string receivedCheckitems(std::string &expected)
+// Slots as an analyzer might send them: unterminated, junk after the text, half-free records.
+TEST(ReceivedCheckitems, DownloadFillsTheTableAssignsUsedSlotsAndClearsFreeOnes)
 {
-    std::string area(CheckitemBytes, '\0');
-    expected.clear();
+    std::string area(CheckitemBytes, '\0'), expected;
     for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
         expected += clearedCheckitem();
     auto slot = [&](std::size_t n, const std::string &sent, const std::string &kept) {
@@ -142,37 +144,9 @@ std::string receivedCheckitems(std::string &expected)
     slot(3, std::string(1, '\0') + "Mjunk", clearedCheckitem()); // category 0: free
     slot(4, std::string("C") + '\0' + "junk", clearedCheckitem()); // op code 0: free
     slot(1043, "ELlast" + std::string(38, '\xFF'), checkitem('E', 'L', "last" + std::string(37, '\xFF')));
-    return area;
-}
-
-std::string tableBytes(const TInstrDatabase &db)
-{
-    return std::string(reinterpret_cast<const char *>(db.slots().data()), db.size() * sizeof(TInstr));
-}
-}
-
-TEST(ReceivedCheckitems, DownloadFillsTheTableAssignsUsedSlotsAndClearsFreeOnes)
-{
-    std::string expected;
-    std::string area = receivedCheckitems(expected);
     TInstrDatabase db;
     db.slots().resize(8);
     db[7].assign('A', 'M', "old");
     unpackCheckitems(reinterpret_cast<const std::uint8_t *>(area.data()), db);
-    EXPECT_EQ(tableBytes(db), expected);
-}
-
-TEST(ReceivedTesterNames, ControlCharactersBecomeBlanksBeforeTrimming)
-{
-    std::string area(AutosequenceBytes, '\0');
-    putText(area, 6864 + 0 * 21, std::string("  NEW\x01TESTER") + '\0');
-    putText(area, 6864 + 1 * 21, std::string("\tBench\x7f\r\n") + '\0');
-    putText(area, 6864 + 2 * 21, std::string(20, '\x1F') + '\0');
-    std::vector<Tautosequence> inspections;
-    std::vector<TuserTester> testers;
-    unpackAutosequences(reinterpret_cast<const std::uint8_t *>(area.data()), inspections, testers);
-    ASSERT_EQ(testers.size(), 5u);
-    EXPECT_EQ(testers[0].name, "NEW TESTER");
-    EXPECT_EQ(testers[1].name, "Bench");
-    EXPECT_EQ(testers[2].name, "");
+    EXPECT_EQ(std::string(reinterpret_cast<const char *>(&db[0]), db.size() * sizeof(TInstr)), expected);
 }
