@@ -33,47 +33,24 @@ std::string le(std::initializer_list<std::uint16_t> words)
 }
 }
 
-TEST(TransferImagesPack, ChecklistSlotsLeaveTheirTailAlone)
+// Whole images are compared byte for byte in the end-to-end uploads; these are the
+// edges a full data set does not reach.
+TEST(TransferImagesPack, ShortTablesGoOutWithBlankRecordsAndNamesAreCut)
 {
     TTestProcList lists;
     lists.items.resize(2);
-    std::memcpy(lists.items[1].title, "Second", 6);
-    lists.items[1].items[0] = 4;
-    lists.items[1].items[1] = 0;
-    lists.items[1].setting = 0xBEEF;
-    std::vector<std::uint8_t> area(ChecklistBytes, 0xAA);
-    packChecklists(lists, area.data());
-    EXPECT_EQ(image(area.data(), 264, 42), "Second" + std::string(35, ' ') + '\0');
-    EXPECT_EQ(image(area.data(), 264 + 42, 4), le({4, 0}));
-    EXPECT_EQ(image(area.data(), 264 + 46, 2), le({0xFFFF}));
-    EXPECT_EQ(image(area.data(), 264 + 234, 2), le({0xBEEF}));
-    EXPECT_EQ(image(area.data(), 264 + 236, 28), std::string(28, '\xAA'));
-    // Checklists beyond the table go out blank.
-    EXPECT_EQ(image(area.data(), 499 * 264, 42), std::string(41, ' ') + '\0');
-    EXPECT_EQ(image(area.data(), 499 * 264 + 42, 4), le({0, 0xFFFF}));
-}
+    std::vector<std::uint8_t> checklistArea(ChecklistBytes, 0xAA);
+    packChecklists(lists, checklistArea.data());
+    EXPECT_EQ(image(checklistArea.data(), 499 * 264, 46), std::string(41, ' ') + '\0' + le({0, 0xFFFF}));
+    EXPECT_EQ(image(checklistArea.data(), 499 * 264 + 236, 28), std::string(28, '\xAA')); // a slot's tail stays
 
-TEST(TransferImagesPack, AutosequenceAreaLayout)
-{
     std::vector<Tautosequence> inspections(2);
-    Tautosequence::setTitle(inspections[1].title1, "Cord");
-    inspections[1].items[0] = 9;
-    inspections[1].items[1] = 0;
     std::vector<TuserTester> testers(2);
-    testers[0].name = "Bob";
     testers[1].name = "A name much longer than twenty";
-    testers[1].sequences.resize(12);
-    testers[1].sequences[3].setting = 0x0B;
     std::vector<std::uint8_t> area(AutosequenceBytes, 0xAA);
     packAutosequences(inspections, testers, area.data());
-
-    EXPECT_EQ(image(area.data(), 88, 19), "Cord" + std::string(14, ' ') + '\0');
-    EXPECT_EQ(image(area.data(), 88 + 38, 6), le({9, 0, 0xFFFF}));
-    // Inspections 2..17 are blank records.
     EXPECT_EQ(image(area.data(), 17 * 88, 19), std::string(18, ' ') + '\0');
     EXPECT_EQ(image(area.data(), 17 * 88 + 38, 4), le({0, 0xFFFF}));
-    EXPECT_EQ(image(area.data(), 1584 + (1 * 12 + 3) * 88 + 86, 2), le({0x0B}));
-    EXPECT_EQ(image(area.data(), 6864, 21), "Bob" + std::string(17, ' ') + '\0');
     EXPECT_EQ(image(area.data(), 6864 + 21, 21), std::string("A name much longer t") + '\0');
     EXPECT_EQ(image(area.data(), 6864 + 4 * 21, 21), std::string(20, ' ') + '\0');
     EXPECT_EQ(image(area.data(), 6969, 159), std::string(159, '\xAA'));
