@@ -78,9 +78,8 @@ KnownImages KnownDataSet::images(int seed)
     return images;
 }
 
-void KnownDataSet::fill(TdataSet &set, int seed)
+void KnownDataSet::fill(TdataSet &set, const KnownImages &known)
 {
-    const KnownImages known = images(seed);
     auto bytes = [](const std::string &image) { return reinterpret_cast<const std::uint8_t *>(image.data()); };
     TransferImages::unpackCheckitems(bytes(known.checkitems), set.checkitems);
     TransferImages::unpackChecklists(bytes(known.checklists), set.checklists);

@@ -19,7 +19,8 @@ struct KnownImages {
 class KnownDataSet {
 public:
     static KnownImages images(int seed);
-    static void fill(TdataSet &set, int seed);
+    static void fill(TdataSet &set, int seed) { fill(set, images(seed)); }
+    static void fill(TdataSet &set, const KnownImages &known);
     // Every byte of the containers (record by record) and the tester names, for equality checks.
     static std::string snapshot(const TdataSet &set);
 };

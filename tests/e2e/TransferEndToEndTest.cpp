@@ -34,6 +34,13 @@ class EndToEnd : public ::testing::TestWithParam<Case> {
 protected:
     void SetUp() override { KnownDataSet::fill(run.set, PcSeed); }
     std::uint8_t selection() const { return GetParam().selection; }
+    // The areas of `moved` where selected, those of `kept` elsewhere.
+    KnownImages selected(const KnownImages &moved, const KnownImages &kept) const
+    {
+        return {(selection() & SelectCheckitems ? moved : kept).checkitems,
+                (selection() & SelectAutosequences ? moved : kept).autosequences,
+                (selection() & SelectChecklists ? moved : kept).checklists};
+    }
     const KnownImages analyzer = KnownDataSet::images(AnalyzerSeed);
     const KnownImages pc = KnownDataSet::images(PcSeed);
     JobRun run;
@@ -61,18 +68,10 @@ TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithAResto
         EXPECT_EQ(std::vector<int>(p.begin(), p.begin() + 5), (std::vector<int>{25, 50, 90, 25, 50}));
         EXPECT_EQ(std::vector<int>(p.end() - 2, p.end()), (std::vector<int>{90, 100}));
     }
-    // The analyzer's sets where selected, the PC's own elsewhere.
-    TdataSet expected({}, run.messages), fromAnalyzer({}, run.messages);
-    KnownDataSet::fill(expected, PcSeed);
-    KnownDataSet::fill(fromAnalyzer, AnalyzerSeed);
-    if (selection() & SelectCheckitems)
-        expected.checkitems = fromAnalyzer.checkitems;
-    if (selection() & SelectChecklists)
-        expected.checklists = fromAnalyzer.checklists;
-    if (selection() & SelectAutosequences)
-        std::tie(expected.inspections, expected.userTesters) = std::tie(fromAnalyzer.inspections, fromAnalyzer.userTesters);
+    TdataSet expected({}, run.messages);
+    KnownDataSet::fill(expected, selected(analyzer, pc));
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == KnownDataSet::snapshot(expected)) << "containers differ";
-    EXPECT_TRUE(run.file("mit.dat") == (selection() & SelectCheckitems ? analyzer : pc).checkitems);
+    EXPECT_TRUE(run.file("mit.dat") == selected(analyzer, pc).checkitems);
     const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
     ASSERT_EQ(points.size(), 1u);
     EXPECT_EQ(points[0].action, "download");
@@ -94,10 +93,7 @@ TEST_P(EndToEnd, UploadLeavesExactlyTheSelectedAreasInTheAnalyzerMemoryAndVerify
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "a verify changed the data set";
 
-    const KnownImages after = sim.stopAndReadMemory();
-    EXPECT_TRUE(after.checkitems == (selection() & SelectCheckitems ? pc : analyzer).checkitems);
-    EXPECT_TRUE(after.checklists == (selection() & SelectChecklists ? pc : analyzer).checklists);
-    EXPECT_TRUE(after.autosequences == (selection() & SelectAutosequences ? pc : analyzer).autosequences);
+    EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == selected(pc, analyzer).memoryFile());
 }
 
 INSTANTIATE_TEST_SUITE_P(EachSelectionAndLink, EndToEnd,
