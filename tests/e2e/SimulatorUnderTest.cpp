@@ -1,13 +1,7 @@
 #include "SimulatorUnderTest.h"
 #include "LoopbackAddress.h"
 #include "TCommPort.h"
-#include <chrono>
 #include <cstdio>
-#include <thread>
-
-namespace {
-constexpr int ConnectAttempts = 1000; // 5 s of 5 ms probes at most
-}
 
 SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults,
                                        int baud)
@@ -27,8 +21,8 @@ SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, con
     for (const std::string &fault : faults)
         arguments.insert(arguments.end(), {"--fault", fault});
     m_process = std::make_unique<TsimProcess>(arguments);
-    // A terminal has nothing to connect to: its link exists once "ready" is logged.
-    m_ready = link == Link::Tcp ? waitListening() : m_process->waitForLog("ready");
+    // Its links exist once "ready" is logged.
+    m_ready = m_process->waitForLog("ready");
 }
 
 SimulatorUnderTest::~SimulatorUnderTest()
@@ -36,16 +30,6 @@ SimulatorUnderTest::~SimulatorUnderTest()
     m_process.reset();
     if (m_link == Link::Pty)
         TCommPort::setPortOverrides({});
-}
-
-bool SimulatorUnderTest::waitListening()
-{
-    for (int attempt = 0; attempt < ConnectAttempts; ++attempt) {
-        if (TrawClient::connectTcp(m_address, 60601).isOpen())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
 }
 
 TtransferJob::Parameters SimulatorUnderTest::job(TtransferJob::Kind kind, std::uint8_t selection) const

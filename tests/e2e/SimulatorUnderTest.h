@@ -2,7 +2,6 @@
 // The real kt930sim for one test: its own memory file (written from known images)
 // in a temporary folder, and its own link — a fresh loopback address on port 60601
 // or a pseudo-terminal reached as a COM port through the port overrides.
-#include "TrawClient.h"
 #include "TsimProcess.h"
 #include "KnownDataSet.h"
 #include "TempDir.h"
@@ -22,7 +21,7 @@ public:
                        int baud = 0);
     ~SimulatorUnderTest();
 
-    // True once the simulator takes connections (TCP: a probe connect succeeded).
+    // True once the simulator takes connections.
     bool ready() const { return m_ready; }
     // The parameters of a job aimed at this simulator.
     TtransferJob::Parameters job(TtransferJob::Kind kind, std::uint8_t selection = SelectAll) const;
@@ -35,8 +34,6 @@ public:
     static std::string freshAddress();
 
 private:
-    bool waitListening();
-
     TempDir m_temp;
     Link m_link;
     std::string m_address;
