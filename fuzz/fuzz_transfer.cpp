@@ -1,19 +1,17 @@
 // Bytes from the analyzer through the real workers: a download (the selected gets)
 // or a sync, over a USB device that answers with the fuzzer's bytes, and a
-// completed transfer on into the containers, the op-code check and the saved files.
+// completed transfer on through the job's op-code check and saves.
 //   byte 0: bit 3 sync, bits 0-2 the download's selection
 //   byte 1: below 0xF0 the rest of the input is repeated to the length of the
 //           transfer, so short inputs complete it; otherwise the analyzer sends
 //           exactly the rest of the input and falls silent (time-outs, short reads)
 #include "../tests/comm/FakeUsbDevice.h"
 #include "../tests/common/RecordingProgressSink.h"
-#include "AutosequenceConversions.h"
 #include "FuzzInput.h"
 #include "MessageSink.h"
 #include "TDataCommClass.h"
 #include "TdataSet.h"
-#include "TransferWorkers.h"
-#include "autosequenceFileStructs.h"
+#include "TtransferJob.h"
 #include <QCoreApplication>
 
 namespace {
@@ -57,49 +55,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     usb.script->vendors = {TusbDeviceApi::FtdiVendorId};
     SilentMessageSink messages;
     RecordingProgressSink progress;
-    auto completed = [&progress] { return !progress.results.empty() && progress.results.back() == TransferResult::Ok; };
     TdataSet set(appDir, messages);
-
-    if (data[0] & 8) {
-        usb.script->incoming = analyzerBytes(data, size, TinstSyncThread::ImageBytes);
-        auto record = std::make_unique<TsyncCommStruct>();
-        record->settings.method = std::uint8_t(TcommMethod::USB);
-        TinstSyncThread worker(&progress, &messages, record.get());
-        worker.start();
-        worker.wait();
-        if (completed()) {
-            record->copyInto(set.checkitems);
-            set.saveCheckitems();
-        }
-        return 0;
-    }
-
-    const std::uint8_t selection = data[0] & SelectAll;
+    TtransferJob::Parameters parameters;
+    parameters.kind = data[0] & 8 ? TtransferJob::Kind::Sync : TtransferJob::Kind::Download;
+    parameters.data = &set;
+    parameters.context = &set;
+    parameters.selection = data[0] & SelectAll;
+    parameters.savedParts = TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters | TdataSet::Checklists;
     std::size_t transferBytes = 0;
-    if (selection & SelectCheckitems)
+    if (parameters.kind == TtransferJob::Kind::Sync || (parameters.selection & SelectCheckitems))
         transferBytes += TransferImages::CheckitemBytes;
-    if (selection & SelectAutosequences)
-        transferBytes += TransferImages::AutosequenceBytes;
-    if (selection & SelectChecklists)
-        transferBytes += TransferImages::ChecklistBytes;
-    usb.script->incoming = analyzerBytes(data, size, transferBytes);
-    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.userTesters,
-                                                        &set.inspections);
-    record->settings().method = std::uint8_t(TcommMethod::USB);
-    record->data.selection = selection;
-    int context = 0;
-    TdownloadThread worker(&context, &progress, &messages, record.get());
-    worker.start();
-    worker.wait();
-    if (!completed())
-        return 0;
-    set.validateOpCodes();
-    set.backup();
-    TautosequenceFile checklists;
-    AutosequenceConversions::checklistsToFile(set.checklists, checklists);
-    try {
-        checklists.write(set.dataFile("testProc.asq"));
-    } catch (const TInvalidWrite &) {
+    if (parameters.kind == TtransferJob::Kind::Download) {
+        if (parameters.selection & SelectAutosequences)
+            transferBytes += TransferImages::AutosequenceBytes;
+        if (parameters.selection & SelectChecklists)
+            transferBytes += TransferImages::ChecklistBytes;
     }
+    usb.script->incoming = analyzerBytes(data, size, transferBytes);
+    TtransferJob job(parameters, messages);
+    job.run(progress);
     return 0;
 }

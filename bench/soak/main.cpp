@@ -9,9 +9,11 @@
 #include "SaveUnderFaults.h"
 #include "TdataSet.h"
 #include "TempDir.h"
-#include "TransferWorkers.h"
+#include "TransferImages.h"
+#include "TtransferJob.h"
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QThread>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -28,6 +30,8 @@ constexpr double WorstTimeoutSeconds = 10; // connect, handshake and one 2 s tim
 
 enum class Link { Tcp, Pty, PacedPty };
 enum class Kind { Download, Upload, Sync };
+const TtransferJob::Kind JobKinds[] = {TtransferJob::Kind::Download, TtransferJob::Kind::Upload,
+                                       TtransferJob::Kind::Sync};
 const char *const LinkNames[] = {"TCP", "pty", "pty 19200"};
 const char *const KindNames[] = {"download", "upload", "sync"};
 
@@ -63,15 +67,16 @@ struct Resources {
     }
 };
 
-// The containers as the analyzer's images, byte for byte.
+// The containers as the analyzer's images, byte for byte, in the order of its memory file.
 std::string imagesOf(TdataSet &set)
 {
-    auto record = std::make_unique<TuploadCommStruct>(&set.checkitems, &set.checklists, &set.userTesters,
-                                                      &set.inspections);
-    const TtransferData &d = record->data;
-    return std::string(reinterpret_cast<const char *>(d.checkitems), sizeof d.checkitems)
-        + std::string(reinterpret_cast<const char *>(d.autosequences), sizeof d.autosequences)
-        + std::string(reinterpret_cast<const char *>(d.checklists), sizeof d.checklists);
+    std::string checkitems(TransferImages::CheckitemBytes, '\0'), autosequences(TransferImages::AutosequenceBytes, '\0'),
+        checklists(TransferImages::ChecklistBytes, '\0');
+    auto bytes = [](std::string &image) { return reinterpret_cast<std::uint8_t *>(image.data()); };
+    TransferImages::packCheckitems(set.checkitems, bytes(checkitems));
+    TransferImages::packAutosequences(set.inspections, set.userTesters, bytes(autosequences));
+    TransferImages::packChecklists(set.checklists, bytes(checklists));
+    return checkitems + autosequences + checklists;
 }
 
 std::string filesOf(const fs::path &folder)
@@ -132,37 +137,23 @@ public:
         const std::string filesBefore = filesOf(m_pc.dataFolder());
         BenchProgressSink progress;
         CountingMessageSink messages;
-        int context = 0;
-        std::unique_ptr<TtransferRecord> record;
-        std::unique_ptr<TsyncCommStruct> syncRecord;
-        std::unique_ptr<QThread> worker;
+        TtransferJob::Parameters parameters;
+        parameters.kind = JobKinds[int(kind)];
+        parameters.data = &m_pc;
+        parameters.context = &m_pc;
+        parameters.selection = selection;
+        sim->aim(parameters);
+        TtransferJob job(parameters, messages);
+        QThread &worker = job.makeWorker(progress);
         std::size_t bytes = 264;
-        if (kind == Kind::Sync) {
-            syncRecord = std::make_unique<TsyncCommStruct>();
-            sim->aim(syncRecord->settings);
-            syncRecord->settings.requested = 1;
-            worker = std::make_unique<TinstSyncThread>(&progress, &messages, syncRecord.get());
+        if (kind == Kind::Sync)
             bytes += TransferImages::CheckitemBytes;
-        } else {
-            if (kind == Kind::Upload) {
-                auto put = std::make_unique<TuploadCommStruct>(&m_pc.checkitems, &m_pc.checklists,
-                                                               &m_pc.userTesters, &m_pc.inspections);
-                worker = std::make_unique<TuploadThread>(&context, &progress, &messages, put.get());
-                record = std::move(put);
-            } else {
-                auto get = std::make_unique<TdownloadCommStruct>(&m_pc.checkitems, &m_pc.checklists,
-                                                                 &m_pc.userTesters, &m_pc.inspections);
-                worker = std::make_unique<TdownloadThread>(&context, &progress, &messages, get.get());
-                record = std::move(get);
-            }
-            sim->aim(record->settings());
-            record->data.selection = selection;
+        else
             bytes += selection == SelectAll ? 185064 : TransferImages::AutosequenceBytes;
-        }
         QElapsedTimer timer;
         timer.start();
-        worker->start();
-        worker->wait();
+        worker.start();
+        worker.wait();
         const double seconds = timer.nsecsElapsed() / 1e9;
         const double bound = (baud ? bytes * 10.0 / baud * 1.1 : 2.0) + WorstTimeoutSeconds;
 
@@ -185,16 +176,14 @@ public:
             }
             return;
         }
-        if (kind == Kind::Sync) {
-            syncRecord->copyInto(m_pc.checkitems);
-            m_pc.saveCheckitems();
-        } else if (kind == Kind::Download) {
-            m_pc.backup();
-        } else {
+        if (kind == Kind::Upload) {
             // Stopped, the simulator has written every completed put to its memory file.
             sim.reset();
-            checkStored(*record, selection, figures, fault);
+            checkStored(imagesBefore, selection, figures, fault);
+            return;
         }
+        job.takeOver();
+        job.save();
     }
 
 private:
@@ -221,21 +210,21 @@ private:
         }
     }
 
-    void checkStored(const TtransferRecord &sent, std::uint8_t selection, TransferFigures &figures,
+    void checkStored(const std::string &sent, std::uint8_t selection, TransferFigures &figures,
                      const std::string &fault)
     {
         const std::string memory = TempDir::read(m_temp / "memory.bin");
-        const TtransferData &d = sent.data;
-        bool same = memory.size() == 185064;
-        if (same && (selection & SelectCheckitems))
-            same = memory.compare(0, sizeof d.checkitems, reinterpret_cast<const char *>(d.checkitems),
-                                  sizeof d.checkitems) == 0;
-        if (same && (selection & SelectAutosequences))
-            same = memory.compare(45936, sizeof d.autosequences, reinterpret_cast<const char *>(d.autosequences),
-                                  sizeof d.autosequences) == 0;
-        if (same && (selection & SelectChecklists))
-            same = memory.compare(45936 + 7128, sizeof d.checklists, reinterpret_cast<const char *>(d.checklists),
-                                  sizeof d.checklists) == 0;
+        bool same = memory.size() == sent.size();
+        const struct {
+            std::uint8_t bit;
+            std::size_t offset, size;
+        } areas[] = {{SelectCheckitems, 0, TransferImages::CheckitemBytes},
+                     {SelectAutosequences, TransferImages::CheckitemBytes, TransferImages::AutosequenceBytes},
+                     {SelectChecklists, TransferImages::CheckitemBytes + TransferImages::AutosequenceBytes,
+                      TransferImages::ChecklistBytes}};
+        for (const auto &area : areas)
+            if (same && (selection & area.bit))
+                same = memory.compare(area.offset, area.size, sent, area.offset, area.size) == 0;
         if (!same) {
             ++figures.uploadsNotStored;
             std::fprintf(stderr, "kt930soak: a completed upload (fault \"%s\") is not what the simulator holds\n",

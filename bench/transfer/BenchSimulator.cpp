@@ -58,13 +58,14 @@ bool BenchSimulator::waitReady()
     return false;
 }
 
-void BenchSimulator::aim(TcommSettings &settings) const
+void BenchSimulator::aim(TtransferJob::Parameters &parameters) const
 {
     if (m_pty) {
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = PtyComPort;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = PtyComPort;
         return;
     }
-    settings.method = std::uint8_t(TcommMethod::Ethernet);
-    std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &settings.ip[0], &settings.ip[1], &settings.ip[2], &settings.ip[3]);
+    parameters.method = TcommMethod::Ethernet;
+    std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2],
+                &parameters.ip[3]);
 }

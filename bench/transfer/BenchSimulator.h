@@ -1,7 +1,7 @@
 #pragma once
 // kt930sim started for one measurement, seeded from the demo data set, on a
 // loopback address or a pseudo-terminal (optionally paced like a serial line).
-#include "TcommSettings.h"
+#include "TtransferJob.h"
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -17,7 +17,7 @@ public:
 
     // False when the simulator did not come up within 5 s.
     bool waitReady();
-    void aim(TcommSettings &settings) const;
+    void aim(TtransferJob::Parameters &parameters) const;
 
 private:
     bool m_pty;

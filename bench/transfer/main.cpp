@@ -7,7 +7,8 @@
 #include "BenchMessageSink.h"
 #include "BenchProgressSink.h"
 #include "TdataSet.h"
-#include "TransferWorkers.h"
+#include "TtransferJob.h"
+#include <QThread>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <cstdio>
@@ -26,7 +27,7 @@ constexpr long DownloadToPc = Handshake + Data, DownloadToAnalyzer = Commands;
 constexpr long UploadToPc = Handshake + 3 * 2 + Blocks * 2, UploadToAnalyzer = Commands + Data;
 constexpr long SyncToPc = Handshake + 174 * 264, SyncToAnalyzer = 2 * 5;
 
-enum class Transfer { Download, Upload, Sync };
+using Transfer = TtransferJob::Kind;
 
 struct Measurement {
     bool ok = false;
@@ -42,39 +43,17 @@ Measurement run(bool pty, int baud, Transfer transfer, TdataSet &data)
     }
     BenchProgressSink progress;
     BenchMessageSink messages;
-    int context = 0;
-    std::unique_ptr<TtransferRecord> record;
-    auto syncRecord = std::make_unique<TsyncCommStruct>();
-    std::unique_ptr<QThread> worker;
-    switch (transfer) {
-    case Transfer::Upload: {
-        auto put = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
-                                                       &data.inspections);
-        worker = std::make_unique<TuploadThread>(&context, &progress, &messages, put.get());
-        record = std::move(put);
-        break;
-    }
-    case Transfer::Download: {
-        auto get = std::make_unique<TdownloadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
-                                                         &data.inspections);
-        worker = std::make_unique<TdownloadThread>(&context, &progress, &messages, get.get());
-        record = std::move(get);
-        break;
-    }
-    case Transfer::Sync:
-        syncRecord->settings.requested = 1;
-        sim.aim(syncRecord->settings);
-        worker = std::make_unique<TinstSyncThread>(&progress, &messages, syncRecord.get());
-        break;
-    }
-    if (record) {
-        sim.aim(record->settings());
-        record->data.selection = SelectAll;
-    }
+    TtransferJob::Parameters parameters;
+    parameters.kind = transfer;
+    parameters.data = &data;
+    parameters.context = &data;
+    sim.aim(parameters);
+    TtransferJob job(parameters, messages);
+    QThread &worker = job.makeWorker(progress);
     QElapsedTimer timer;
     timer.start();
-    worker->start();
-    worker->wait();
+    worker.start();
+    worker.wait();
     return {progress.result == TransferResult::Ok, timer.nsecsElapsed() / 1e9};
 }
 

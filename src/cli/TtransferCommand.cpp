@@ -6,14 +6,10 @@
 #include "TcliMessageSink.h"
 #include "TcliProgressSink.h"
 #include "TdataSet.h"
-#include "TransferWorkers.h"
 #include "TserialPortMap.h"
-#include "TuploadVerifier.h"
 #include <QCoreApplication>
-#include <QEventLoop>
 #include <cstdio>
 #include <iostream>
-#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -30,24 +26,6 @@ public:
 private:
     TcliProgressSink &m_progress;
 };
-
-// Runs a worker to its end; true when it reported a completed transfer. A failed
-// USB transfer names the device it tried, which the analyzer's boxes do not.
-bool runWorker(QThread &worker, TcliProgressSink &progress, const std::string &command,
-               const TcommSettings &settings)
-{
-    QEventLoop loop;
-    QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
-    worker.start();
-    loop.exec();
-    worker.wait();
-    progress.finish();
-    if (progress.result() == TransferResult::Ok)
-        return true;
-    if (settings.method == static_cast<std::uint8_t>(TcommMethod::USB))
-        std::cerr << "kt930ctl " << command << ": " << TusbOpenAdvice::forFailure(TusbDeviceApi::lastOpenAttempt());
-    return false;
-}
 
 int appArgc = 1;
 char appName[] = "kt930ctl";
@@ -112,7 +90,8 @@ std::string TtransferCommand::usage() const
     return text;
 }
 
-bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &settings, std::string &why)
+bool TtransferCommand::connectionFrom(const TcliArguments &args, TtransferJob::Parameters &parameters,
+                                      std::string &why)
 {
     const int chosen = int(args.has("--usb")) + int(args.has("--ethernet")) + int(args.has("--serial"));
     if (chosen != 1) {
@@ -120,7 +99,7 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &
         return false;
     }
     if (args.has("--usb")) {
-        settings.method = static_cast<std::uint8_t>(TcommMethod::USB);
+        parameters.method = TcommMethod::USB;
     } else if (args.has("--ethernet")) {
         int octets[4];
         char extra;
@@ -134,9 +113,9 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &
                 why = "Invalid IP Address!";
                 return false;
             }
-            settings.ip[i] = octets[i];
+            parameters.ip[std::size_t(i)] = octets[i];
         }
-        settings.method = static_cast<std::uint8_t>(TcommMethod::Ethernet);
+        parameters.method = TcommMethod::Ethernet;
     } else {
         char extra;
         int port = 0;
@@ -144,8 +123,8 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TcommSettings &
             why = "--serial needs a port number from 1 to 256";
             return false;
         }
-        settings.serialPort = port;
-        settings.method = static_cast<std::uint8_t>(TcommMethod::Serial);
+        parameters.serialPort = port;
+        parameters.method = TcommMethod::Serial;
     }
     return true;
 }
@@ -158,9 +137,9 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
         flags.insert({"--verify", "--force"});
     if (auto exitCode = parseArguments(arguments, args, flags, 0, {"--ethernet", "--serial"}))
         return *exitCode;
-    TcommSettings settings;
+    TtransferJob::Parameters parameters;
     std::string why;
-    if (!connectionFrom(args, settings, why)) {
+    if (!connectionFrom(args, parameters, why)) {
         std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
         return 2;
     }
@@ -168,34 +147,41 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
     TCommPort::setPortOverrides(TserialPortMap::readOverrides(args.appDir / "KT930pc.ini"));
     switch (m_kind) {
     case Kind::Download:
-        return download(args, settings);
+        parameters.kind = TtransferJob::Kind::Download;
+        return replace(parameters, args);
     case Kind::Upload:
-        return upload(args, settings);
+        return upload(parameters, args);
     default:
-        return sync(args, settings);
+        parameters.kind = TtransferJob::Kind::Sync;
+        return replace(parameters, args);
     }
 }
 
-int TtransferCommand::download(const TcliArguments &args, const TcommSettings &settings)
+TtransferJob::Outcome TtransferCommand::runJob(TtransferJob &job, TcliProgressSink &progress, TcommMethod method) const
+{
+    const TtransferJob::Outcome outcome = job.run(progress);
+    progress.finish();
+    if (outcome == TtransferJob::Outcome::Failed && method == TcommMethod::USB)
+        std::cerr << "kt930ctl " << name() << ": " << TusbOpenAdvice::forFailure(TusbDeviceApi::lastOpenAttempt());
+    return outcome;
+}
+
+int TtransferCommand::replace(TtransferJob::Parameters parameters, const TcliArguments &args)
 {
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
     // Nothing is loaded: a completed download replaces every container.
     TdataSet data(args.appDir, messages);
-    auto record = std::make_unique<TdownloadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
-                                                        &data.inspections);
-    record->data.header.settings = settings;
-    record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
-    record->data.selection = SelectAll;
-    TdownloadThread worker(&data, &progress, &messages, record.get());
-    if (!runWorker(worker, progress, name(), settings))
+    parameters.data = &data;
+    parameters.context = &data;
+    parameters.savedParts = TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters | TdataSet::Checklists;
+    TtransferJob job(parameters, messages);
+    if (runJob(job, progress, parameters.method) != TtransferJob::Outcome::Completed)
         return 1;
-
-    data.validateOpCodes();
-    if (!data.save(TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters | TdataSet::Checklists,
-                   TsaveAction::Download))
-        return 1;
-    std::cout << "Downloaded the data set into " << data.dataFolder().string() << "\n";
+    if (parameters.kind == TtransferJob::Kind::Sync)
+        std::cout << "Saved the analyzer's checkitem database as " << data.dataFile("mit.dat").string() << "\n";
+    else
+        std::cout << "Downloaded the data set into " << data.dataFolder().string() << "\n";
     return 0;
 }
 
@@ -222,7 +208,7 @@ std::string checkitemsWithUnknownOpCodes(const TdataSet &data, MessageSink &sink
 }
 }
 
-int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &settings)
+int TtransferCommand::upload(TtransferJob::Parameters parameters, const TcliArguments &args)
 {
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
@@ -242,58 +228,34 @@ int TtransferCommand::upload(const TcliArguments &args, const TcommSettings &set
             return 1;
         }
     }
-    auto record = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
-                                                      &data.inspections);
-    record->data.header.settings = settings;
-    record->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Upload);
-    record->data.selection = SelectAll;
-    TuploadThread worker(&data, &progress, &messages, record.get());
-    if (!runWorker(worker, progress, name(), settings))
+    parameters.kind = TtransferJob::Kind::Upload;
+    parameters.data = &data;
+    parameters.context = &data;
+    TtransferJob job(parameters, messages);
+    if (runJob(job, progress, parameters.method) != TtransferJob::Outcome::Completed)
         return 1;
     std::cout << "Uploaded the data set of " << data.dataFolder().string() << "\n";
-    return args.has("--verify") ? verify(*record, settings) : 0;
+    if (!args.has("--verify"))
+        return 0;
+    parameters.kind = TtransferJob::Kind::Verify;
+    return verify(parameters);
 }
 
-int TtransferCommand::verify(const TtransferRecord &sent, const TcommSettings &settings)
+int TtransferCommand::verify(TtransferJob::Parameters parameters)
 {
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
-    // Scratch containers: the read-back must not touch the data set or its files.
-    TdataSet scratch({}, messages);
-    auto readBack = std::make_unique<TdownloadCommStruct>(&scratch.checkitems, &scratch.checklists,
-                                                          &scratch.userTesters, &scratch.inspections);
-    readBack->data.header.settings = settings;
-    readBack->data.header.settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
-    readBack->data.selection = SelectAll;
-    TdownloadThread worker(&scratch, &progress, &messages, readBack.get());
-    if (!runWorker(worker, progress, name(), settings)) {
+    TtransferJob job(parameters, messages);
+    switch (runJob(job, progress, parameters.method)) {
+    case TtransferJob::Outcome::Completed:
+        std::cout << "Verified: the analyzer's memory equals what was sent\n";
+        return 0;
+    case TtransferJob::Outcome::Differs:
+        std::cerr << "kt930ctl upload --verify: the analyzer holds something else than was sent, first at "
+                  << job.difference() << "\n";
+        return 3;
+    default:
         std::cerr << "kt930ctl upload --verify: the analyzer's memory could not be read back\n";
         return 1;
     }
-    if (auto place = TuploadVerifier::firstDifference(sent.data, readBack->data)) {
-        std::cerr << "kt930ctl upload --verify: the analyzer holds something else than was sent, first at "
-                  << *place << "\n";
-        return 3;
-    }
-    std::cout << "Verified: the analyzer's memory equals what was sent\n";
-    return 0;
-}
-
-int TtransferCommand::sync(const TcliArguments &args, const TcommSettings &settings)
-{
-    TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
-    TtransferMessageSink messages(progress);
-    TdataSet data(args.appDir, messages);
-    auto record = std::make_unique<TsyncCommStruct>();
-    record->settings = settings;
-    record->settings.kind = static_cast<std::uint8_t>(TtransferKind::Download);
-    record->settings.requested = 1;
-    TinstSyncThread worker(&progress, &messages, record.get());
-    if (!runWorker(worker, progress, name(), settings))
-        return 1;
-    record->copyInto(data.checkitems);
-    if (!data.saveCheckitems(TsaveAction::Sync))
-        return 1;
-    std::cout << "Saved the analyzer's checkitem database as " << data.dataFile("mit.dat").string() << "\n";
-    return 0;
 }

@@ -1,11 +1,11 @@
 #pragma once
-// kt930ctl download | upload | sync: the transfer workers of the plug-in, driven
+// kt930ctl download | upload | sync: the transfer jobs of the plug-in, driven
 // from the command line against an analyzer (or kt930sim).
 #include "TcliCommand.h"
+#include "TtransferJob.h"
 
-struct TcommSettings;
 struct TcliArguments;
-class TtransferRecord;
+class TcliProgressSink;
 
 class TtransferCommand : public TcliCommand {
 public:
@@ -17,15 +17,18 @@ public:
     std::string usage() const override;
     int run(const std::vector<std::string> &arguments) override;
 
-    // --usb, --ethernet A.B.C.D or --serial N into the settings; false with why.
-    static bool connectionFrom(const TcliArguments &args, TcommSettings &settings, std::string &why);
+    // --usb, --ethernet A.B.C.D or --serial N into the parameters; false with why.
+    static bool connectionFrom(const TcliArguments &args, TtransferJob::Parameters &parameters, std::string &why);
 
 private:
-    int download(const TcliArguments &args, const TcommSettings &settings);
-    int upload(const TcliArguments &args, const TcommSettings &settings);
-    int sync(const TcliArguments &args, const TcommSettings &settings);
+    // Download and sync: the job run, its files saved; the exit code.
+    int replace(TtransferJob::Parameters parameters, const TcliArguments &args);
+    int upload(TtransferJob::Parameters parameters, const TcliArguments &args);
     // Reads the analyzer's memory back after an upload; 0 when it equals what was sent.
-    int verify(const TtransferRecord &sent, const TcommSettings &settings);
+    int verify(TtransferJob::Parameters parameters);
+    // Runs the job to its end. A failed USB transfer names the device it tried,
+    // which the analyzer's boxes do not.
+    TtransferJob::Outcome runJob(TtransferJob &job, TcliProgressSink &progress, TcommMethod method) const;
 
     Kind m_kind;
 };

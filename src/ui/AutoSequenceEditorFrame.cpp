@@ -8,14 +8,11 @@
 #include "TguiText.h"
 #include "TlistRowDelegate.h"
 #include "TlistTexts.h"
-#include "TransferWorkers.h"
 #include "TseqTitleEditForm.h"
-#include "TtransferRecord.h"
 #include "TtransferRunner.h"
 #include "TtreeNodeDelegate.h"
 #include "autoSequenceEditForm.h"
 #include "instEdit.h"
-#include "progress.h"
 #include <QApplication>
 #include <QFontMetrics>
 #include <QIcon>
@@ -450,32 +447,20 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 
 // ---- transfers, help, return to the host
 
-// Runs one transfer; true when the progress dialog ended with OK, false when the
-// settings form or the transfer was cancelled.
-bool TAutoSeqEditFrame::runTransfer(bool upload)
+// Runs one transfer through the settings form and the progress dialog; the job
+// when the dialog ended with OK, null when the form or the transfer was cancelled.
+std::unique_ptr<TtransferJob> TAutoSeqEditFrame::runTransfer(bool upload)
 {
-    TdataSet &data = *m_data;
-    std::unique_ptr<TtransferRecord> record;
-    if (upload)
-        record = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters, &data.inspections);
-    else
-        record = std::make_unique<TdownloadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters, &data.inspections);
-    record->data.selection = SelectAll;
-    if (upload)
-        BtnBackupClick();
-
-    TcommSettings &settings = record->settings();
-    if (!TtransferRunner::chooseTransport(settings, upload, m_hostData, m_sink))
-        return false;
-    settings.kind = std::uint8_t(upload ? TtransferKind::Upload : TtransferKind::Download);
-    const int result = TtransferRunner::run(settings, m_hostData, [&](TfrmProgress &progress) -> std::unique_ptr<QThread> {
-        if (upload)
-            return std::make_unique<TuploadThread>(m_hostData, &progress, &m_sink,
-                                                   static_cast<TuploadCommStruct *>(record.get()));
-        return std::make_unique<TdownloadThread>(m_hostData, &progress, &m_sink,
-                                                 static_cast<TdownloadCommStruct *>(record.get()));
-    });
-    return result != 2;
+    TtransferJob::Parameters parameters;
+    parameters.kind = upload ? TtransferJob::Kind::Upload : TtransferJob::Kind::Download;
+    parameters.data = m_data.get();
+    parameters.context = m_hostData;
+    if (!TtransferRunner::chooseTransport(parameters, upload, m_hostData, m_sink))
+        return nullptr;
+    auto job = std::make_unique<TtransferJob>(parameters, m_sink);
+    if (TtransferRunner::run(*job, m_hostData) == 2)
+        return nullptr;
+    return job;
 }
 
 void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
@@ -488,6 +473,8 @@ void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
 void TAutoSeqEditFrame::BtnUploadClick()
 {
     try {
+        // What goes out is what is on disk.
+        BtnBackupClick();
         runTransfer(true);
     } catch (const std::exception &e) {
         showInternalError(true, e.what());
@@ -498,12 +485,12 @@ void TAutoSeqEditFrame::BtnUploadClick()
 
 void TAutoSeqEditFrame::BtnDownloadClick()
 {
-    bool downloaded = false;
+    std::unique_ptr<TtransferJob> job;
     try {
-        if (!runTransfer(false))
+        job = runTransfer(false);
+        if (!job)
             return;
-        downloaded = true;
-        m_data->validateOpCodes();
+        job->takeOver();
         refreshLists(2);
     } catch (const std::exception &e) {
         showInternalError(false, e.what());
@@ -511,7 +498,10 @@ void TAutoSeqEditFrame::BtnDownloadClick()
         showInternalError(false, UnknownExceptionText);
     }
     // A download replaces the set by design (and keeps a restore point); anything else is an edit.
-    m_data->backup(downloaded ? TsaveAction::Download : TsaveAction::Edit);
+    if (job)
+        job->save();
+    else
+        m_data->backup(TsaveAction::Edit);
     refreshLists(2);
     refreshDataStatus();
 }

@@ -12,6 +12,7 @@ namespace Ui { class TAutoSeqEditFrame; }
 class MessageSink;
 class TdataSet;
 class THelpWindow;
+class TtransferJob;
 class QPoint;
 class QTimer;
 class QMouseEvent;
@@ -77,7 +78,7 @@ private:
     void editSequence(Tautosequence &sequence);
     void editInspection(bool save);
     void showInternalError(bool upload, const char *what);
-    bool runTransfer(bool upload);
+    std::unique_ptr<TtransferJob> runTransfer(bool upload);
     bool onNodeLabel(const QPoint &at) const;
     void refreshDataStatus();
 

@@ -1,6 +1,5 @@
 #include "TtransferRunner.h"
 #include "TCommPort.h"
-#include "TcommSettings.h"
 #include "TserialPortMap.h"
 #include "VAROAutoSeqEditor.h"
 #include "communicationsSelector.h"
@@ -28,7 +27,7 @@ const char *TtransferRunner::internalErrorText()
            "If this error persists, please contact the system vendor.";
 }
 
-bool TtransferRunner::chooseTransport(TcommSettings &settings, bool upload, const TPluginHostInfo *host,
+bool TtransferRunner::chooseTransport(TtransferJob::Parameters &parameters, bool upload, const TPluginHostInfo *host,
                                       MessageSink &sink)
 {
     TcomSelectFrm selector(nullptr, upload, &sink);
@@ -37,31 +36,30 @@ bool TtransferRunner::chooseTransport(TcommSettings &settings, bool upload, cons
         return false;
     switch (selector.method()) {
     case TcomSelectFrm::MethodUSB:
-        settings.method = std::uint8_t(TcommMethod::USB);
+        parameters.method = TcommMethod::USB;
         break;
     case TcomSelectFrm::MethodEthernet:
-        settings.method = std::uint8_t(TcommMethod::Ethernet);
+        parameters.method = TcommMethod::Ethernet;
         for (int i = 0; i < 4; ++i)
-            settings.ip[i] = selector.ipText(i + 1).toInt();
+            parameters.ip[std::size_t(i)] = selector.ipText(i + 1).toInt();
         if (!host)
             throw std::invalid_argument("No host record");
-        settings.hostValue = host->transferValue;
+        parameters.hostValue = host->transferValue;
         break;
     default:
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = selector.serialPort();
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = selector.serialPort();
         break;
     }
     TCommPort::setPortOverrides(TserialPortMap::readOverrides(TcomSelectFrm::iniFile()));
     return true;
 }
 
-int TtransferRunner::run(TcommSettings &settings, void *context, const WorkerFactory &makeWorker)
+int TtransferRunner::run(TtransferJob &job, void *context)
 {
-    TfrmProgress progress(nullptr, context, &settings);
-    std::unique_ptr<QThread> worker = makeWorker(progress);
-    settings.worker = worker.get();
+    TfrmProgress progress(nullptr, context, &job.settings());
+    QThread &worker = job.makeWorker(progress);
     const int result = progress.exec();
-    waitForWorker(*worker);
+    waitForWorker(worker);
     return result;
 }

@@ -1,15 +1,12 @@
 #pragma once
 // The GUI steps every analyzer transfer shares: the settings form, the chosen
-// transport written into the record, the progress dialog that starts the worker,
-// and the wait for a worker that may still have a message box to show.
-#include <functional>
-#include <memory>
+// transport written into the job's parameters, the progress dialog that starts
+// the job's worker, and the wait for a worker that may still have a message box
+// to show.
+#include "TtransferJob.h"
 
 class MessageSink;
-class QThread;
-class TfrmProgress;
 struct TPluginHostInfo;
-struct TcommSettings;
 
 class TtransferRunner {
 public:
@@ -17,12 +14,12 @@ public:
     static const char *internalErrorText();
 
     // Shows the "Communication Settings" form; false when it was cancelled. Otherwise
-    // writes the method, port or address into settings and installs the serial port
+    // writes the method, port or address into parameters and installs the serial port
     // overrides. Throws std::invalid_argument for Ethernet without a host record.
-    static bool chooseTransport(TcommSettings &settings, bool upload, const TPluginHostInfo *host, MessageSink &sink);
+    static bool chooseTransport(TtransferJob::Parameters &parameters, bool upload, const TPluginHostInfo *host,
+                                MessageSink &sink);
 
-    using WorkerFactory = std::function<std::unique_ptr<QThread>(TfrmProgress &)>;
-    // Shows the progress dialog, which starts the worker made for it, and returns the
-    // dialog's result (2 when cancelled) once the worker has finished.
-    static int run(TcommSettings &settings, void *context, const WorkerFactory &makeWorker);
+    // Shows the progress dialog, which starts the job's worker made for it, and returns
+    // the dialog's result (2 when cancelled) once the worker has finished.
+    static int run(TtransferJob &job, void *context);
 };

@@ -15,14 +15,12 @@
 #include "TinstGridDelegate.h"
 #include "TinstGridHeader.h"
 #include "TinstListingPrinter.h"
-#include "TinstSyncThread.h"
 #include "TenterKey.h"
 #include "TopeningClickGuard.h"
 #include "TscreenFit.h"
 #include "TtransferRunner.h"
 #include "VAROAutoSeqEditor.h"
 #include "instrpanel.h"
-#include "progress.h"
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFontMetrics>
@@ -705,22 +703,20 @@ void TinstructionEditorForm::btnHelpClick()
 void TinstructionEditorForm::btnSyncClick()
 {
     try {
-        auto record = std::make_unique<TsyncCommStruct>();
-        TcommSettings &settings = record->settings;
-        if (!TtransferRunner::chooseTransport(settings, false, m_hostData, m_sink))
+        TdataSet synced(m_appDir, m_sink);
+        TtransferJob::Parameters parameters;
+        parameters.kind = TtransferJob::Kind::Sync;
+        parameters.data = &synced;
+        if (!TtransferRunner::chooseTransport(parameters, false, m_hostData, m_sink))
             return;
-        settings.requested = 1;
-        const int result = TtransferRunner::run(settings, m_hostData, [&](TfrmProgress &progress) {
-            return std::make_unique<TinstSyncThread>(&progress, &m_sink, record.get());
-        });
-        if (result == 2)
+        TtransferJob job(parameters, m_sink);
+        if (TtransferRunner::run(job, m_hostData) == 2)
             return;
-        record->copyInto(*m_db);
+        job.takeOver();
+        *m_db = synced.checkitems;
         resetListOrder();
         // Saved as the set's sync, so the replaced database is kept as a restore point.
-        TdataSet synced(m_appDir, m_sink);
-        synced.checkitems = *m_db;
-        synced.saveCheckitems(TsaveAction::Sync);
+        job.save();
     } catch (const TinstructionEditorFormException &) {
         throw; // reported already
     } catch (const std::exception &) {

@@ -53,46 +53,26 @@ protected:
     std::string stdoutText, stderrText;
 };
 
-TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenUploadSendsItBack)
+TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUploadRunOverIt)
 {
     const std::string at = address(1);
     auto sim = startSimulator(at);
     ASSERT_EQ(ctl({"download", "--ethernet", at}), 0) << stderrText;
     for (const char *name : DataFiles)
         EXPECT_EQ(TempDir::read(pcData(name)), TempDir::read(demoData() / name)) << name;
+    EXPECT_EQ(stdoutText, "Downloaded the data set into " + (temp / "pc/Data").string() + "\n");
     // Not a terminal: one plain line per stage.
     EXPECT_EQ(stderrText, "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\n"
                           "Getting Checklists\nCompleted!\n");
 
+    ASSERT_EQ(ctl({"sync", "--ethernet", at}), 0) << stderrText;
+    EXPECT_EQ(stdoutText, "Saved the analyzer's checkitem database as " + pcData("mit.dat").string() + "\n");
     ASSERT_EQ(ctl({"upload", "--ethernet", at}), 0) << stderrText;
     sim->stop();
     const std::string memory = TempDir::read(temp / "memory.bin");
     ASSERT_EQ(memory.size(), 45936u + 132000u + 7128u);
     // The checkitem image is mit.dat as it stands.
     EXPECT_EQ(memory.substr(0, 45936), TempDir::read(demoData() / "mit.dat"));
-}
-
-TEST_F(CliTransferTest, SyncReplacesOnlyTheCheckitemDatabase)
-{
-    const std::string at = address(2);
-    auto sim = startSimulator(at);
-    ASSERT_EQ(ctl({"sync", "--ethernet", at}), 0) << stderrText;
-    EXPECT_EQ(TempDir::read(pcData("mit.dat")), TempDir::read(demoData() / "mit.dat"));
-    EXPECT_FALSE(fs::exists(pcData("inspection.asq")));
-}
-
-TEST_F(CliTransferTest, UploadRefusesADataSetThatDidNotLoad)
-{
-    const std::string at = address(3);
-    auto sim = startSimulator(at);
-    ASSERT_EQ(ctl({"download", "--ethernet", at}), 0) << stderrText;
-    fs::remove(pcData("usertester3.asq"));
-    EXPECT_EQ(ctl({"upload", "--ethernet", at}), 1);
-    EXPECT_NE(stderrText.find("User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences "
-                              "detected.\nPlease restore the data from the KT930.\n"),
-              std::string::npos)
-        << stderrText;
-    EXPECT_EQ(sim->log().find("PUIN"), std::string::npos);
 }
 
 TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
@@ -131,7 +111,8 @@ TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
     EXPECT_EQ(TempDir::read(pcData("mit.dat")) + TempDir::read(pcData("testProc.asq")), files);
 }
 
-TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForced)
+// Defaults never overwrite the analyzer's content, and unknown op codes go only when forced.
+TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDidNotLoadAlways)
 {
     for (const char *name : DataFiles)
         fs::copy_file(demoData() / name, pcData(name));
@@ -147,6 +128,14 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForced)
 
     auto sim = startSimulator(at);
     ASSERT_EQ(ctl({"upload", "--force", "--ethernet", at}), 0) << stderrText;
+    fs::remove(pcData("usertester3.asq"));
+    const std::string logBefore = sim->log();
+    EXPECT_EQ(ctl({"upload", "--force", "--ethernet", at}), 1);
+    EXPECT_NE(stderrText.find("User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences "
+                              "detected.\nPlease restore the data from the KT930.\n"),
+              std::string::npos)
+        << stderrText;
+    EXPECT_EQ(sim->log(), logBefore) << "connected for a refused upload";
     sim->stop();
     EXPECT_EQ(TempDir::read(temp / "memory.bin").substr(0, 45936), table);
 }

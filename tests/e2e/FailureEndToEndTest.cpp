@@ -1,131 +1,136 @@
-// Failures provoked for real: the simulator's injected faults, a missing serial
-// device, and a cancel (a refused connection runs through the command line).
-// Each ends with its message, without hanging; a failed download leaves the
-// containers as they were, a failed upload the analyzer's memory.
+// Failures provoked for real over both links: the simulator's injected faults, a
+// cancel, a missing serial device (a refused connection runs through the command
+// line). Each ends with its messages, without hanging; a failed download or sync
+// leaves the data set and its files as they were, a failed upload the analyzer's
+// memory.
+#include "JobRun.h"
+#include "KnownDataSet.h"
+#include "SimulatorUnderTest.h"
+#include "TransferMessages.h"
 #include "TCommPort.h"
-#include "TransferRun.h"
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 using Link = SimulatorUnderTest::Link;
+using Kind = TtransferJob::Kind;
+using ::testing::AnyOf;
+using ::testing::Eq;
+using ::testing::Matcher;
+using Messages = std::vector<Matcher<Message>>;
 
-class FailedTransfer : public ::testing::Test {
+const Message Disconnected{"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"};
+// A terminal that hangs up is a port error, which is no failure the block engine knows.
+const Message HungUpOnGet = transferBox("VCL Exception", "Unknown Exception on Get Data Command");
+const Message HungUpOnPut = transferBox("VCL Exception", "Unknown Exception on Put Data Command");
+const char SyncTimeoutText[] = "A communications timeout occurred.\r\rOperation Canceled.";
+const Message SyncDataTimedOut = transferBox("Data Timed Out.", SyncTimeoutText);
+
+struct Failure {
+    const char *name;
+    Kind kind;
+    std::vector<std::string> faults;
+    Messages overTcp, overPty;
+    const char *lastStage;
+    bool checkitemsStored = false; // an upload: the put before the failed one completed
+    int cancelAtPosition = -1;
+};
+
+// Whether the next block still goes out before a close is seen decides between a
+// failed send and a missing acknowledgement; both end the upload there.
+const Failure Failures[] = {
+    {"SilentAfterTheHandshake", Kind::Download, {"silent-after=GESI"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
+     "Getting Checkitems"},
+    {"ShortBlock", Kind::Download, {"short-block=1@GASQ"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
+     "Getting Autosequences"},
+    {"ClosedDuringADownload", Kind::Download, {"close-at-block=5@GTSP"}, {Eq(Disconnected), Eq(TimeoutError)},
+     {Eq(HungUpOnGet)}, "Getting Checklists"},
+    {"CancelBetweenBlocks", Kind::Download, {}, {Eq(OperationCancelled)}, {Eq(OperationCancelled)},
+     "Getting Checkitems", false, 70},
+    {"WrongBlockAck", Kind::Upload, {"bad-ack-block=10@PUIN"}, {Eq(CommunicationsFailed)},
+     {Eq(CommunicationsFailed)}, "Putting Checkitems"},
+    {"UnacknowledgedFirstBlock", Kind::Upload, {"no-ack-block=0@PUIN"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
+     "Putting Checkitems"},
+    {"ClosedDuringAnUpload", Kind::Upload, {"close-at-block=3@PASQ"},
+     {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)}, {Eq(HungUpOnPut)}, "Putting Autosequences",
+     true},
+    {"SyncSilentAfterTheHandshake", Kind::Sync, {"silent-after=GESI"}, {Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Data Transfer Timed Out.", SyncTimeoutText))}, "Sending Request for Data"},
+    {"SyncClosedDuringTheData", Kind::Sync, {"close-at-block=3@GUIN"},
+     {Eq(Disconnected), Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))},
+     "Sending Request for Data"},
+};
+
+void PrintTo(const Failure &failure, std::ostream *out)
+{
+    *out << failure.name;
+}
+
+class FailedTransfer : public ::testing::TestWithParam<std::tuple<Link, Failure>> {
 protected:
     void SetUp() override
     {
         KnownDataSet::fill(run.set, 2);
-        before = KnownDataSet::snapshot(run.set);
+        ASSERT_TRUE(run.set.backup());
     }
     void TearDown() override { TCommPort::setPortOverrides({}); }
 
-    // A full download against a simulator with these faults.
-    void download(const std::vector<std::string> &faults)
-    {
-        SimulatorUnderTest sim(Link::Tcp, memory, faults);
-        ASSERT_TRUE(sim.ready());
-        download([&](TcommSettings &settings) { sim.aim(settings); });
-    }
-    void download(const std::function<void(TcommSettings &)> &aim)
-    {
-        auto record = run.downloadRecord(SelectAll);
-        aim(record->settings());
-        TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
-        ASSERT_TRUE(runToEnd(worker));
-        EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
-        EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "containers changed";
-    }
-
-    // A full upload against a simulator with these faults; its memory afterwards.
-    KnownImages upload(const std::vector<std::string> &faults)
-    {
-        SimulatorUnderTest sim(Link::Tcp, memory, faults);
-        EXPECT_TRUE(sim.ready());
-        auto record = run.uploadRecord(SelectAll);
-        sim.aim(record->settings());
-        TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
-        EXPECT_TRUE(runToEnd(worker));
-        EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
-        return sim.stopAndReadMemory();
-    }
+    std::string files() const { return run.file("mit.dat") + run.file("inspection.asq") + run.file("usertester1.asq"); }
 
     const KnownImages memory = KnownDataSet::images(1);
-    TransferRun run;
-    std::string before;
+    JobRun run;
 };
 }
 
-TEST_F(FailedTransfer, AnalyzerSilentAfterTheHandshakeTimesOut)
+TEST_P(FailedTransfer, EndsWithItsMessagesAndChangesNothingItShouldNot)
 {
-    download({"silent-after=GESI"});
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{TimeoutError});
-    EXPECT_EQ(run.progress.stages.back(), "Getting Checkitems");
-}
+    const auto &[link, failure] = GetParam();
+    const std::string before = KnownDataSet::snapshot(run.set), filesBefore = files();
+    run.progress.cancelAtPosition = failure.cancelAtPosition;
+    SimulatorUnderTest sim(link, memory, failure.faults);
+    ASSERT_TRUE(sim.ready());
 
-TEST_F(FailedTransfer, ShortBlockTimesOut)
-{
-    download({"short-block=1@GASQ"});
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{TimeoutError});
-    EXPECT_EQ(run.progress.stages.back(), "Getting Autosequences");
-}
-
-TEST_F(FailedTransfer, ConnectionClosedInTheMiddleOfADownload)
-{
-    download({"close-at-block=5@GTSP"});
-    EXPECT_EQ(run.messages.messages,
-              (std::vector<Message>{{"Ethernet Disconnection Error",
-                                     "An unexpected disconnection has occurred.\rOperation Canceled"},
-                                    TimeoutError}));
-    EXPECT_EQ(run.progress.stages.back(), "Getting Checklists");
-}
-
-TEST_F(FailedTransfer, CancelBetweenBlocksStopsTheDownload)
-{
-    run.progress.cancelAtPosition = 70; // half way through the checkitem blocks
-    download(std::vector<std::string>{});
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{OperationCancelled});
-    EXPECT_EQ(run.progress.stages.back(), "Getting Checkitems");
-}
-
-TEST_F(FailedTransfer, MissingSerialDevice)
-{
-    TempDir temp;
-    TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (temp / "no-such-tty").string()}});
-    download([](TcommSettings &settings) {
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = SimulatorUnderTest::PtyComPort;
-    });
-    EXPECT_EQ(run.messages.messages,
-              (std::vector<Message>{{"Serial Port Error", "Open Error!"},
-                                    transferBox("Exception", "Could not initialize connection.\nOperation Canceled.")}));
-    EXPECT_EQ(run.progress.stages.back(), "Initiating Handshake");
-}
-
-TEST_F(FailedTransfer, WrongBlockAckStopsTheUploadAndTheAnalyzerKeepsItsMemory)
-{
-    EXPECT_TRUE(upload({"bad-ack-block=10@PUIN"}).memoryFile() == memory.memoryFile());
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{CommunicationsFailed});
-    EXPECT_EQ(run.progress.stages.back(), "Putting Checkitems");
-}
-
-TEST_F(FailedTransfer, UnacknowledgedFirstBlockTimesOutTheUpload)
-{
-    EXPECT_TRUE(upload({"no-ack-block=0@PUIN"}).memoryFile() == memory.memoryFile());
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{TimeoutError});
-}
-
-TEST_F(FailedTransfer, ConnectionClosedInTheMiddleOfAnUpload)
-{
-    // The checkitems were stored before; the interrupted put changed nothing.
+    EXPECT_EQ(run.run(sim.job(failure.kind)), TtransferJob::Outcome::Failed);
+    EXPECT_THAT(run.messages.messages, ::testing::ElementsAreArray(link == Link::Tcp ? failure.overTcp : failure.overPty));
+    EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+    EXPECT_EQ(run.progress.stages.back(), failure.lastStage);
+    EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "containers changed";
+    EXPECT_TRUE(files() == filesBefore) << "files changed";
+    EXPECT_FALSE(std::filesystem::exists(run.set.dataFolder() / ".restore"));
     KnownImages expected = memory;
-    expected.checkitems = KnownDataSet::images(2).checkitems;
-    EXPECT_TRUE(upload({"close-at-block=3@PASQ"}).memoryFile() == expected.memoryFile());
-    // Whether the next block still goes out before the close is seen decides between
-    // a failed send and a missing acknowledgement; both end the upload there.
-    ASSERT_EQ(run.messages.messages.size(), 2u);
-    EXPECT_EQ(run.messages.messages[0], (Message{"Ethernet Disconnection Error",
-                                                 "An unexpected disconnection has occurred.\rOperation Canceled"}));
-    EXPECT_THAT(run.messages.messages[1], ::testing::AnyOf(TimeoutError, CommunicationsFailed));
-    EXPECT_EQ(run.progress.stages.back(), "Putting Autosequences");
+    if (failure.checkitemsStored)
+        expected.checkitems = KnownDataSet::images(2).checkitems;
+    EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == expected.memoryFile()) << "analyzer memory differs";
+}
+
+INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer,
+                         ::testing::Combine(::testing::Values(Link::Tcp, Link::Pty), ::testing::ValuesIn(Failures)),
+                         [](const auto &info) {
+                             return std::string(std::get<0>(info.param) == Link::Tcp ? "Tcp" : "Pty")
+                                 + std::get<1>(info.param).name;
+                         });
+
+// The port's own box, then the failure that ends each kind of transfer there.
+TEST(FailedTransferOverSerial, MissingDeviceShowsThePortsBoxThenTheConnectionFailure)
+{
+    const std::tuple<Kind, Message, const char *> cases[] = {
+        {Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."),
+         "Initiating Handshake"},
+        {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."),
+         "Initializing Serial Connection"},
+    };
+    for (const auto &[kind, failure, lastStage] : cases) {
+        JobRun run;
+        TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (run.appDir / "no-such-tty").string()}});
+        TtransferJob::Parameters parameters;
+        parameters.kind = kind;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = SimulatorUnderTest::PtyComPort;
+        EXPECT_EQ(run.run(parameters), TtransferJob::Outcome::Failed);
+        TCommPort::setPortOverrides({});
+        EXPECT_EQ(run.messages.messages, (std::vector<Message>{{"Serial Port Error", "Open Error!"}, failure}));
+        EXPECT_EQ(run.progress.stages.back(), lastStage);
+        EXPECT_FALSE(std::filesystem::exists(run.set.dataFile("mit.dat")));
+    }
 }

@@ -1,82 +1,25 @@
 #include "KnownDataSet.h"
 #include "ByteBuilder.h"
+#include "TransferImages.h"
 
 using ByteBuilder::putText;
 using ByteBuilder::putWord;
 
 namespace {
-constexpr std::size_t Checkitems = 1044, Checklists = 500, Inspections = 18, Testers = 5, PerTester = 12;
-
-struct CheckitemSeed {
-    bool free;
-    char category, opCode;
-    std::string text;
-};
-
-// Item lists end at the first 0, 0xFFFF after; a full list has no 0.
-struct RecordSeed {
-    std::string title1, title2;
-    std::vector<std::uint16_t> items;
-    std::uint16_t setting;
-};
-
-CheckitemSeed checkitem(std::size_t i, int seed)
-{
-    if (i % 5 == 4)
-        return {true, 0, 0, ""};
-    return {false, char('A' + (i + std::size_t(seed)) % 26), char('a' + (i * 7 + std::size_t(seed)) % 26),
-            "Check " + std::to_string(i) + "/" + std::to_string(seed) + "\t" + std::to_string(i * 13 % 997)};
-}
-
-std::vector<std::uint16_t> items(std::size_t n, std::size_t count, int seed)
-{
-    std::vector<std::uint16_t> list;
-    for (std::size_t k = 0; k < count; ++k)
-        list.push_back(std::uint16_t(1 + (n * 31 + k * 7 + std::size_t(seed)) % 1044));
-    return list;
-}
-
-RecordSeed checklist(std::size_t n, int seed)
-{
-    return {"Checklist " + std::to_string(n) + " of set " + std::to_string(seed), "",
-            items(n, (n + std::size_t(seed)) % 97, seed), std::uint16_t(n * 131 + std::size_t(seed))};
-}
-
-// k: 0..17 the inspections, then tester t sequence s at 18 + t * 12 + s.
-RecordSeed sequence(std::size_t k, int seed)
-{
-    std::string name = k < Inspections ? "Insp " + std::to_string(k)
-                                       : "T" + std::to_string((k - Inspections) / PerTester) + " seq "
-            + std::to_string((k - Inspections) % PerTester);
-    return {name + " s" + std::to_string(seed), "Sub " + std::to_string(k * 3 + std::size_t(seed)),
-            items(k, (k + std::size_t(seed)) % 25, seed), std::uint16_t((k + std::size_t(seed)) % 32)};
-}
-
-std::string testerName(std::size_t t, int seed)
-{
-    return "Bench tester " + std::to_string(t + 1) + "/" + std::to_string(seed);
-}
+constexpr std::size_t Checkitems = 1044, Checklists = 500, Sequences = 18 + 5 * 12, Testers = 5;
+constexpr char DefinedOpCodes[] = "ACDEIKLMPRT"; // those of the demo Data/*.in files
 
 std::string padded(const std::string &text, std::size_t width)
 {
     return (text + std::string(width, ' ')).substr(0, width);
 }
 
-void putItems(std::string &image, std::size_t offset, const std::vector<std::uint16_t> &list, std::size_t slots)
+// An item list of `count` items from slot offset on: 0 ends it, 0xFFFF fills after it.
+void putItems(std::string &image, std::size_t offset, std::size_t n, std::size_t count, std::size_t slots, int seed)
 {
     for (std::size_t k = 0; k < slots; ++k)
-        putWord(image, offset + 2 * k, k < list.size() ? list[k] : k == list.size() ? 0 : 0xFFFF);
-}
-
-void fillItems(std::uint16_t *target, const std::vector<std::uint16_t> &list, std::size_t slots)
-{
-    for (std::size_t k = 0; k < slots; ++k)
-        target[k] = k < list.size() ? list[k] : k == list.size() ? 0 : 0xFFFF;
-}
-
-std::size_t sequenceOffset(std::size_t k)
-{
-    return k < Inspections ? k * 88 : 1584 + (k - Inspections) * 88;
+        putWord(image, offset + 2 * k,
+                k < count ? std::uint16_t(1 + (n * 31 + k * 7 + std::size_t(seed)) % 1044) : k == count ? 0 : 0xFFFF);
 }
 
 template <typename T> void appendBytes(std::string &out, const T &record)
@@ -94,83 +37,56 @@ KnownImages KnownImages::fromMemoryFile(const std::string &bytes)
 
 KnownImages KnownDataSet::images(int seed)
 {
+    const std::size_t z = std::size_t(seed);
     KnownImages images{std::string(45936, '\0'), std::string(7128, '\0'), std::string(132000, '\0')};
-    // Checkitems: 44 bytes a slot; category, op code, 41 characters and a 0.
-    // A free slot is the cleared record: two zeros and 0xFF bytes.
+    // Checkitems: 44 bytes a slot; category, op code, 41 characters and a 0. Every
+    // fifth slot is free: the cleared record, two zeros and 0xFF bytes.
     for (std::size_t i = 0; i < Checkitems; ++i) {
-        CheckitemSeed item = checkitem(i, seed);
-        std::size_t at = i * 44;
-        if (item.free) {
+        const std::size_t at = i * 44;
+        if (i % 5 == 4) {
             putText(images.checkitems, at + 2, std::string(42, '\xFF'));
             continue;
         }
-        images.checkitems[at] = item.category;
-        images.checkitems[at + 1] = item.opCode;
-        putText(images.checkitems, at + 2, item.text);
+        images.checkitems[at] = char('A' + (i + z) % 26);
+        images.checkitems[at + 1] = DefinedOpCodes[(i * 7 + z) % (sizeof DefinedOpCodes - 1)];
+        putText(images.checkitems, at + 2,
+                "Check " + std::to_string(i) + "/" + std::to_string(seed) + "\t" + std::to_string(i * 13 % 997));
     }
     // Checklists: 264 bytes a slot; title 41 blanks-padded characters and a 0,
     // 96 items, setting; the last 28 bytes stay 0.
     for (std::size_t n = 0; n < Checklists; ++n) {
-        RecordSeed item = checklist(n, seed);
-        std::size_t at = n * 264;
-        putText(images.checklists, at, padded(item.title1, 41));
-        putItems(images.checklists, at + 42, item.items, 96);
-        putWord(images.checklists, at + 234, item.setting);
+        const std::size_t at = n * 264;
+        putText(images.checklists, at, padded("Checklist " + std::to_string(n) + " of set " + std::to_string(seed), 41));
+        putItems(images.checklists, at + 42, n, (n + z) % 97, 96, seed);
+        putWord(images.checklists, at + 234, std::uint16_t(n * 131 + z));
     }
-    // Autosequences: 88 bytes each; two titles of 18 blank-padded characters and a 0,
-    // 24 items, setting. Tester names: 20 blank-padded bytes and a 0.
-    for (std::size_t k = 0; k < Inspections + Testers * PerTester; ++k) {
-        RecordSeed item = sequence(k, seed);
-        std::size_t at = sequenceOffset(k);
-        putText(images.autosequences, at, padded(item.title1, 18));
-        putText(images.autosequences, at + 19, padded(item.title2, 18));
-        putItems(images.autosequences, at + 38, item.items, 24);
-        putWord(images.autosequences, at + 86, item.setting);
+    // Autosequences: the 18 inspections, then tester t's sequence s at 18 + t * 12 + s;
+    // 88 bytes each: two titles of 18 blank-padded characters and a 0, 24 items,
+    // setting. Tester names: 20 blank-padded bytes and a 0.
+    for (std::size_t k = 0; k < Sequences; ++k) {
+        const std::size_t at = k * 88;
+        const std::string name = k < 18 ? "Insp " + std::to_string(k)
+                                        : "T" + std::to_string((k - 18) / 12) + " seq " + std::to_string((k - 18) % 12);
+        putText(images.autosequences, at, padded(name + " s" + std::to_string(seed), 18));
+        putText(images.autosequences, at + 19, padded("Sub " + std::to_string(k * 3 + z), 18));
+        putItems(images.autosequences, at + 38, k, (k + z) % 25, 24, seed);
+        putWord(images.autosequences, at + 86, std::uint16_t((k + z) % 32));
     }
     for (std::size_t t = 0; t < Testers; ++t)
-        putText(images.autosequences, 6864 + t * 21, padded(testerName(t, seed), 20));
+        putText(images.autosequences, 6864 + t * 21,
+                padded("Bench tester " + std::to_string(t + 1) + "/" + std::to_string(seed), 20));
     return images;
 }
 
-void KnownDataSet::fill(DataSet &set, int seed)
+void KnownDataSet::fill(TdataSet &set, const KnownImages &known)
 {
-    set.checkitems.slots().assign(Checkitems, TInstr());
-    for (std::size_t i = 0; i < Checkitems; ++i) {
-        CheckitemSeed item = checkitem(i, seed);
-        if (!item.free)
-            set.checkitems[i].assign(item.category, item.opCode, item.text);
-    }
-    set.checklists.items.assign(Checklists, TTestProc());
-    for (std::size_t n = 0; n < Checklists; ++n) {
-        RecordSeed item = checklist(n, seed);
-        TTestProc &target = set.checklists.items[n];
-        std::string title = padded(item.title1, 41);
-        std::copy(title.begin(), title.end(), target.title);
-        target.title[41] = 0;
-        fillItems(target.items, item.items, 96);
-        target.setting = item.setting;
-    }
-    auto makeSequence = [seed](std::size_t k) {
-        RecordSeed item = sequence(k, seed);
-        Tautosequence target;
-        Tautosequence::setTitle(target.title1, item.title1);
-        Tautosequence::setTitle(target.title2, item.title2);
-        fillItems(target.items, item.items, 24);
-        target.setting = item.setting;
-        return target;
-    };
-    set.inspections.clear();
-    for (std::size_t k = 0; k < Inspections; ++k)
-        set.inspections.push_back(makeSequence(k));
-    set.testers.assign(Testers, TuserTester());
-    for (std::size_t t = 0; t < Testers; ++t) {
-        set.testers[t].name = testerName(t, seed);
-        for (std::size_t s = 0; s < PerTester; ++s)
-            set.testers[t].sequences.push_back(makeSequence(Inspections + t * PerTester + s));
-    }
+    auto bytes = [](const std::string &image) { return reinterpret_cast<const std::uint8_t *>(image.data()); };
+    TransferImages::unpackCheckitems(bytes(known.checkitems), set.checkitems);
+    TransferImages::unpackChecklists(bytes(known.checklists), set.checklists);
+    TransferImages::unpackAutosequences(bytes(known.autosequences), set.inspections, set.userTesters);
 }
 
-std::string KnownDataSet::snapshot(const DataSet &set)
+std::string KnownDataSet::snapshot(const TdataSet &set)
 {
     std::string out;
     for (const TInstr &slot : set.checkitems.slots())
@@ -181,7 +97,7 @@ std::string KnownDataSet::snapshot(const DataSet &set)
     out += "|";
     for (const Tautosequence &inspection : set.inspections)
         appendBytes(out, inspection);
-    for (const TuserTester &tester : set.testers) {
+    for (const TuserTester &tester : set.userTesters) {
         out += "|" + tester.name + "|";
         for (const Tautosequence &sequence : tester.sequences)
             appendBytes(out, sequence);

@@ -1,9 +1,9 @@
 #pragma once
-// A data set whose every record is known from a seed, written two ways: as the
-// analyzer's memory bytes laid out by hand from the documented block layouts, and
-// as the PC-side containers. Both describe the same clean records, so what the
-// cleaning copies of a download produce equals the containers built here.
-#include "../transfer/TransferFixtures.h"
+// A data set whose every record is known from a seed: the analyzer's memory bytes
+// laid out by hand from the documented block layouts, and the PC-side containers
+// read from them. The records are clean, so an upload of the containers sends the
+// same bytes back. Every used checkitem has an op code of the demo definition files.
+#include "TdataSet.h"
 #include <string>
 
 struct KnownImages {
@@ -19,7 +19,8 @@ struct KnownImages {
 class KnownDataSet {
 public:
     static KnownImages images(int seed);
-    static void fill(DataSet &set, int seed);
+    static void fill(TdataSet &set, int seed) { fill(set, images(seed)); }
+    static void fill(TdataSet &set, const KnownImages &known);
     // Every byte of the containers (record by record) and the tester names, for equality checks.
-    static std::string snapshot(const DataSet &set);
+    static std::string snapshot(const TdataSet &set);
 };

@@ -1,12 +1,7 @@
 #include "SimulatorUnderTest.h"
 #include "LoopbackAddress.h"
 #include "TCommPort.h"
-#include <chrono>
-#include <thread>
-
-namespace {
-constexpr int ConnectAttempts = 1000; // 5 s of 5 ms probes at most
-}
+#include <cstdio>
 
 SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults,
                                        int baud)
@@ -26,8 +21,8 @@ SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, con
     for (const std::string &fault : faults)
         arguments.insert(arguments.end(), {"--fault", fault});
     m_process = std::make_unique<TsimProcess>(arguments);
-    // A terminal has nothing to connect to: its link exists once "ready" is logged.
-    m_ready = link == Link::Tcp ? waitListening() : m_process->waitForLog("ready");
+    // Its links exist once "ready" is logged.
+    m_ready = m_process->waitForLog("ready");
 }
 
 SimulatorUnderTest::~SimulatorUnderTest()
@@ -37,30 +32,20 @@ SimulatorUnderTest::~SimulatorUnderTest()
         TCommPort::setPortOverrides({});
 }
 
-bool SimulatorUnderTest::waitListening()
+TtransferJob::Parameters SimulatorUnderTest::job(TtransferJob::Kind kind, std::uint8_t selection) const
 {
-    for (int attempt = 0; attempt < ConnectAttempts; ++attempt) {
-        if (TrawClient::connectTcp(m_address, 60601).isOpen())
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
-}
-
-void SimulatorUnderTest::aim(TcommSettings &settings) const
-{
+    TtransferJob::Parameters parameters;
+    parameters.kind = kind;
+    parameters.selection = selection;
     if (m_link == Link::Pty) {
-        settings.method = std::uint8_t(TcommMethod::Serial);
-        settings.serialPort = PtyComPort;
-        return;
+        parameters.method = TcommMethod::Serial;
+        parameters.serialPort = PtyComPort;
+        return parameters;
     }
-    settings.method = std::uint8_t(TcommMethod::Ethernet);
-    std::size_t from = 0;
-    for (int i = 0; i < 4; ++i) {
-        std::size_t dot = m_address.find('.', from);
-        settings.ip[i] = std::stoi(m_address.substr(from, dot - from));
-        from = dot + 1;
-    }
+    parameters.method = TcommMethod::Ethernet;
+    std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2],
+                &parameters.ip[3]);
+    return parameters;
 }
 
 KnownImages SimulatorUnderTest::stopAndReadMemory()

@@ -2,11 +2,10 @@
 // The real kt930sim for one test: its own memory file (written from known images)
 // in a temporary folder, and its own link — a fresh loopback address on port 60601
 // or a pseudo-terminal reached as a COM port through the port overrides.
-#include "TrawClient.h"
 #include "TsimProcess.h"
 #include "KnownDataSet.h"
 #include "TempDir.h"
-#include "TcommSettings.h"
+#include "TtransferJob.h"
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -22,10 +21,10 @@ public:
                        int baud = 0);
     ~SimulatorUnderTest();
 
-    // True once the simulator takes connections (TCP: a probe connect succeeded).
+    // True once the simulator takes connections.
     bool ready() const { return m_ready; }
-    // Points a transfer record's settings at this simulator.
-    void aim(TcommSettings &settings) const;
+    // The parameters of a job aimed at this simulator.
+    TtransferJob::Parameters job(TtransferJob::Kind kind, std::uint8_t selection = SelectAll) const;
     // Stops the simulator (so every put it acknowledged is on disk) and reads its memory file.
     KnownImages stopAndReadMemory();
     TsimProcess &process() { return *m_process; }
@@ -35,8 +34,6 @@ public:
     static std::string freshAddress();
 
 private:
-    bool waitListening();
-
     TempDir m_temp;
     Link m_link;
     std::string m_address;

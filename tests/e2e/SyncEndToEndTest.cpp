@@ -1,55 +1,57 @@
-// The checkitem sync worker against the real simulator, over TCP and over a
+// The checkitem sync job against the real simulator, over TCP and over a
 // pseudo-terminal (where a 4224-byte chunk is more than the terminal queues),
 // unpaced and at the analyzer's 19200 baud.
-#include "TransferRun.h"
+#include "JobRun.h"
+#include "KnownDataSet.h"
+#include "SimulatorUnderTest.h"
+#include "TransferMessages.h"
+#include "TrestorePoints.h"
 #include <gtest/gtest.h>
 
 namespace {
-void syncReplacesTheDatabase(SimulatorUnderTest::Link link, int baud = 0)
+using Link = SimulatorUnderTest::Link;
+
+struct Line {
+    Link link;
+    int baud;
+};
+
+class SyncEndToEnd : public ::testing::TestWithParam<Line> {};
+}
+
+TEST_P(SyncEndToEnd, CheckitemImageReplacesTheDatabaseAloneAndIsSavedWithARestorePoint)
 {
+    JobRun run;
+    KnownDataSet::fill(run.set, 2);
+    ASSERT_TRUE(run.set.backup());
+    const std::string others = KnownDataSet::snapshot(run.set).substr(TInstrDatabase::SlotCount * sizeof(TInstr));
     const KnownImages memory = KnownDataSet::images(4);
-    SimulatorUnderTest sim(link, memory, {}, baud);
+    SimulatorUnderTest sim(GetParam().link, memory, {}, GetParam().baud);
     ASSERT_TRUE(sim.ready());
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    auto record = std::make_unique<TsyncCommStruct>();
-    sim.aim(record->settings);
-    TinstSyncThread worker(&progress, &messages, record.get());
-    // 45936 bytes at 1920 bytes a second take 24 s.
-    ASSERT_TRUE(runToEnd(worker, baud ? 60000 : 20000));
+    ASSERT_EQ(run.run(sim.job(TtransferJob::Kind::Sync)), TtransferJob::Outcome::Completed);
 
-    EXPECT_TRUE(messages.messages.empty()) << messages.messages.front().text;
-    const std::string method = link == SimulatorUnderTest::Link::Tcp ? "Ethernet" : "Serial";
-    EXPECT_EQ(progress.stages, (std::vector<std::string>{"Requesting " + method + " Connection",
-                                                         "Initializing " + method + " Connection", "Sending Handshake",
-                                                         "Handshake Valid - Beginning Download",
-                                                         "Sending Request for Data", "Transfer Complete"}));
+    EXPECT_EQ(run.messages.messages, std::vector<Message>{});
+    const std::string method = GetParam().link == Link::Tcp ? "Ethernet" : "Serial";
+    EXPECT_EQ(run.progress.stages, (std::vector<std::string>{"Requesting " + method + " Connection",
+                                                             "Initializing " + method + " Connection",
+                                                             "Sending Handshake", "Handshake Valid - Beginning Download",
+                                                             "Sending Request for Data", "Transfer Complete"}));
     // Eleven chunks of 4224 bytes, two points each.
-    EXPECT_EQ(progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
-    EXPECT_EQ(progress.results, std::vector<TransferResult>{TransferResult::Ok});
-    EXPECT_TRUE(bytesOf(record->area, 45936) == memory.checkitems);
-    EXPECT_TRUE(bytesOf(record->area + 45936, sizeof record->area - 45936) == std::string(67584 - 45936, '\0'));
-
-    DataSet expected, synced;
-    KnownDataSet::fill(expected, 4);
-    synced.checkitems[7].assign('Q', 'q', "replaced by the sync");
-    record->copyInto(synced.checkitems);
-    EXPECT_TRUE(KnownDataSet::snapshot(synced) == KnownDataSet::snapshot(DataSet{expected.checkitems, {}, {}, {}}));
-}
+    EXPECT_EQ(run.progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
+    const std::string synced = KnownDataSet::snapshot(run.set);
+    EXPECT_TRUE(synced.substr(0, memory.checkitems.size()) == memory.checkitems);
+    EXPECT_TRUE(synced.substr(memory.checkitems.size()) == others) << "more than the checkitems changed";
+    EXPECT_TRUE(run.file("mit.dat") == memory.checkitems);
+    const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
+    ASSERT_EQ(points.size(), 1u);
+    EXPECT_EQ(points[0].action, "sync");
+    EXPECT_EQ(points[0].files, std::vector<std::string>{"mit.dat"});
 }
 
-TEST(SyncEndToEnd, CheckitemImageArrivesAndReplacesTheDatabase)
-{
-    syncReplacesTheDatabase(SimulatorUnderTest::Link::Tcp);
-}
-
-TEST(SyncEndToEnd, CheckitemImageArrivesOverASerialLine)
-{
-    syncReplacesTheDatabase(SimulatorUnderTest::Link::Pty);
-}
-
-// Each 4224-byte chunk needs 2.2 s of line time, more than 40 polls of 50 ms.
-TEST(SyncEndToEnd, CheckitemImageArrivesOverA19200BaudLine)
-{
-    syncReplacesTheDatabase(SimulatorUnderTest::Link::Pty, 19200);
-}
+// At 19200 baud each 4224-byte chunk needs 2.2 s of line time, more than 40 polls of 50 ms.
+INSTANTIATE_TEST_SUITE_P(EachLine, SyncEndToEnd,
+                         ::testing::Values(Line{Link::Tcp, 0}, Line{Link::Pty, 0}, Line{Link::Pty, 19200}),
+                         [](const ::testing::TestParamInfo<Line> &info) {
+                             return info.param.link == Link::Tcp ? std::string("Tcp")
+                                                                 : "Pty" + std::to_string(info.param.baud);
+                         });

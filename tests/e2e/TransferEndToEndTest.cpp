@@ -1,139 +1,131 @@
-// The real download and upload workers against the real simulator, over loopback
-// TCP and over a pseudo-terminal: every byte that arrives is compared with the
-// known data set it came from.
-#include "TransferRun.h"
-#include <cstring>
+// Download, upload and verify jobs against the real simulator, over loopback TCP
+// and over a pseudo-terminal: every byte that arrives, in the data set, in its
+// files and in the analyzer's memory, is compared with the known set it came from.
+#include "JobRun.h"
+#include "KnownDataSet.h"
+#include "SimulatorUnderTest.h"
+#include "TransferMessages.h"
+#include "TrestorePoints.h"
 #include <gtest/gtest.h>
 
 namespace {
 using Link = SimulatorUnderTest::Link;
+using Kind = TtransferJob::Kind;
+using Outcome = TtransferJob::Outcome;
 constexpr int AnalyzerSeed = 1, PcSeed = 2;
 
-std::vector<std::string> stagesFor(bool upload, std::uint8_t selection)
+struct Case {
+    Link link;
+    std::uint8_t selection;
+};
+
+std::vector<std::string> stagesFor(const std::string &verb, std::uint8_t selection)
 {
-    const char *verb = upload ? "Putting " : "Getting ";
     std::vector<std::string> stages{"Initializing", "Initiating Handshake"};
-    if (selection & SelectCheckitems)
-        stages.push_back(verb + std::string("Checkitems"));
-    if (selection & SelectAutosequences)
-        stages.push_back(verb + std::string("Autosequences"));
-    if (selection & SelectChecklists)
-        stages.push_back(verb + std::string("Checklists"));
+    for (const auto &[bit, name] : {std::pair{SelectCheckitems, "Checkitems"},
+                                    std::pair{SelectAutosequences, "Autosequences"}, std::pair{SelectChecklists, "Checklists"}})
+        if (selection & bit)
+            stages.push_back(verb + name);
     stages.push_back("Completed!");
     return stages;
 }
 
-// What the containers hold after a download: the analyzer's sets where selected,
-// the PC's own elsewhere.
-std::string expectedContainers(std::uint8_t selection)
-{
-    DataSet expected, analyzer;
-    KnownDataSet::fill(expected, PcSeed);
-    KnownDataSet::fill(analyzer, AnalyzerSeed);
-    if (selection & SelectCheckitems)
-        expected.checkitems = analyzer.checkitems;
-    if (selection & SelectChecklists)
-        expected.checklists = analyzer.checklists;
-    if (selection & SelectAutosequences) {
-        expected.inspections = analyzer.inspections;
-        expected.testers = analyzer.testers;
+class EndToEnd : public ::testing::TestWithParam<Case> {
+protected:
+    void SetUp() override { KnownDataSet::fill(run.set, PcSeed); }
+    std::uint8_t selection() const { return GetParam().selection; }
+    // The areas of `moved` where selected, those of `kept` elsewhere.
+    KnownImages selected(const KnownImages &moved, const KnownImages &kept) const
+    {
+        return {(selection() & SelectCheckitems ? moved : kept).checkitems,
+                (selection() & SelectAutosequences ? moved : kept).autosequences,
+                (selection() & SelectChecklists ? moved : kept).checklists};
     }
-    return KnownDataSet::snapshot(expected);
+    const KnownImages analyzer = KnownDataSet::images(AnalyzerSeed);
+    const KnownImages pc = KnownDataSet::images(PcSeed);
+    JobRun run;
+};
+
+std::string caseName(const ::testing::TestParamInfo<Case> &info)
+{
+    const char *const selections[] = {"", "Checkitems", "Checklists", "", "Autosequences", "", "", "All"};
+    return (info.param.link == Link::Tcp ? "Tcp" : "Pty") + std::string(selections[info.param.selection]);
+}
 }
 
-void checkDownload(Link link, std::uint8_t selection)
+TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithARestorePoint)
 {
-    const KnownImages memory = KnownDataSet::images(AnalyzerSeed);
-    SimulatorUnderTest sim(link, memory);
+    ASSERT_TRUE(run.set.backup());
+    SimulatorUnderTest sim(GetParam().link, analyzer);
     ASSERT_TRUE(sim.ready()) << sim.process().log();
-    TransferRun run;
-    KnownDataSet::fill(run.set, PcSeed);
-    auto record = run.downloadRecord(selection);
-    sim.aim(record->settings());
-    std::memset(record->data.checkitems, 0x5A, sizeof record->data.checkitems);
-    std::memset(record->data.checklists, 0x5A, sizeof record->data.checklists);
-    std::memset(record->data.autosequences, 0x5A, sizeof record->data.autosequences);
+    ASSERT_EQ(run.run(sim.job(Kind::Download, selection())), Outcome::Completed);
 
-    TdownloadThread worker(&run.context, &run.progress, &run.messages, record.get());
-    ASSERT_TRUE(runToEnd(worker));
-
-    EXPECT_TRUE(run.messages.messages.empty()) << run.messages.messages.front().text;
-    EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Ok});
-    EXPECT_EQ(run.progress.stages, stagesFor(false, selection));
-    EXPECT_EQ(run.progress.positions.back(), 100);
-    if (selection == SelectAll) { // each get moves the bar through 25, 50 and 90
+    EXPECT_EQ(run.messages.messages, std::vector<Message>{});
+    EXPECT_EQ(run.progress.stages, stagesFor("Getting ", selection()));
+    if (selection() == SelectAll) { // each get moves the bar through 25, 50 and 90
         const auto &p = run.progress.positions;
         ASSERT_GE(p.size(), 6u);
         EXPECT_EQ(std::vector<int>(p.begin(), p.begin() + 5), (std::vector<int>{25, 50, 90, 25, 50}));
         EXPECT_EQ(std::vector<int>(p.end() - 2, p.end()), (std::vector<int>{90, 100}));
     }
-    auto area = [&](std::uint8_t bit, const std::uint8_t *bytes, const std::string &analyzer) {
-        return bytesOf(bytes, analyzer.size()) == (selection & bit ? analyzer : std::string(analyzer.size(), '\x5A'));
-    };
-    EXPECT_TRUE(area(SelectCheckitems, record->data.checkitems, memory.checkitems));
-    EXPECT_TRUE(area(SelectChecklists, record->data.checklists, memory.checklists));
-    EXPECT_TRUE(area(SelectAutosequences, record->data.autosequences, memory.autosequences));
-    EXPECT_TRUE(KnownDataSet::snapshot(run.set) == expectedContainers(selection));
+    TdataSet expected({}, run.messages);
+    KnownDataSet::fill(expected, selected(analyzer, pc));
+    EXPECT_TRUE(KnownDataSet::snapshot(run.set) == KnownDataSet::snapshot(expected)) << "containers differ";
+    EXPECT_TRUE(run.file("mit.dat") == selected(analyzer, pc).checkitems);
+    const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
+    ASSERT_EQ(points.size(), 1u);
+    EXPECT_EQ(points[0].action, "download");
+    EXPECT_TRUE(TempDir::read(points[0].folder / "mit.dat") == pc.checkitems);
 }
 
-void checkUpload(Link link, std::uint8_t selection)
+TEST_P(EndToEnd, UploadLeavesExactlyTheSelectedAreasInTheAnalyzerMemoryAndVerifySeesWhatItHolds)
 {
-    const KnownImages before = KnownDataSet::images(AnalyzerSeed);
-    const KnownImages sent = KnownDataSet::images(PcSeed);
-    SimulatorUnderTest sim(link, before);
+    SimulatorUnderTest sim(GetParam().link, analyzer);
     ASSERT_TRUE(sim.ready()) << sim.process().log();
-    TransferRun run;
-    KnownDataSet::fill(run.set, PcSeed);
-    auto record = run.uploadRecord(selection);
-    sim.aim(record->settings());
+    ASSERT_EQ(run.run(sim.job(Kind::Upload, selection())), Outcome::Completed);
+    EXPECT_EQ(run.messages.messages, std::vector<Message>{});
+    EXPECT_EQ(run.progress.stages, stagesFor("Putting ", selection()));
 
-    TuploadThread worker(&run.context, &run.progress, &run.messages, record.get());
-    ASSERT_TRUE(runToEnd(worker));
+    // Only a full upload leaves nothing for the verify to find.
+    const std::string before = KnownDataSet::snapshot(run.set);
+    EXPECT_EQ(run.run(sim.job(Kind::Verify)), selection() == SelectAll ? Outcome::Completed : Outcome::Differs)
+        << run.difference;
+    EXPECT_EQ(run.messages.messages, std::vector<Message>{});
+    EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "a verify changed the data set";
 
-    EXPECT_TRUE(run.messages.messages.empty()) << run.messages.messages.front().text;
-    EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Ok});
-    EXPECT_EQ(run.progress.stages, stagesFor(true, selection));
-    const KnownImages after = sim.stopAndReadMemory();
-    ASSERT_EQ(after.memoryFile().size(), before.memoryFile().size());
-    EXPECT_TRUE(after.checkitems == (selection & SelectCheckitems ? sent : before).checkitems);
-    EXPECT_TRUE(after.checklists == (selection & SelectChecklists ? sent : before).checklists);
-    EXPECT_TRUE(after.autosequences == (selection & SelectAutosequences ? sent : before).autosequences);
+    EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == selected(pc, analyzer).memoryFile());
 }
 
-class TcpTransfer : public ::testing::TestWithParam<std::uint8_t> {};
+INSTANTIATE_TEST_SUITE_P(EachSelectionAndLink, EndToEnd,
+                         ::testing::Values(Case{Link::Tcp, SelectAll}, Case{Link::Tcp, SelectCheckitems},
+                                           Case{Link::Tcp, SelectChecklists}, Case{Link::Tcp, SelectAutosequences},
+                                           Case{Link::Pty, SelectAll}),
+                         caseName);
 
-std::string selectionName(const ::testing::TestParamInfo<std::uint8_t> &info)
+TEST(DownloadJob, UnknownOpCodesAreMarkedWarnedAboutOnceAndSavedRepaired)
 {
-    switch (info.param) {
-    case SelectCheckitems: return "Checkitems";
-    case SelectChecklists: return "Checklists";
-    case SelectAutosequences: return "Autosequences";
-    default: return "All";
-    }
-}
-}
+    KnownImages memory = KnownDataSet::images(AnalyzerSeed);
+    memory.checkitems[0 * 44 + 1] = 'z';
+    memory.checkitems[7 * 44 + 1] = 'y';
+    SimulatorUnderTest sim(Link::Tcp, memory);
+    ASSERT_TRUE(sim.ready());
+    JobRun run;
+    ASSERT_EQ(run.run(sim.job(Kind::Download)), Outcome::Completed);
 
-TEST_P(TcpTransfer, DownloadBringsTheAnalyzerMemoryIntoRecordAndContainers)
-{
-    checkDownload(Link::Tcp, GetParam());
-}
-
-TEST_P(TcpTransfer, UploadLeavesExactlyThePackedAreasInTheAnalyzerMemory)
-{
-    checkUpload(Link::Tcp, GetParam());
-}
-
-INSTANTIATE_TEST_SUITE_P(EachSelection, TcpTransfer,
-                         ::testing::Values(std::uint8_t(SelectAll), std::uint8_t(SelectCheckitems),
-                                           std::uint8_t(SelectChecklists), std::uint8_t(SelectAutosequences)),
-                         selectionName);
-
-TEST(PtyTransfer, FullDownloadOverASerialLine)
-{
-    checkDownload(Link::Pty, SelectAll);
-}
-
-TEST(PtyTransfer, FullUploadOverASerialLine)
-{
-    checkUpload(Link::Pty, SelectAll);
+    ASSERT_EQ(run.messages.messages.size(), 1u);
+    const Message &warning = run.messages.messages[0];
+    EXPECT_EQ(warning.caption, "UNRECOGNIZED OP CODE");
+    EXPECT_EQ(warning.icon, MsgIcon::Exclamation);
+    EXPECT_EQ(warning.buttons, MsgButtons::Ok);
+    EXPECT_EQ(warning.text.rfind("ATTENTION!!\nDO NOT UPLOAD ANY DATA TO THE ANALYZER!!\n\n"
+                                 "One or more checkitems contain unrecognized op codes.",
+                                 0),
+              0u);
+    // The marker, blank-padded to the full 41 characters of the text field.
+    const std::string marker = "**!!**UNRECOGNIZED OP CODE**!!**         ";
+    EXPECT_EQ(run.set.checkitems[0].commandText(), marker);
+    EXPECT_EQ(run.set.checkitems[7].commandText(), marker);
+    const std::string saved = run.file("mit.dat");
+    EXPECT_EQ(saved.substr(7 * 44 + 2, 42), marker + '\0');
+    EXPECT_EQ(saved.substr(44, 6 * 44), memory.checkitems.substr(44, 6 * 44));
 }

@@ -1,29 +1,25 @@
 #include "../comm/FakeUsbDevice.h"
 #include "ByteBuilder.h"
-#include "RecordingMessageSink.h"
-#include "RecordingProgressSink.h"
-#include "TransferFixtures.h"
+#include "JobRun.h"
+#include "TtransferJob.h"
 #include "TransferMessages.h"
 #include "Thrown.h"
 #include "TransferWorkers.h"
 #include <gtest/gtest.h>
-#include <functional>
 #include <memory>
 
 namespace {
-struct SyncRun {
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    std::unique_ptr<TsyncCommStruct> record = std::make_unique<TsyncCommStruct>();
-    void run()
-    {
-        TinstSyncThread worker(&progress, &messages, record.get());
-        worker.start();
-        worker.wait();
-    }
-};
+using Kind = TtransferJob::Kind;
 
-// The sync worker over a fake USB line whose analyzer (vendor 0x0403) answers the
+TtransferJob::Parameters job(Kind kind, TcommMethod method = TcommMethod::USB)
+{
+    TtransferJob::Parameters parameters;
+    parameters.kind = kind;
+    parameters.method = method;
+    return parameters;
+}
+
+// The sync job over a fake USB line whose analyzer (vendor 0x0403) answers the
 // handshake and then sends `data`, perPoll bytes a poll when perPoll is set.
 struct SyncWorker : ::testing::Test {
     void answer(const std::string &data, std::size_t perPoll = 0)
@@ -33,53 +29,45 @@ struct SyncWorker : ::testing::Test {
         fake.script->perPoll = perPoll;
     }
     FakeUsbInstalled fake;
-    SyncRun sync;
+    JobRun sync;
 };
 }
 
 TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
 {
-    DataSet set;
-    RecordingProgressSink progress;
-    TdownloadCommStruct download(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    auto upload = std::make_unique<TuploadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    TsyncCommStruct sync;
-    int context = 0;
-    const std::pair<std::function<void()>, const char *> cases[] = {
-        {[&] { TdownloadThread(nullptr, &progress, nullptr, &download); }, "Invalid Arguments For TdownloadThread"},
-        {[&] { TuploadThread(&context, nullptr, nullptr, upload.get()); }, "Invalid Arguments For TuploadThread"},
-        {[&] { TinstSyncThread(nullptr, nullptr, &sync); }, "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)"},
+    RecordingMessageSink messages;
+    TdataSet set({}, messages);
+    const std::pair<Kind, const char *> cases[] = {
+        {Kind::Download, "Invalid Arguments For TdownloadThread"},
+        {Kind::Upload, "Invalid Arguments For TuploadThread"},
+        {Kind::Verify, "Invalid Arguments For TdownloadThread"},
     };
-    for (const auto &[construct, text] : cases) {
-        auto e = thrown<std::invalid_argument>(construct);
+    for (const auto &[kind, text] : cases) {
+        TtransferJob::Parameters parameters;
+        parameters.kind = kind;
+        parameters.data = &set;
+        TtransferJob job(parameters, messages);
+        RecordingProgressSink progress;
+        auto e = thrown<std::invalid_argument>([&] { job.makeWorker(progress); });
         EXPECT_STREQ(e ? e->what() : "no exception", text);
     }
+    TsyncCommStruct sync;
+    auto e = thrown<std::invalid_argument>([&] { TinstSyncThread(nullptr, nullptr, &sync); });
+    EXPECT_STREQ(e ? e->what() : "no exception", "Invalid Arguments For TinstSyncThread(bool, TfrmProgress)");
 }
 
 TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
 {
-    const Message invalidState = transferBox("Error", "Invalid State!\nOperation Cancelled.");
-    DataSet set;
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
-    int context = 0;
-    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers, &set.inspections);
-    record->settings().method = 3;
-    TdownloadThread worker(&context, &progress, &messages, record.get());
-    worker.start();
-    worker.wait();
-    EXPECT_EQ(messages.messages, std::vector<Message>{invalidState});
-    EXPECT_TRUE(progress.cancelled);
-    EXPECT_EQ(progress.results, std::vector<TransferResult>{TransferResult::Cancel});
-    EXPECT_EQ(progress.stages, std::vector<std::string>{"Initializing"});
-
-    SyncRun sync;
-    sync.record->settings.method = 3;
-    sync.run();
-    EXPECT_EQ(sync.messages.messages, std::vector<Message>{invalidState});
-    EXPECT_TRUE(sync.progress.cancelled);
-    EXPECT_TRUE(sync.progress.stages.empty());
-    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+    const std::pair<Kind, std::vector<std::string>> cases[] = {{Kind::Download, {"Initializing"}}, {Kind::Sync, {}}};
+    for (const auto &[kind, stages] : cases) {
+        JobRun run;
+        EXPECT_EQ(run.run(job(kind, TcommMethod(3))), TtransferJob::Outcome::Failed);
+        EXPECT_EQ(run.messages.messages,
+                  std::vector<Message>{transferBox("Error", "Invalid State!\nOperation Cancelled.")});
+        EXPECT_TRUE(run.progress.cancelled);
+        EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
+        EXPECT_EQ(run.progress.stages, stages);
+    }
 }
 
 TEST_F(SyncWorker, UsbSkipsDevicesOfOtherVendors)
@@ -88,20 +76,19 @@ TEST_F(SyncWorker, UsbSkipsDevicesOfOtherVendors)
     checkitems.replace(1043 * 44, 44, ByteBuilder::checkitem('Z', 'L', "Leakage\t500"));
     answer(checkitems);
     fake.script->vendors = {0x1234, 0x0403};
-    sync.run();
+    EXPECT_EQ(sync.run(job(Kind::Sync)), TtransferJob::Outcome::Completed);
     EXPECT_TRUE(sync.messages.messages.empty());
     EXPECT_EQ(fake.script->calls, (std::vector<std::string>{"open #0", "close", "open #1", "close"}));
     EXPECT_EQ(fake.script->written, "GESI\rGUIN\r");
     EXPECT_EQ(sync.progress.stages.front(), "Requesting USB Handle");
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(sync.record->area), 45936), checkitems);
-    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
+    EXPECT_EQ(sync.file("mit.dat").substr(1043 * 44), checkitems.substr(1043 * 44));
 }
 
 TEST_F(SyncWorker, UsbWithoutDevicesOrAnalyzer)
 {
-    sync.run();
+    sync.run(job(Kind::Sync));
     fake.script->vendors = {0x1234};
-    sync.run();
+    sync.run(job(Kind::Sync));
     EXPECT_EQ(sync.messages.messages,
               (std::vector<Message>{
                   transferBox("Device Not Detected",
@@ -114,48 +101,20 @@ TEST_F(SyncWorker, UnplugIsACommunicationsError)
 {
     answer("");
     fake.script->gone = true;
-    sync.run();
+    sync.run(job(Kind::Sync));
     EXPECT_EQ(sync.messages.messages,
               std::vector<Message>{transferBox("Invalid Handshake Received.",
                                                "A communications error occurred.\r\rOperation Canceled.")});
     EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
 }
 
-// A slow line: a chunk takes longer than 40 polls to arrive. Only polls that bring
-// no new byte count against the 40.
-TEST_F(SyncWorker, ChunkThatKeepsArrivingIsWaitedFor)
-{
-    std::string checkitems(45936, '\0');
-    for (std::size_t slot = 0; slot < 1044; slot += 7)
-        checkitems.replace(slot * 44, 44, ByteBuilder::checkitem('A', 'P', "Slot " + std::to_string(slot)));
-    answer(checkitems, 100); // 43 polls a chunk
-    sync.run();
-    EXPECT_TRUE(sync.messages.messages.empty()) << sync.messages.messages.front().caption;
-    EXPECT_TRUE(std::string(reinterpret_cast<char *>(sync.record->area), 45936) == checkitems);
-    EXPECT_EQ(sync.progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
-    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Ok});
-}
-
-TEST_F(SyncWorker, SilenceEndsAChunkAfterFortyPollsWithoutANewByte)
-{
-    answer(std::string(1000, 'x'), 100);
-    sync.run();
-    // 3 polls bring the handshake (and 36 bytes of data), 10 more the rest of the
-    // 1000 bytes, then 40 bring nothing.
-    EXPECT_EQ(fake.script->polls, 3 + 10 + 40);
-    EXPECT_EQ(sync.messages.messages,
-              std::vector<Message>{transferBox("Data Transfer Timed Out.",
-                                               "A communications timeout occurred.\r\rOperation Canceled.")});
-    EXPECT_EQ(sync.progress.positions, std::vector<int>{50});
-    EXPECT_EQ(sync.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
-}
-
+// Unlike a data chunk (see the 19200-baud sync against the simulator), a handshake
+// gets 40 polls however many bytes they bring.
 TEST_F(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
 {
     answer({}, 100);
     fake.script->incoming = std::string(200, 'H'); // less than a handshake reply
-    sync.run();
-    // The handshake keeps its 40 polls, growing or not.
+    sync.run(job(Kind::Sync));
     EXPECT_EQ(fake.script->polls, 40);
     EXPECT_EQ(sync.messages.messages,
               std::vector<Message>{transferBox("Handshake Request Timed Out.",

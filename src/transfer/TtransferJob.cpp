@@ -1,0 +1,149 @@
+#include "TtransferJob.h"
+#include "TransferWorkers.h"
+#include "TuploadVerifier.h"
+#include <QEventLoop>
+#include <atomic>
+#include <stdexcept>
+
+// Passes everything on and keeps the result, which not every sink tells.
+class TtransferJob::ResultWatch : public ProgressSink {
+public:
+    explicit ResultWatch(ProgressSink &sink) : m_sink(sink) {}
+    void setStage(const std::string &text) override { m_sink.setStage(text); }
+    void setPosition(int percent) override { m_sink.setPosition(percent); }
+    bool isCancelled() const override { return m_sink.isCancelled(); }
+    void setCancelled() override { m_sink.setCancelled(); }
+    void setResult(TransferResult result) override
+    {
+        m_result = result;
+        m_sink.setResult(result);
+    }
+    bool completed() const { return m_result == TransferResult::Ok; }
+
+private:
+    ProgressSink &m_sink;
+    std::atomic<TransferResult> m_result{TransferResult::None};
+};
+
+TtransferJob::TtransferJob(const Parameters &parameters, MessageSink &messages)
+    : m_parameters(parameters), m_messages(messages)
+{
+    TdataSet *data = parameters.data;
+    if (!data)
+        throw std::invalid_argument("A transfer needs a data set");
+    TcommSettings settings;
+    settings.kind = std::uint8_t(parameters.kind == Kind::Upload ? TtransferKind::Upload : TtransferKind::Download);
+    settings.method = std::uint8_t(parameters.method);
+    settings.serialPort = parameters.serialPort;
+    for (std::size_t i = 0; i < 4; ++i)
+        settings.ip[i] = parameters.ip[i];
+    settings.hostValue = parameters.hostValue;
+    switch (parameters.kind) {
+    case Kind::Sync:
+        m_syncRecord = std::make_unique<TsyncCommStruct>();
+        m_syncRecord->settings = settings;
+        m_syncRecord->settings.requested = 1;
+        return;
+    case Kind::Upload:
+        m_record = std::make_unique<TuploadCommStruct>(&data->checkitems, &data->checklists, &data->userTesters,
+                                                       &data->inspections);
+        break;
+    case Kind::Download:
+        m_record = std::make_unique<TdownloadCommStruct>(&data->checkitems, &data->checklists, &data->userTesters,
+                                                         &data->inspections);
+        break;
+    case Kind::Verify:
+        // Read into the record alone: no container is given, so none changes.
+        m_record = std::make_unique<TdownloadCommStruct>(nullptr, nullptr, nullptr, nullptr);
+        break;
+    }
+    m_record->settings() = settings;
+    m_record->data.selection = parameters.selection;
+}
+
+TtransferJob::~TtransferJob()
+{
+    if (m_worker)
+        m_worker->wait();
+}
+
+TcommSettings &TtransferJob::settings()
+{
+    return m_syncRecord ? m_syncRecord->settings : m_record->settings();
+}
+
+QThread &TtransferJob::makeWorker(ProgressSink &progress)
+{
+    m_watch = std::make_unique<ResultWatch>(progress);
+    void *context = m_parameters.context;
+    switch (m_parameters.kind) {
+    case Kind::Sync:
+        m_worker = std::make_unique<TinstSyncThread>(m_watch.get(), &m_messages, m_syncRecord.get());
+        break;
+    case Kind::Upload:
+        m_worker = std::make_unique<TuploadThread>(context, m_watch.get(), &m_messages,
+                                                   static_cast<TuploadCommStruct *>(m_record.get()));
+        break;
+    default:
+        m_worker = std::make_unique<TdownloadThread>(context, m_watch.get(), &m_messages,
+                                                     static_cast<TdownloadCommStruct *>(m_record.get()));
+        break;
+    }
+    settings().worker = m_worker.get();
+    return *m_worker;
+}
+
+bool TtransferJob::completed() const
+{
+    return m_watch && m_watch->completed();
+}
+
+TtransferJob::Outcome TtransferJob::takeOver()
+{
+    TdataSet &data = *m_parameters.data;
+    switch (m_parameters.kind) {
+    case Kind::Download:
+        data.validateOpCodes();
+        break;
+    case Kind::Sync:
+        m_syncRecord->copyInto(data.checkitems);
+        break;
+    case Kind::Verify: {
+        // Packed as an upload of the same data set would send it.
+        const auto sent = std::make_unique<TuploadCommStruct>(&data.checkitems, &data.checklists, &data.userTesters,
+                                                              &data.inspections);
+        m_difference = TuploadVerifier::firstDifference(sent->data, m_record->data).value_or("");
+        return m_difference.empty() ? Outcome::Completed : Outcome::Differs;
+    }
+    case Kind::Upload:
+        break;
+    }
+    return Outcome::Completed;
+}
+
+bool TtransferJob::save()
+{
+    // Both replace the set by design: the save keeps a restore point of what it replaces.
+    switch (m_parameters.kind) {
+    case Kind::Download:
+        return m_parameters.data->save(m_parameters.savedParts, TsaveAction::Download);
+    case Kind::Sync:
+        return m_parameters.data->saveCheckitems(TsaveAction::Sync);
+    default:
+        return true;
+    }
+}
+
+TtransferJob::Outcome TtransferJob::run(ProgressSink &progress)
+{
+    QThread &worker = makeWorker(progress);
+    QEventLoop loop;
+    QObject::connect(&worker, &QThread::finished, &loop, &QEventLoop::quit);
+    worker.start();
+    loop.exec();
+    worker.wait();
+    if (!completed())
+        return Outcome::Failed;
+    const Outcome outcome = takeOver();
+    return save() ? outcome : Outcome::NotSaved;
+}
