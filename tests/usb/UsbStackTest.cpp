@@ -5,10 +5,8 @@
 #include "RecordingMessageSink.h"
 #include "RecordingProgressSink.h"
 #include "TempDir.h"
-#include "TransferWorkers.h"
+#include "JobRun.h"
 #include "TsimProcess.h"
-#include "../transfer/TransferFixtures.h"
-#include <QDeadlineTimer>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <thread>
@@ -176,9 +174,8 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
 TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
 {
     attach(Attached::Analyzer, Plus, {.stallAfterIn = 1000, .stallMs = 60000});
-    DataSet set;
-    RecordingProgressSink progress;
-    RecordingMessageSink messages;
+    JobRun run;
+    RecordingProgressSink &progress = run.progress;
     std::chrono::steady_clock::time_point cancelled;
     progress.hookAtStage = "Getting Checkitems";
     std::thread user;
@@ -189,14 +186,7 @@ TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
             progress.setCancelled();
         });
     };
-    auto record = std::make_unique<TdownloadCommStruct>(&set.checkitems, &set.checklists, &set.testers,
-                                                        &set.inspections);
-    record->data.selection = SelectAll;
-    record->settings().method = std::uint8_t(TcommMethod::USB);
-    int context = 0;
-    TdownloadThread worker(&context, &progress, &messages, record.get());
-    worker.start();
-    ASSERT_TRUE(worker.wait(QDeadlineTimer(20000)));
+    EXPECT_EQ(run.run({.kind = TtransferJob::Kind::Download, .method = TcommMethod::USB}), TtransferJob::Outcome::Failed);
     user.join();
     EXPECT_EQ(progress.results, std::vector<TransferResult> {TransferResult::Cancel});
     // The flag is seen after the USB call under way, which lasts one poll at most.
