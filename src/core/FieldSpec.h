@@ -18,6 +18,7 @@ struct TdataInfo {
 };
 
 struct TfieldSpec {
+    enum TypeTag { FreeText = 0, WholeNumber = 1, DecimalNumber = 2, UpperCaseText = 3 };
     std::string leftLabel;
     std::string rightLabel;
     char typeLetter = 'A'; // 'A', 'N', 'F' or 'U'

@@ -73,6 +73,7 @@ private:
     void rebuildDisplayList();
     void fillInstList(int selectRow);
     void fillAsList(int selectRow);
+    void showEditedSequence(int selectRow);
     void writeRow(class QTableWidget *grid, int row, std::uint32_t index);
     int selectedSequenceRow() const;
 
