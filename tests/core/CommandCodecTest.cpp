@@ -13,9 +13,7 @@ TcommandCodec codec(std::initializer_list<const char *> types)
 }
 
 int errorCode(const TcommandCodec &fields, const std::string &text)
-{
-    return thrown<TInstrPanelError>([&] { fields.parse(text); }).value_or(TInstrPanelError(0, "", 0)).code;
-}
+{ return thrown<TInstrPanelError>([&] { fields.parse(text); }).value_or(TInstrPanelError(0, "", 0)).code; }
 
 std::string padded(const std::string &text) { return text + std::string(41 - text.size(), ' '); }
 } // namespace

@@ -17,14 +17,12 @@ TEST(TcheckitemReferences, ListsEachFileInNameOrderWithTheSequencesThatUseTheNum
     data.write("broken.asq", "not an autosequence file");
     data.write("notes.txt", "7");
 
-    struct Case { std::uint16_t number; std::vector<std::string> lines; };
-    for (const Case &c : {Case{7, {"Physical Inspections - Ward A", "  CABLE - ", "  PLUG - FUSE",
-                                   "User Tester Autosequences - Bench 2", "  LEAKAGE - CLASS 1"}},
-                          Case{99, {}}}) {
-        const TcheckitemReferences found = TcheckitemReferences::find(c.number, data.path());
-        EXPECT_TRUE(found.autosequenceFilesFound);
-        EXPECT_EQ(found.lines, c.lines) << c.number;
-    }
+    EXPECT_EQ(TcheckitemReferences::find(7, data.path()).lines,
+              (std::vector<std::string>{"Physical Inspections - Ward A", "  CABLE - ", "  PLUG - FUSE",
+                                        "User Tester Autosequences - Bench 2", "  LEAKAGE - CLASS 1"}));
+    const TcheckitemReferences unused = TcheckitemReferences::find(99, data.path());
+    EXPECT_TRUE(unused.autosequenceFilesFound);
+    EXPECT_TRUE(unused.lines.empty());
     for (const char *file : {"usertester1.asq", "usertester2.asq", "inspection.asq", "broken.asq"})
         std::filesystem::remove(data / file); // notes.txt stays
     EXPECT_FALSE(TcheckitemReferences::find(7, data.path()).autosequenceFilesFound);

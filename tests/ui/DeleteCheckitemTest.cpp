@@ -1,5 +1,4 @@
-// The warning before a checkitem is deleted: it lists what the reference search
-// found (tested in the core), opens on "No" and returns the answer.
+// The warning before a checkitem is deleted: the reference search's lines (tested in the core), "No" first, the answer.
 #include "TdeleteInstructionFrm.h"
 #include "UiTestSupport.h"
 #include <QPlainTextEdit>

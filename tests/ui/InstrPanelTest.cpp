@@ -1,6 +1,5 @@
-// The parameter panel's wiring: the definition file's fields become rows, records
-// go through the command codec (its rules are tested in the core) into the boxes
-// and back, keys and pasted text follow the field type, and the "A" panel's lists.
+// The parameter panel's wiring: fields become rows, records go through the command codec (tested in the
+// core) into the boxes and back, keys and pasted text follow the field type; the "A" panel's lists.
 #include "FieldSpec.h"
 #include "ProgramRun.h"
 #include "TInstr.h"
@@ -17,7 +16,7 @@
 
 namespace {
 struct InstrPanelTest : ::testing::Test {
-    InstrPanelTest() { ensureApplication(); }
+    const bool applicationFirst = (ensureApplication(), true); // before the widgets
     void build(const std::filesystem::path &file) { panel = std::make_unique<TInstrPanel>(&owner, file, 517, 25, 10, 4, 56); }
     QLineEdit *box(int field) const { return panel->findChild<QLineEdit *>(QStringLiteral("field%1").arg(field)); }
     QComboBox *combo(const char *name) const { return child<QComboBox>(panel.get(), name); }
@@ -29,10 +28,7 @@ struct InstrPanelTest : ::testing::Test {
 const char *const AllTypes = "M - Measure\nN\n\"Volts\"\t\"V\"\t\"N0,10\"\n\"Limit\"\t\"\xB5" "A\"\t\"F\"\n"
                              "\"Unit\"\t\"\"\t\"U\"\n\"Note\"\t\"\"\t\"A\"\n";
 
-std::string recordBytes(char opCode, const std::string &text)
-{
-    return std::string{' ', opCode} + text + std::string(41 - text.size(), ' ') + '\0';
-}
+std::string recordBytes(char op, const std::string &text) { return std::string{'\0', op} + text + std::string(41 - text.size(), ' ') + '\0'; }
 } // namespace
 
 TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
@@ -71,7 +67,6 @@ TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
 
 TEST_F(InstrPanelTest, TheAutosequencePanelConvertsTypeAndNumber)
 {
-    // The command text holds the number in two digits.
     EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("a.in", "A - Autosequence\nN\nPHY\tPhysical\t100\n")); })->code, 6);
     build(std::string(KT930_TEST_APPDIR) + "/Data/autoseq.in");
     panel->SetInstr(TInstr(' ', 'A', "UT307"));
@@ -99,9 +94,8 @@ TEST(InstrPanelExport, PluginExportsThePanelAndNothingElseNew)
         std::string symbol = line.substr(line.find(' ', line.find(' ') + 1) + 1);
         (symbol.find("TInstrPanel") != std::string::npos ? panelSymbols : others).insert(symbol);
     }
-    EXPECT_EQ(others, (std::set<std::string>{"Finalize", "Initialize", "_AutoSeqEditFrame", "getConfigButton",
-                                             "getConfigForm", "getMainButton", "getMainForm", "initialize",
-                                             "pshutdown", "setup"}));
+    EXPECT_EQ(others, (std::set<std::string>{"Finalize", "Initialize", "_AutoSeqEditFrame", "getConfigButton", "getConfigForm",
+                                             "getMainButton", "getMainForm", "initialize", "pshutdown", "setup"}));
     for (const char *member : {"TInstrPanel(QWidget*, std::filesystem::__cxx11::path const&, int, int, int, int, int)",
                                "~TInstrPanel()", "SetInstr(TInstr const&)", "GetInstr(TInstr&)", "Show()", "Hide()",
                                "Enable()", "Disable()", "Clear()", "initAuto()", "createAutoNumList()",
