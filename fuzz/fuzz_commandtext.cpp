@@ -10,18 +10,6 @@
 #include "TInstr.h"
 #include "TautoSequenceTypes.h"
 
-namespace {
-std::vector<std::string> splitAtTabs(const std::string &text)
-{
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (std::size_t tab; (tab = text.find('\t', start)) != std::string::npos; start = tab + 1)
-        parts.push_back(text.substr(start, tab - start));
-    parts.push_back(text.substr(start));
-    return parts;
-}
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string input(reinterpret_cast<const char *>(data), size);
@@ -55,10 +43,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     } catch (const TInstrPanelError &) {
     }
     // A field takes only what fits its type, as the panel's boxes do.
-    const std::vector<std::string> over = splitAtTabs(typed);
+    const std::vector<std::string> over = TfieldSpec::splitAtTabs(typed);
     for (std::size_t k = 0; k < values.size() && k < over.size(); ++k) {
         std::string value = over[k];
-        if (value.find('\t') == std::string::npos && TcommandCodec::fitsType(codec.fields()[k].typeTag, value))
+        if (TcommandCodec::fitsType(codec.fields()[k].typeTag, value))
             values[k] = value;
     }
     const TInstr record(' ', 'M', codec.compose(values));

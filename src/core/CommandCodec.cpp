@@ -9,19 +9,6 @@ namespace {
     throw TInstrPanelError(code, __FILE__, line);
 }
 
-std::vector<std::string> splitAtTabs(const std::string &text)
-{
-    std::vector<std::string> tokens;
-    std::size_t start = 0;
-    for (;;) {
-        std::size_t tab = text.find('\t', start);
-        tokens.push_back(text.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
-        if (tab == std::string::npos)
-            return tokens;
-        start = tab + 1;
-    }
-}
-
 // Locale-free, so a host that sets LC_NUMERIC reads "0.5" the same.
 bool toDouble(const std::string &text, double &value)
 {
@@ -103,7 +90,7 @@ bool TcommandCodec::fitsType(int typeTag, std::string &value)
 
 void TcommandCodec::parse(const std::string &text, const ValueSink &accept) const
 {
-    const std::vector<std::string> tokens = splitAtTabs(text);
+    const std::vector<std::string> tokens = TfieldSpec::splitAtTabs(text);
     for (std::size_t k = 0; k < tokens.size(); ++k) {
         if (k >= m_fields.size())
             fail(2, __LINE__);

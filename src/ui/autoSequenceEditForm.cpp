@@ -29,6 +29,7 @@
 
 namespace {
 constexpr int GridColumns = 4;
+
 QString rightTrimmed(const char (&title)[19])
 {
     std::string text = Tautosequence::titleText(title);
@@ -273,7 +274,7 @@ void TsequenceEditor::btnAddClick()
     case TitemList::AppendResult::Added:
         fillAsList(ui->asList->currentRow());
         break;
-    case TitemList::AppendResult::NoEnd:
+    case TitemList::AppendResult::NoEnd: // no end mark to add at: left as it is
         break;
     }
 }
