@@ -27,10 +27,10 @@ TEST(CommandCodec, ReadsOneCheckedValuePerField)
     for (Case c : {Case{"10\t-.5", 0}, Case{"1\t2\t3", 2}, Case{"1", 3}, Case{"", 3}, Case{"1a\t2", 4},
                    Case{"-1\t2", 4}, Case{"1\t1-2", 4}, Case{"1\t1.2.3", 4}, Case{"1\t--1", 4}, Case{"1\t2e3", 4}})
         EXPECT_EQ(errorCode(numbers, c.text), c.code) << c.text;
-    EXPECT_EQ(thrown<TInstrPanelError>([] { codec({"N", "X"}); })->code, 6);
+    EXPECT_EQ(thrown<TInstrPanelError>([] { codec({"N", "X"}); }).value().code, 6);
     std::vector<std::string> accepted; // a caller shows the values before a bad one
     auto keep = [&accepted](std::size_t, const std::string &value) { accepted.push_back(value); };
-    EXPECT_EQ(thrown<TInstrPanelError>([&] { numbers.parse("7\tx", keep); })->code, 4);
+    EXPECT_EQ(thrown<TInstrPanelError>([&] { numbers.parse("7\tx", keep); }).value().code, 4);
     EXPECT_EQ(accepted, std::vector<std::string>{"7"});
 }
 

@@ -42,11 +42,11 @@ TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
     EXPECT_EQ(bytesOf(record), recordBytes('M', "10\t-3.5\tMOHM\tnote"));
     EXPECT_EQ(box(0)->text(), "10");
     for (auto [opCode, text, code] : {std::tuple{'L', "1\t2\t3\t4", 1}, {'M', "1\t2\t3\t4\t5", 2}, {'M', "x\t2\t3\t4", 4}})
-        EXPECT_EQ(thrown<TInstrPanelError>([&] { panel->SetInstr(TInstr(' ', opCode, text)); })->code, code);
+        EXPECT_EQ(thrown<TInstrPanelError>([&] { panel->SetInstr(TInstr(' ', opCode, text)); }).value().code, code);
     std::string tooManyRows = "M - Measure\nN\n";
     for (int i = 0; i <= TInstrPanel::PanelHeight; ++i)
         tooManyRows += "\"a\"\t\"b\"\t\"A\"\n";
-    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("rows.in", tooManyRows)); })->code, 2);
+    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("rows.in", tooManyRows)); }).value().code, 2);
 }
 
 TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
@@ -67,7 +67,7 @@ TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
 
 TEST_F(InstrPanelTest, TheAutosequencePanelConvertsTypeAndNumber)
 {
-    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("a.in", "A - Autosequence\nN\nPHY\tPhysical\t100\n")); })->code, 6);
+    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("a.in", "A - Autosequence\nN\nPHY\tPhysical\t100\n")); }).value().code, 6);
     build(std::string(KT930_TEST_APPDIR) + "/Data/autoseq.in");
     panel->SetInstr(TInstr(' ', 'A', "UT307"));
     EXPECT_EQ(combo("comboAutoType")->currentText(), "User Tester 3");
