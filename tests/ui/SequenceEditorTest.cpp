@@ -1,5 +1,4 @@
-// The sequence editor's wiring: each button, list and key reaches its rule (the item
-// list's rules are tested in the core) and shows the result; messages exactly.
+// The sequence editor's wiring: each control reaches its rule (the item list's are tested in the core).
 #include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "TInstrDatabase.h"
@@ -37,7 +36,7 @@ struct SequenceEditorFixture : ::testing::Test {
     {
         appDir.copyDemoDefinitions();
         appDir.writeData("catdes.dat", "A, Visual\nB, Electrical\nC, Timing\n");
-        db[0].assign('B', 'M', "Earth bond");
+        db[0].assign('B', 'M', "Earth bond\t0.10");
         db[1].assign('A', 'P', "Visual check");
         db[3].assign('A', 'A', "PHY01"); // an autosequence call: never offered here
         db[4].assign('C', 'D', "Wait");
@@ -146,17 +145,19 @@ TEST_F(SequenceEditorFixture, AHeaderPressSortsAndTheFilterFilters)
     EXPECT_EQ(column("instList", 0), QStringList({"1"}));
 }
 
-TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenRefreshesBothGrids)
+TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenReloadsAndRefreshesBothGrids)
 {
     open();
     whenModal([this](QWidget *dbEditor) {
         EXPECT_EQ(saves, 1);
         db[1].assign('C', 'P', "Visual check, covers");
+        std::filesystem::remove(appDir.data("catdes.dat"));
         QTest::keyClick(dbEditor, Qt::Key_Escape);
     });
     click("btnEditInst");
-    EXPECT_EQ(column("instList", 1)[1], "Timing");
-    EXPECT_EQ(column("asList", 3)[0], "Visual check, covers");
+    EXPECT_EQ(sink.messages.back(), (Message{"ERROR", CategoryDescriptors::loadErrorText()}));
+    EXPECT_EQ(column("instList", 1)[1], "C"); // no names without descriptors
+    EXPECT_EQ(column("asList", 1), QStringList({"C", "B"}));
 }
 
 TEST_F(SequenceEditorFixture, OkStoresTheTitlesUpperCasedButKeepsAnUnusedOne)
