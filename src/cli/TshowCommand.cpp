@@ -4,6 +4,7 @@
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
 #include "TdataSet.h"
+#include "TitemList.h"
 #include "TlistTexts.h"
 #include "TtextEncoding.h"
 #include <cstdio>
@@ -83,11 +84,8 @@ Treport gather(const std::filesystem::path &appDir)
         if (checklist.isUnused())
             continue;
         Tchecklist shown{static_cast<int>(i + 1), utf8(TlistTexts::trim(checklist.titleText())), {}};
-        for (std::uint16_t item : checklist.items) {
-            if (item == 0 || item == 0xFFFF)
-                break;
+        for (std::uint16_t item : TitemList::used(checklist.items))
             shown.items.push_back(item);
-        }
         report.checklists.push_back(shown);
     }
     report.messages = sink.messages();

@@ -1,5 +1,5 @@
 #include "AutosequenceConversions.h"
-#include <algorithm>
+#include "TitemList.h"
 #include <cstring>
 
 namespace {
@@ -32,7 +32,7 @@ Tautosequence fromRecord(const TautosequenceFileStorage &record)
     boundedCopy(sequence.title1, record.title1, TitleBytes);
     boundedCopy(sequence.title2, record.title2, TitleBytes);
     sequence.setting = record.setting;
-    AutosequenceConversions::applyItemRule(record.items, sequence.items, Tautosequence::ItemCount);
+    TitemList(sequence.items).assignFileItems(record.items);
     return sequence;
 }
 
@@ -50,24 +50,6 @@ TuserTester addedUserTester(unsigned k)
 }
 
 namespace AutosequenceConversions {
-
-void applyItemRule(const std::vector<std::uint16_t> &source, std::uint16_t *target, int positions)
-{
-    const auto count = static_cast<std::size_t>(positions);
-    if (source.size() >= count) {
-        std::copy_n(source.begin(), count, target);
-        return;
-    }
-    std::fill_n(target, count, 0xFFFF);
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        if (source[i] == 0 || source[i] == 0xFFFF) {
-            target[i] = 0;
-            return;
-        }
-        target[i] = source[i];
-    }
-    // The items ran out without an end mark: no 0 is written.
-}
 
 void inspectionsToFile(const std::vector<Tautosequence> &inspections, TautosequenceFile &file)
 {
@@ -132,7 +114,7 @@ void fileToChecklists(const TautosequenceFile &file, TTestProcList &checklists)
         TTestProc &checklist = checklists.items.emplace_back();
         boundedCopy(checklist.title, record.title1, sizeof checklist.title);
         checklist.setting = record.setting;
-        applyItemRule(record.items, checklist.items, TEST_PROCEDURE::ItemCount);
+        TitemList(checklist.items).assignFileItems(record.items);
     }
 }
 

@@ -6,9 +6,6 @@
 #include <vector>
 
 namespace AutosequenceConversions {
-// Record items to 24 (or 96) positions by the item rule.
-void applyItemRule(const std::vector<std::uint16_t> &source, std::uint16_t *target, int positions);
-
 void inspectionsToFile(const std::vector<Tautosequence> &inspections, TautosequenceFile &file);
 void userTestersToFiles(const std::vector<TuserTester> &testers, std::vector<TautosequenceFile> &files);
 void userTesterToFile(const TuserTester &tester, TautosequenceFile &file);

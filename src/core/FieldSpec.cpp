@@ -61,17 +61,22 @@ bool TfieldSpec::readRange(const std::string &typeSpec, TdataInfo &range)
     return true;
 }
 
-TfieldSpec TfieldSpec::parse(const std::string &line)
+std::vector<std::string> TfieldSpec::splitAtTabs(const std::string &text)
 {
     std::vector<std::string> tokens;
     std::size_t start = 0;
     for (;;) {
-        std::size_t tab = line.find('\t', start);
-        tokens.push_back(line.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
+        std::size_t tab = text.find('\t', start);
+        tokens.push_back(text.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
         if (tab == std::string::npos)
-            break;
+            return tokens;
         start = tab + 1;
     }
+}
+
+TfieldSpec TfieldSpec::parse(const std::string &line)
+{
+    const std::vector<std::string> tokens = splitAtTabs(line);
     if (tokens.size() != 3)
         fail(__LINE__);
     for (const std::string &token : tokens)

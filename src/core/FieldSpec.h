@@ -2,6 +2,7 @@
 // One parameter field line of a Data/*.in file: "left"<TAB>"right"<TAB>"T" or "N0,10".
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 struct TInstrPanelError : std::runtime_error {
     // Out of line: the plug-in exports the panel that throws it, and nothing else.
@@ -18,6 +19,7 @@ struct TdataInfo {
 };
 
 struct TfieldSpec {
+    enum TypeTag { FreeText = 0, WholeNumber = 1, DecimalNumber = 2, UpperCaseText = 3 };
     std::string leftLabel;
     std::string rightLabel;
     char typeLetter = 'A'; // 'A', 'N', 'F' or 'U'
@@ -29,4 +31,6 @@ struct TfieldSpec {
     // The range of a quoted type specification such as "N+5,10" (quotes included);
     // false when it has none or breaks the grammar of a range.
     static bool readRange(const std::string &typeSpec, TdataInfo &range);
+    // The parts between tabs: a field line's tokens, a command text's values.
+    static std::vector<std::string> splitAtTabs(const std::string &text);
 };

@@ -1,5 +1,5 @@
 #include "TTestProc.h"
-#include <algorithm>
+#include "TitemList.h"
 #include <cstring>
 
 namespace {
@@ -11,8 +11,7 @@ void TTestProc::blank()
 {
     std::memset(title, ' ', 41);
     title[41] = 0;
-    std::fill(std::begin(items), std::end(items), 0xFFFF);
-    items[0] = 0;
+    TitemList(items).clear();
     setting = 0;
 }
 
@@ -40,12 +39,7 @@ void TTestProc::assignFromSource(const TEST_PROCEDURE &source)
         title[i] = (c < 32 || c == 127) ? ' ' : static_cast<char>(c);
     }
     title[41] = 0;
-    bool ended = false;
-    for (int i = 0; i < ItemCount; ++i) {
-        items[i] = ended ? 0xFFFF : source.items[i];
-        if (source.items[i] == 0)
-            ended = true;
-    }
+    TitemList(items).assignUpToEnd(source.items);
     setting = source.setting;
 }
 

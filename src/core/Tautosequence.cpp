@@ -1,5 +1,5 @@
 #include "Tautosequence.h"
-#include <algorithm>
+#include "TitemList.h"
 #include <cstring>
 
 namespace {
@@ -11,8 +11,7 @@ void Tautosequence::blank()
 {
     std::memcpy(title1, BlankTitle, 19);
     std::memcpy(title2, BlankTitle, 19);
-    std::fill(std::begin(items), std::end(items), 0xFFFF);
-    items[0] = 0;
+    TitemList(items).clear();
     setting = 0;
 }
 
@@ -37,10 +36,7 @@ bool Tautosequence::isUnused() const
 
 int Tautosequence::itemCount() const
 {
-    int count = 0;
-    while (count < ItemCount && items[count] != 0 && items[count] != 0xFFFF)
-        ++count;
-    return count;
+    return TitemList::count(items);
 }
 
 void Tautosequence::setTitle(char (&title)[19], const std::string &text)
@@ -60,12 +56,7 @@ std::string Tautosequence::titleText(const char (&title)[19])
 
 void Tautosequence::assignItemsFrom(const Tautosequence &source)
 {
-    bool ended = false;
-    for (int i = 0; i < ItemCount; ++i) {
-        items[i] = ended ? 0xFFFF : source.items[i];
-        if (source.items[i] == 0)
-            ended = true;
-    }
+    TitemList(items).assignUpToEnd(source.items);
     setting = source.setting;
 }
 

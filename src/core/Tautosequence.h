@@ -25,7 +25,7 @@ struct Tautosequence {
     // User text into a title: at most 18 characters, controls to blanks, blank padded.
     static void setTitle(char (&title)[19], const std::string &text);
     static std::string titleText(const char (&title)[19]); // up to the first 0
-    // Copies items up to and including the first 0, 0xFFFF after it; setting as is.
+    // Items as TitemList::assignUpToEnd copies them; setting as is.
     void assignItemsFrom(const Tautosequence &source);
 };
 #pragma pack(pop)

@@ -142,14 +142,18 @@ bool TautosequenceFile::findReferences(const fs::path &path, std::uint16_t numbe
         result.push_back("Unable to open autosequence file - " + path.string());
         return false;
     }
-    bool found = false;
-    for (const TautosequenceFileStorage &record : file.records) {
-        if (std::find(record.items.begin(), record.items.end(), number) != record.items.end()) {
-            result.push_back(fieldText(record.title1) + " - " + fieldText(record.title2));
-            found = true;
-        }
-    }
-    return found;
+    const std::vector<std::string> names = file.referencesTo(number);
+    result.insert(result.end(), names.begin(), names.end());
+    return !names.empty();
+}
+
+std::vector<std::string> TautosequenceFile::referencesTo(std::uint16_t number) const
+{
+    std::vector<std::string> names;
+    for (const TautosequenceFileStorage &record : records)
+        if (std::find(record.items.begin(), record.items.end(), number) != record.items.end())
+            names.push_back(fieldText(record.title1) + " - " + fieldText(record.title2));
+    return names;
 }
 
 void TautosequenceFile::setTitle(const std::string &text)

@@ -52,6 +52,8 @@ public:
     // "Unable to open autosequence file - <path>") when the file cannot be read.
     static bool findReferences(const std::filesystem::path &path, std::uint16_t number,
                                std::vector<std::string> &result);
+    // "title1 - title2" of every record that holds the number anywhere in its items.
+    std::vector<std::string> referencesTo(std::uint16_t number) const;
 
     void setTitle(const std::string &text);
     void setSubtitle(const std::string &text);

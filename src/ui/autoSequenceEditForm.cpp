@@ -15,6 +15,7 @@
 #include "TinstGridHeader.h"
 #include "TinstGridText.h"
 #include "TinstListingPrinter.h"
+#include "TitemList.h"
 #include "TsequencePrinter.h"
 #include "TscreenFit.h"
 #include "TsequenceReport.h"
@@ -29,14 +30,6 @@
 
 namespace {
 constexpr int GridColumns = 4;
-constexpr int LastPosition = Tautosequence::ItemCount - 1;
-constexpr std::uint16_t EndOfList = 0;
-constexpr std::uint16_t Unused = 0xFFFF;
-
-bool holdsCheckitem(std::uint16_t item)
-{
-    return item != EndOfList && item != Unused;
-}
 
 QString rightTrimmed(const char (&title)[19])
 {
@@ -258,75 +251,55 @@ void TsequenceEditor::btnAddClick()
     const int row = selectedRow(ui->instList);
     if (row < 0 || std::size_t(row) >= displayList().size())
         return;
-    if (holdsCheckitem(m_sequence.items[LastPosition])) {
+    switch (TitemList(m_sequence.items).append(std::uint16_t(displayList()[std::size_t(row)] + 1))) {
+    case TitemList::AppendResult::Full:
         m_sink.warning("Autosequence Full",
                        "The selected checkitem cannot be added because\nthe autosequence is full.");
-        return;
+        break;
+    case TitemList::AppendResult::Added:
+        fillAsList(ui->asList->currentRow());
+        break;
+    case TitemList::AppendResult::NoEnd: // no end mark to add at: left as it is
+        break;
     }
-    std::uint16_t *end = std::find(std::begin(m_sequence.items), std::end(m_sequence.items), EndOfList);
-    if (end == std::end(m_sequence.items))
-        return;
-    *end = std::uint16_t(displayList()[std::size_t(row)] + 1);
-    if (end + 1 != std::end(m_sequence.items))
-        end[1] = EndOfList;
-    fillAsList(ui->asList->currentRow());
+}
+
+// Each edit names the row to select afterwards, or -1 when it did nothing.
+void TsequenceEditor::showEditedSequence(int selectRow)
+{
+    if (selectRow >= 0)
+        fillAsList(selectRow);
 }
 
 void TsequenceEditor::btnRemoveClick()
 {
-    const int row = selectedSequenceRow();
-    if (m_sequence.itemCount() < 1 || row < 0)
-        return;
-    std::uint16_t *items = m_sequence.items;
-    std::copy(items + row + 1, items + Tautosequence::ItemCount, items + row);
-    const std::uint16_t before = items[LastPosition - 1];
-    items[LastPosition] = before == EndOfList ? Unused : holdsCheckitem(before) ? EndOfList : Unused;
-    fillAsList(row == 0 ? 0 : row - 1);
+    showEditedSequence(TitemList(m_sequence.items).removeAt(selectedSequenceRow()));
 }
 
 void TsequenceEditor::btnClearClick()
 {
-    std::fill(std::begin(m_sequence.items), std::end(m_sequence.items), Unused);
-    m_sequence.items[0] = EndOfList;
+    TitemList(m_sequence.items).clear();
     fillAsList(0);
 }
 
 void TsequenceEditor::btnTopClick()
 {
-    const int row = selectedSequenceRow();
-    if (m_sequence.itemCount() < 2 || row <= 0)
-        return;
-    std::rotate(m_sequence.items, m_sequence.items + row, m_sequence.items + row + 1);
-    fillAsList(0);
+    showEditedSequence(TitemList(m_sequence.items).top(selectedSequenceRow()));
 }
 
 void TsequenceEditor::btnUpClick()
 {
-    const int row = selectedSequenceRow();
-    if (m_sequence.itemCount() < 2 || row <= 0)
-        return;
-    std::swap(m_sequence.items[row], m_sequence.items[row - 1]);
-    fillAsList(row - 1);
+    showEditedSequence(TitemList(m_sequence.items).up(selectedSequenceRow()));
 }
 
 void TsequenceEditor::btnDownClick()
 {
-    const int row = selectedSequenceRow();
-    const int count = m_sequence.itemCount();
-    if (count < 2 || row < 0 || row == count - 1)
-        return;
-    std::swap(m_sequence.items[row], m_sequence.items[row + 1]);
-    fillAsList(row + 1);
+    showEditedSequence(TitemList(m_sequence.items).down(selectedSequenceRow()));
 }
 
 void TsequenceEditor::btnBottomClick()
 {
-    const int row = selectedSequenceRow();
-    const int count = m_sequence.itemCount();
-    if (count < 2 || row < 0)
-        return;
-    std::rotate(m_sequence.items + row, m_sequence.items + row + 1, m_sequence.items + count);
-    fillAsList(count - 1);
+    showEditedSequence(TitemList(m_sequence.items).bottom(selectedSequenceRow()));
 }
 
 // ---- filter, checkitem database, print, help

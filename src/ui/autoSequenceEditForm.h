@@ -71,6 +71,7 @@ private:
     void fillInstList(int selectRow);
     void fillAsList(int selectRow);
     void writeRow(int row, std::uint32_t index); // of asList
+    void showEditedSequence(int selectRow);
     int selectedSequenceRow() const;
 
     std::unique_ptr<Ui::TsequenceEditor> ui;

@@ -1,5 +1,5 @@
 #include "instrpanel.h"
-#include "FieldSpec.h"
+#include "CommandCodec.h"
 #include "OpCodeDefinitions.h"
 #include "TInstr.h"
 #include "TautoSequenceTypes.h"
@@ -14,81 +14,11 @@
 #include <QLineEdit>
 #include <QValidator>
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace {
-constexpr std::size_t CommandLength = 41;
-
 [[noreturn]] void fail(int code, int line)
 {
     throw TInstrPanelError(code, __FILE__, line);
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-std::vector<std::string> splitAtTabs(const std::string &text)
-{
-    std::vector<std::string> tokens;
-    std::size_t start = 0;
-    for (;;) {
-        std::size_t tab = text.find('\t', start);
-        tokens.push_back(text.substr(start, tab == std::string::npos ? std::string::npos : tab - start));
-        if (tab == std::string::npos)
-            return tokens;
-        start = tab + 1;
-    }
-}
-
-// Locale-free, so a host that sets LC_NUMERIC reads "0.5" the same.
-bool toDouble(const std::string &text, double &value)
-{
-    if (text.empty())
-        return false;
-    auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    return result.ec == std::errc() && result.ptr == text.data() + text.size();
-}
-
-// A bound written back into a box must pass the box's own check when the record is
-// shown again: no exponent ("1e+20"), and a whole number in a whole-number field,
-// rounded into the range and never below 0. 400 characters hold any double in fixed notation.
-std::string boundText(double bound, bool wholeNumber, bool isMinimum)
-{
-    // A whole-number box holds digits only: no sign, not even that of "-0".
-    if (wholeNumber)
-        bound = std::max(isMinimum ? std::ceil(bound) : std::floor(bound), 0.0) + 0.0;
-    char buffer[400];
-    auto result = std::to_chars(buffer, buffer + sizeof buffer, bound, std::chars_format::fixed);
-    return std::string(buffer, result.ptr);
-}
-
-// Digits with at most one '.', and one '-' only in front.
-// Only "a" to "z" are raised, as the key filter does.
-std::string upperCased(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? char(c - 'a' + 'A') : c; });
-    return text;
-}
-
-bool isDecimalText(const std::string &text)
-{
-    bool point = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '-' && i == 0)
-            continue;
-        if (c == '.' && !point) {
-            point = true;
-            continue;
-        }
-        if (!isDigit(c))
-            return false;
-    }
-    return true;
 }
 
 // Text that reaches a box without a key press (pasted, dropped) obeys the key filter's
@@ -108,20 +38,11 @@ public:
         for (QChar &c : input)
             if (c.unicode() < 32 || c.unicode() == 127)
                 c = QLatin1Char(' ');
-        const std::string text = TguiText::toBytes(input);
-        switch (m_tag) {
-        case TInstrPanel::WholeNumber:
-            if (!std::all_of(text.begin(), text.end(), isDigit))
-                return Invalid;
-            break;
-        case TInstrPanel::DecimalNumber:
-            if (!isDecimalText(text))
-                return Invalid;
-            break;
-        case TInstrPanel::UpperCaseText:
-            input = TguiText::fromBytes(upperCased(text));
-            break;
-        }
+        std::string text = TguiText::toBytes(input);
+        if (!TcommandCodec::fitsType(m_tag, text))
+            return Invalid;
+        if (m_tag == TfieldSpec::UpperCaseText)
+            input = TguiText::fromBytes(text);
         return TlengthLimitValidator::validate(input, pos);
     }
 
@@ -132,7 +53,7 @@ private:
 
 TInstrPanel::TInstrPanel(QWidget *owner, const std::filesystem::path &fileName,
                          int width, int top, int left, int rowGap, int labelWidth)
-    : QWidget(owner), m_rowGap(rowGap), m_labelWidth(labelWidth)
+    : QWidget(owner), m_rowGap(rowGap), m_labelWidth(labelWidth), m_codec(std::make_unique<TcommandCodec>())
 {
     std::vector<std::string> lines = OpCodeDefinitions::readLines(fileName);
     if (lines.size() < 2 || lines[0].size() < 2)
@@ -168,8 +89,7 @@ void TInstrPanel::CleanUp()
 {
     // The controls are children of the panel; dropping the pointers is what is left.
     m_boxes.clear();
-    m_tags.clear();
-    m_ranges.clear();
+    *m_codec = TcommandCodec();
     m_autoCodes.clear();
     m_autoTexts.clear();
     m_autoCounts.clear();
@@ -193,16 +113,11 @@ void TInstrPanel::ParseCommands(const std::vector<std::string> &lines)
         return;
     if (PanelHeight / int(lines.size()) < 1)
         fail(2, __LINE__);
-    for (const std::string &line : lines) {
-        TfieldSpec field = TfieldSpec::parse(line);
-        dataInfo range;
-        MinMax(line.substr(line.rfind('\t') + 1), &range);
-        int row = int(m_boxes.size());
-        addFieldRow(row, field.leftLabel, field.rightLabel);
-        m_tags.push_back(field.typeTag);
+    *m_codec = TcommandCodec::fromFieldLines(lines);
+    for (const TfieldSpec &field : m_codec->fields()) {
+        addFieldRow(int(m_boxes.size()), field.leftLabel, field.rightLabel);
         QLineEdit *box = m_boxes.back();
         new TfieldValidator(field.typeTag, [this, box] { return roomLeftFor(box); }, box);
-        m_ranges.push_back(range);
     }
 }
 
@@ -229,7 +144,7 @@ qsizetype TInstrPanel::roomLeftFor(const QLineEdit *box) const
     for (const QLineEdit *other : m_boxes)
         if (other != box)
             used += other->text().size();
-    return qsizetype(CommandLength) - used;
+    return qsizetype(TcommandCodec::CommandLength) - used;
 }
 
 void TInstrPanel::ParseAutoField(const std::vector<std::string> &lines)
@@ -311,29 +226,9 @@ void TInstrPanel::SetInstr(const _instructionStruct &record)
 
     // A box's room depends on the others: those of the record shown before must not count.
     Clear();
-    std::vector<std::string> tokens = splitAtTabs(text);
-    for (std::size_t k = 0; k < tokens.size(); ++k) {
-        if (k >= m_boxes.size())
-            fail(2, __LINE__);
-        std::string value = tokens[k];
-        value.erase(value.find_last_not_of(' ') + 1);
-        switch (m_tags[k]) {
-        case UpperCaseText:
-            value = upperCased(value);
-            break;
-        case WholeNumber:
-            if (!std::all_of(value.begin(), value.end(), isDigit))
-                fail(4, __LINE__);
-            break;
-        case DecimalNumber:
-            if (!isDecimalText(value))
-                fail(4, __LINE__);
-            break;
-        }
-        m_boxes[k]->setText(TguiText::fromBytes(value));
-    }
-    if (tokens.size() < m_boxes.size())
-        fail(3, __LINE__);
+    m_codec->parse(text, [this](std::size_t field, const std::string &value) {
+        m_boxes[field]->setText(TguiText::fromBytes(value));
+    });
 }
 
 void TInstrPanel::GetInstr(_instructionStruct &record)
@@ -344,24 +239,18 @@ void TInstrPanel::GetInstr(_instructionStruct &record)
         if (type >= 0)
             text = TguiText::toBytes(m_autoCodes[type]);
         text += QString::number(m_comboAutoNum->currentIndex() + 1).rightJustified(2, QLatin1Char('0')).toStdString();
+        text = TcommandCodec::padded(text);
     } else {
-        for (std::size_t k = 0; k < m_boxes.size(); ++k) {
-            std::string value = TguiText::toBytes(m_boxes[k]->text());
-            const dataInfo &range = m_ranges[k];
-            double number = 0;
-            if ((m_tags[k] == WholeNumber || m_tags[k] == DecimalNumber) && range.hasRange && toDouble(value, number)
-                && (number < range.minimum || number > range.maximum)) {
-                const bool below = number < range.minimum;
-                value = boundText(below ? range.minimum : range.maximum, m_tags[k] == WholeNumber, below);
-                m_boxes[k]->setText(TguiText::fromBytes(value));
-            }
-            if (k > 0)
-                text += '\t';
-            text += value;
-        }
+        std::vector<std::string> typed;
+        for (const QLineEdit *box : m_boxes)
+            typed.push_back(TguiText::toBytes(box->text()));
+        std::vector<std::string> values = typed;
+        text = m_codec->compose(values);
+        // A clamped number is shown as it is stored.
+        for (std::size_t k = 0; k < m_boxes.size(); ++k)
+            if (values[k] != typed[k])
+                m_boxes[k]->setText(TguiText::fromBytes(values[k]));
     }
-    if (text.size() < CommandLength)
-        text.append(CommandLength - text.size(), ' ');
     record.assign(record.category, m_opCode, text);
 }
 
@@ -409,9 +298,9 @@ void TInstrPanel::calcChar(QObject *sender, char &key)
     auto it = std::find(m_boxes.begin(), m_boxes.end(), sender);
     if (it == m_boxes.end())
         return;
-    switch (m_tags[std::size_t(it - m_boxes.begin())]) {
+    switch (m_codec->fields()[std::size_t(it - m_boxes.begin())].typeTag) {
     case WholeNumber:
-        if (!isDigit(key))
+        if (!TcommandCodec::isDigit(key))
             key = 0;
         break;
     case DecimalNumber:
@@ -426,7 +315,7 @@ void TInstrPanel::calcChar(QObject *sender, char &key)
 
 void TInstrPanel::ValidFloat(char &key, QLineEdit *box)
 {
-    if (isDigit(key))
+    if (TcommandCodec::isDigit(key))
         return;
     if (key == '-' && !box->text().startsWith(QLatin1Char('-')) && box->cursorPosition() == 0)
         return;

@@ -1,5 +1,6 @@
 #include "AutosequenceConversions.h"
 #include "ByteBuilder.h"
+#include "TitemList.h"
 #include <cstring>
 #include <gtest/gtest.h>
 
@@ -10,7 +11,7 @@ namespace {
 std::vector<std::uint16_t> rule(const std::vector<std::uint16_t> &source, int positions = 24)
 {
     std::vector<std::uint16_t> out(static_cast<std::size_t>(positions), 0x5555);
-    conv::applyItemRule(source, out.data(), positions);
+    TitemList(out).assignFileItems(source);
     return out;
 }
 

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ class QComboBox;
 class QGridLayout;
 class QLabel;
 class QLineEdit;
+class TcommandCodec;
 struct TInstr;
 using _instructionStruct = TInstr;
 
@@ -44,8 +46,6 @@ public:
 
     char opCode() const { return m_opCode; }
     int fieldCount() const { return int(m_boxes.size()); }
-    int typeTag(int field) const { return m_tags.at(std::size_t(field)); }
-    const dataInfo &range(int field) const { return m_ranges.at(std::size_t(field)); }
 
     // The range of a type specification such as "N0,10"; a bare "N" has none.
     static void MinMax(const std::string &typeSpec, dataInfo *info);
@@ -85,8 +85,7 @@ private:
     int m_labelWidth = 0;
     QGridLayout *m_layout = nullptr;
     std::vector<QLineEdit *> m_boxes;
-    std::vector<int> m_tags;
-    std::vector<dataInfo> m_ranges;
+    std::unique_ptr<TcommandCodec> m_codec; // the fields' types and ranges
     // The "A" panel: three parallel lists from the file and its two drop-downs.
     QStringList m_autoCodes;
     QStringList m_autoTexts;
