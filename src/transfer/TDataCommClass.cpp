@@ -65,20 +65,30 @@ std::uint32_t TDataCommClass::getTimeout() { return checkedModule().getTimeout()
 bool TDataCommClass::isCancelled() { return checkedModule().isCancelled(); }
 void TDataCommClass::setProgress(int percent) { checkedModule().setProgress(percent); }
 
+// Sends a data command: the module's block size, or 0 when the send failed (the
+// port is closed then).
+std::size_t TDataCommClass::sendCommand(const std::uint8_t *command, std::size_t commandLength)
+{
+    TgenericCommmunicationsModule &module = checkedModule();
+    const std::size_t blockSize = module.getBlockSize();
+    if (blockSize == 0)
+        throw TinvalidCommModuleException();
+    if (module.write(command, commandLength) != 0) {
+        module.close();
+        return 0;
+    }
+    return blockSize;
+}
+
 int TDataCommClass::getData(const std::uint8_t *command, std::size_t commandLength, std::uint8_t *buffer,
                             std::size_t blockCount)
 {
     if (commandLength == 0 || blockCount == 0)
         throw TinvalidDataLengthException();
-    TgenericCommmunicationsModule &module = checkedModule();
-    const std::size_t blockSize = module.getBlockSize();
+    const std::size_t blockSize = sendCommand(command, commandLength);
     if (blockSize == 0)
-        throw TinvalidCommModuleException();
-
-    if (module.write(command, commandLength) != 0) {
-        module.close();
         return -1;
-    }
+    TgenericCommmunicationsModule &module = checkedModule();
     module.setProgress(50);
     const std::uint32_t timeout = module.getTimeout();
     const std::uint32_t polls = timeout / DownloadPollMs + (timeout < DownloadPollMs ? 1 : 0);
@@ -150,15 +160,10 @@ int TDataCommClass::putData(const std::uint8_t *command, std::size_t commandLeng
 {
     if (commandLength == 0 || blockCount == 0)
         return -1; // unlike getData, no exception
-    TgenericCommmunicationsModule &module = checkedModule();
-    const std::size_t blockSize = module.getBlockSize();
+    const std::size_t blockSize = sendCommand(command, commandLength);
     if (blockSize == 0)
-        throw TinvalidCommModuleException();
-
-    if (module.write(command, commandLength) != 0) {
-        module.close();
         return -1;
-    }
+    TgenericCommmunicationsModule &module = checkedModule();
     module.setProgress(30);
     if (int result = waitForAck(commandAccepted, '*'); result != 0)
         return result;

@@ -40,6 +40,7 @@ public:
 
 private:
     TgenericCommmunicationsModule &checkedModule();
+    std::size_t sendCommand(const std::uint8_t *command, std::size_t commandLength);
     // 0 accepted, -2 wrong pair; throws on time-out or cancellation.
     int waitForAck(bool (*accept)(const std::uint8_t *ack, char expected), char expected);
 
