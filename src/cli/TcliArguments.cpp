@@ -19,7 +19,7 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
             help = true;
             return true;
         }
-        if ((argument == "--appdir" && appDirGiven) || options.count(argument)) {
+        if ((argument == "--appdir" && appDirGiven) || options.contains(argument)) {
             why = argument + " is given twice";
             return false;
         }
@@ -28,11 +28,11 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
                 return false;
             appDir = arguments[++i];
             appDirGiven = true;
-        } else if (valueOptions.count(argument)) {
+        } else if (valueOptions.contains(argument)) {
             if (!hasValue(i, argument + " needs a value"))
                 return false;
             options[argument] = arguments[++i];
-        } else if (knownFlags.count(argument)) {
+        } else if (knownFlags.contains(argument)) {
             flags.insert(argument);
         } else if (argument.size() > 1 && argument[0] == '-') {
             why = "unknown option " + argument;

@@ -21,5 +21,5 @@ struct TcliArguments {
     bool parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
                std::size_t positionalCount, std::string &why,
                const std::set<std::string> &valueOptions = {});
-    bool has(const std::string &flag) const { return flags.count(flag) != 0 || options.count(flag) != 0; }
+    bool has(const std::string &flag) const { return flags.contains(flag) || options.contains(flag); }
 };

@@ -125,6 +125,7 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
 
     const std::time_t now = std::time(nullptr);
     std::vector<TsequenceReport> reports;
+    reports.reserve(chosen.size());
     for (const Choice &choice : chosen)
         reports.push_back(TsequenceReport::make(*choice.sequence, data.checkitems, categories, now));
 

@@ -44,9 +44,9 @@ public:
     std::uint8_t GetStopBits() const { return m_stopBits; }
 
     // COMn -> device path overrides, shared by every port of the process.
-    static void setPortOverrides(const std::map<int, std::string> &overrides);
+    static void setPortOverrides(const std::map<int, std::string> &map);
     // The device of COMn (override first, then the fixed mapping); empty when none.
-    static std::string devicePath(int portNumber);
+    static std::string devicePath(int n);
     // The device a port name opens: "COMn" through devicePath, anything else as is.
     static std::string resolve(const std::string &name);
 

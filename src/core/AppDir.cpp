@@ -35,7 +35,7 @@ bool hasDataFolder(const fs::path &folder)
 fs::path installPrefix(const fs::path &executableFolder)
 {
     std::error_code ec;
-    const fs::path prefix = executableFolder.parent_path();
+    fs::path prefix = executableFolder.parent_path();
     if (executableFolder.filename() == "bin" && fs::is_directory(prefix / KT930_INSTALL_SHAREDIR / "Data", ec))
         return prefix;
     return {};

@@ -16,7 +16,7 @@
 //   set them); a new file gets owner read/write permission.
 enum class AtomicWriteResult { Ok = 0, CannotCreate = -1, ShortWrite = -2 };
 enum class InPlaceWrites { Refused, Allowed };
-AtomicWriteResult writeFileAtomically(const std::filesystem::path &target, std::string_view bytes,
+AtomicWriteResult writeFileAtomically(const std::filesystem::path &requested, std::string_view bytes,
                                       InPlaceWrites inPlace = InPlaceWrites::Refused);
 
 // The two halves of writeFileAtomically, for saves of several files that must
@@ -28,7 +28,7 @@ struct TstagedFile {
     std::filesystem::path temp;
     std::filesystem::path target;
 };
-AtomicWriteResult stageFile(const std::filesystem::path &target, std::string_view bytes, TstagedFile &staged,
+AtomicWriteResult stageFile(const std::filesystem::path &requested, std::string_view bytes, TstagedFile &staged,
                             InPlaceWrites inPlace = InPlaceWrites::Refused);
 bool commitStagedFile(const TstagedFile &staged);
 void discardStagedFile(const TstagedFile &staged);

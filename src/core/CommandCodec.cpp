@@ -67,6 +67,7 @@ std::string clamped(const TfieldSpec &field, const std::string &value)
 TcommandCodec TcommandCodec::fromFieldLines(const std::vector<std::string> &lines)
 {
     std::vector<TfieldSpec> fields;
+    fields.reserve(lines.size());
     for (const std::string &line : lines)
         fields.push_back(TfieldSpec::parse(line));
     return TcommandCodec(std::move(fields));

@@ -42,7 +42,7 @@ bool parseCsvLine(const std::string &line, TcsvFields &fields)
 void cleanCommand(TInstr &record)
 {
     for (char &c : record.command) {
-        unsigned char u = static_cast<unsigned char>(c);
+        auto u = static_cast<unsigned char>(c);
         if (u != 0 && u != '\t' && (u < 32 || u > 126))
             c = ' ';
     }
@@ -66,7 +66,7 @@ int TInstrDatabase::findFreeSlot(int previous)
     // The cursor only ever goes back to 0, so every search starts at the top.
     if (previous == -1)
         m_cursor = 0;
-    for (std::size_t i = static_cast<std::size_t>(m_cursor); i < m_slots.size(); ++i)
+    for (auto i = static_cast<std::size_t>(m_cursor); i < m_slots.size(); ++i)
         if (m_slots[i].isFree())
             return static_cast<int>(i);
     return -1;
@@ -186,7 +186,7 @@ std::string TInstrDatabase::nameOfRecord(TInstr &record)
 bool TInstrDatabase::isKnownOpCode(const TopCodeTable &table, char opCode)
 {
     // Only an empty op code passes unchecked.
-    return opCode == 0 || table.count(opCode) != 0;
+    return opCode == 0 || table.contains(opCode);
 }
 
 std::vector<std::size_t> TInstrDatabase::slotsWithUnknownOpCodes(const TopCodeTable &table) const

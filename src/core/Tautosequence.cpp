@@ -43,7 +43,7 @@ void Tautosequence::setTitle(char (&title)[19], const std::string &text)
 {
     for (std::size_t i = 0; i < 18; ++i) {
         char c = i < text.size() ? text[i] : ' ';
-        unsigned char u = static_cast<unsigned char>(c);
+        auto u = static_cast<unsigned char>(c);
         title[i] = (u < 32 || u == 127) ? ' ' : c;
     }
     title[18] = 0;

@@ -384,6 +384,7 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
     if (action != TsaveAction::Edit) {
         static const char *const actionNames[] = {"edit", "download", "sync", "import"};
         std::vector<std::string> names;
+        names.reserve(written.size());
         for (const auto &[name, bytes] : written)
             names.push_back(name);
         std::string why;

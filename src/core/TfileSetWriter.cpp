@@ -123,7 +123,7 @@ void TfileSetWriter::recover(const fs::path &dataFolder, const std::vector<std::
     }
     // Temporaries without a record: a save that died before deciding.
     std::vector<std::string> owners = names;
-    owners.push_back(IntentFile);
+    owners.emplace_back(IntentFile);
     std::vector<fs::path> stale;
     for (fs::directory_iterator it(dataFolder, ec), end; !ec && it != end; it.increment(ec)) {
         const std::string name = it->path().filename().string();

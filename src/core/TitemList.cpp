@@ -57,7 +57,7 @@ int TitemList::down(int row)
 {
     if (count() < 2 || !holdsRow(row) || row == count() - 1)
         return -1;
-    std::swap(m_positions[std::size_t(row)], m_positions[std::size_t(row + 1)]);
+    std::swap(m_positions[std::size_t(row)], m_positions[std::size_t(row) + 1]);
     return row + 1;
 }
 

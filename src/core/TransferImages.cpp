@@ -103,7 +103,7 @@ void unpackAutosequences(const std::uint8_t *area, std::vector<Tautosequence> &i
         const char *name = reinterpret_cast<const char *>(area + TesterNamesOffset + t * TesterNameWidth);
         std::string text(name, strnlen(name, TesterNameWidth));
         for (char &c : text) {
-            const unsigned char u = static_cast<unsigned char>(c);
+            const auto u = static_cast<unsigned char>(c);
             if (u < 32 || u == 127)
                 c = ' ';
         }

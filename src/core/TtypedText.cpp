@@ -3,7 +3,7 @@
 std::string TtypedText::cleanName(std::string text)
 {
     for (char &c : text) {
-        const unsigned char u = static_cast<unsigned char>(c);
+        const auto u = static_cast<unsigned char>(c);
         if (u < 32 || u == 127)
             c = ' ';
     }

@@ -2,7 +2,7 @@
 
 char Twindows1252::toUpper(char c)
 {
-    const unsigned char u = static_cast<unsigned char>(c);
+    const auto u = static_cast<unsigned char>(c);
     if (u >= 'a' && u <= 'z')
         return static_cast<char>(u - 0x20);
     // à..þ map onto À..Þ, except ÷ whose place among the capitals holds ×.

@@ -179,7 +179,7 @@ void ThostMainWindow::restorePreviousDataSet()
     TrestorePointDialog dialog(points, this);
     if (dialog.exec() != QDialog::Accepted || dialog.chosenNumber() < 1)
         return;
-    const TrestorePoint chosen = points[std::size_t(dialog.chosenNumber() - 1)];
+    const TrestorePoint &chosen = points[std::size_t(dialog.chosenNumber() - 1)];
     const QString when = QString::fromStdString(chosen.time), action = QString::fromStdString(chosen.action);
     QMessageBox confirm(QMessageBox::Question, RestoreCaption,
                         QStringLiteral("Put back the files that \"%1\" replaced on %2?\n\nThe current files are kept as "

@@ -36,10 +36,10 @@ int selfTest(ThostMainWindow &window)
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    app.setApplicationName(QStringLiteral("kt930pc"));
-    app.setApplicationVersion(QStringLiteral(KT930_VERSION));
-    app.setDesktopFileName(QStringLiteral("com.kt930.kt930pc"));
-    const QStringList arguments = app.arguments().mid(1);
+    QApplication::setApplicationName(QStringLiteral("kt930pc"));
+    QApplication::setApplicationVersion(QStringLiteral(KT930_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("com.kt930.kt930pc"));
+    const QStringList arguments = QApplication::arguments().mid(1);
     const bool test = arguments == QStringList{QStringLiteral("--self-test")};
     if (arguments == QStringList{QStringLiteral("--help")}) {
         std::fputs(Usage, stdout);
@@ -72,7 +72,7 @@ int main(int argc, char *argv[])
     {
         ThostMainWindow window(folders, reporting);
         window.show();
-        result = test ? selfTest(window) : app.exec();
+        result = test ? selfTest(window) : QApplication::exec();
     }
     return result;
 }

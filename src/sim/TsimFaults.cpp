@@ -1,4 +1,5 @@
 #include "TsimFaults.h"
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -12,10 +13,7 @@ const std::map<std::string, TsimFaults::Kind> kinds = {
 bool isCommand(const std::string &text)
 {
     static const char *known[] = {"GESI", "GUIN", "GASQ", "GTSP", "PUIN", "PASQ", "PTSP"};
-    for (const char *command : known)
-        if (text == command)
-            return true;
-    return false;
+    return std::ranges::any_of(known, [&](const char *command) { return text == command; });
 }
 }
 
@@ -53,18 +51,15 @@ bool TsimFaults::add(const std::string &request, std::string &why)
 
 bool TsimFaults::hits(Kind kind, const std::string &command, int block) const
 {
-    for (const Fault &fault : m_faults)
-        if (fault.kind == kind && fault.block == block && (fault.command.empty() || fault.command == command))
-            return true;
-    return false;
+    return std::ranges::any_of(m_faults, [&](const Fault &fault) {
+        return fault.kind == kind && fault.block == block && (fault.command.empty() || fault.command == command);
+    });
 }
 
 bool TsimFaults::silentAfter(const std::string &command) const
 {
-    for (const Fault &fault : m_faults)
-        if (fault.kind == Kind::SilentAfter && fault.command == command)
-            return true;
-    return false;
+    return std::ranges::any_of(m_faults,
+                               [&](const Fault &fault) { return fault.kind == Kind::SilentAfter && fault.command == command; });
 }
 
 const char *TsimFaults::help()

@@ -26,7 +26,7 @@ bool TsimOptions::parse(int argc, char **argv, std::string &why)
         static const char *const valueOptions[] = {"--listen", "--pty",   "--memory",     "--appdir",
                                                    "--baud",   "--fault", "--put-timeout"};
         if (std::find(std::begin(valueOptions), std::end(valueOptions), option) == std::end(valueOptions)) {
-            why = option.rfind("-", 0) == 0 ? "unknown option " + option : "unexpected argument " + option;
+            why = option.rfind('-', 0) == 0 ? "unknown option " + option : "unexpected argument " + option;
             return false;
         }
         // The next option is no value: "--memory --listen A:P" must not name a memory file "--listen".

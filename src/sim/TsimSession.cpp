@@ -29,7 +29,7 @@ TsimSession::TsimSession(TsimLink &link, TsimMemory &memory, const TsimFaults &f
 std::string TsimSession::identificationBlock()
 {
     std::string block(BlockSize, '\0');
-    std::memcpy(&block[0], "KT930 Plus", 10);
+    std::memcpy(block.data(), "KT930 Plus", 10);
     std::memcpy(&block[32], "SIM-000001", 10);
     std::memcpy(&block[48], "1.00", 4);
     return block;
@@ -156,7 +156,7 @@ TsimSession::Outcome TsimSession::receiveBlocks(const std::string &command, Tsim
         // has it never finds the memory without the put (also when we are stopped
         // while that acknowledgement is still on the line).
         if (last)
-            store(command, area, std::move(staging));
+            store(command, area, staging);
         result = m_link.write(last ? "*\r" : "C\r");
         if (result != TsimLink::Result::Ok)
             return failed(result, command + " block " + std::to_string(block) + (last ? "" : ", put dropped"));
@@ -164,10 +164,10 @@ TsimSession::Outcome TsimSession::receiveBlocks(const std::string &command, Tsim
     return Outcome::Done;
 }
 
-void TsimSession::store(const std::string &command, TsimMemory::Area area, std::vector<std::uint8_t> image)
+void TsimSession::store(const std::string &command, TsimMemory::Area area, const std::vector<std::uint8_t> &image)
 {
     const std::size_t blocks = TsimMemory::blockCount(area);
-    m_memory.image(area) = std::move(image);
+    m_memory.image(area) = image;
     if (m_settings.memoryFile.empty())
         log(command + " stored " + std::to_string(blocks) + " blocks");
     else if (m_memory.save(m_settings.memoryFile))

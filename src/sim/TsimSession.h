@@ -31,7 +31,7 @@ private:
     Outcome sendBlocks(const std::string &command, const std::uint8_t *data, std::size_t blocks);
     Outcome receiveBlocks(const std::string &command, TsimMemory::Area area);
     Outcome failed(TsimLink::Result result, const std::string &what);
-    void store(const std::string &command, TsimMemory::Area area, std::vector<std::uint8_t> image);
+    void store(const std::string &command, TsimMemory::Area area, const std::vector<std::uint8_t> &image);
     void log(const std::string &text) const;
 
     TsimLink &m_link;

@@ -12,6 +12,7 @@ constexpr int LetterCount = 26;
 std::vector<char> allLetters()
 {
     std::vector<char> letters;
+    letters.reserve(LetterCount);
     for (int j = 0; j < LetterCount; ++j)
         letters.push_back(static_cast<char>(FirstLetter + j));
     return letters;

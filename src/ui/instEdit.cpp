@@ -248,7 +248,7 @@ void TinstructionEditorForm::buildPanels()
             // Two files for one letter: the first one keeps it.
             if (!m_opPanelMap.emplace(info.opCode, panel.get()).second)
                 continue;
-            panel.release();
+            static_cast<void>(panel.release()); // the map holds it from now on
             m_opInfoMap.emplace(info.opCode, info);
             m_opOrderMap.emplace(info.opCode, info.listOrder);
         }
@@ -409,7 +409,7 @@ void TinstructionEditorForm::showRecord(int row)
         panel.Clear();
         reportUnfitCommand(index, record, error.code);
     }
-    ui->lstOp->setCurrentIndex(m_opComboMap.count(record.opCode) ? m_opComboMap[record.opCode] : -1);
+    ui->lstOp->setCurrentIndex(m_opComboMap.contains(record.opCode) ? m_opComboMap[record.opCode] : -1);
     ui->lstCat->setCurrentIndex(categoryIndex(record.category));
 }
 

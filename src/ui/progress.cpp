@@ -4,6 +4,7 @@
 #include "TguiText.h"
 #include <QThread>
 #include <QTimer>
+#include <memory>
 #include <stdexcept>
 
 TfrmProgress::TfrmProgress(QWidget *owner, void *context, TcommSettings *settings)
@@ -11,7 +12,7 @@ TfrmProgress::TfrmProgress(QWidget *owner, void *context, TcommSettings *setting
 {
     if (!settings)
         throw std::invalid_argument("Invalid parameters passed to TfrmProgress(TComponent, void *, void *");
-    ui.reset(new Ui::TfrmProgress);
+    ui = std::make_unique<Ui::TfrmProgress>();
     ui->setupUi(this);
     setModal(true);
     connect(ui->btnCancel, &QPushButton::clicked, this, &TfrmProgress::btnCancelClick);
