@@ -60,7 +60,6 @@ TEST(TDataCommClassGet, ReceivesBlocksByteExactWithoutAcknowledging)
     EXPECT_EQ(link.fake.script->written, "GTSP\r");
 }
 
-// A failed put leaves the line closed; a cancel between blocks stops sending.
 TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
 {
     const std::tuple<std::string, std::size_t, int, std::size_t> cases[] = { // acks (the command's, then one per block), blocks, result, blocks sent

@@ -11,8 +11,7 @@ namespace {
 using Kind = TtransferJob::Kind;
 const char *whatOf(const std::optional<std::invalid_argument> &e) { return e ? e->what() : "no exception"; }
 
-// The sync job over a fake USB line whose analyzer (vendor 0x0403) answers the
-// handshake and then sends `data`, perPoll bytes a poll when perPoll is set.
+// The sync job over a fake USB line whose analyzer (vendor 0x0403) answers the handshake, then sends `data`.
 struct SyncWorker : ::testing::Test {
     void answer(const std::string &data, std::size_t perPoll = 0)
     {
@@ -48,6 +47,7 @@ TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
         JobRun run;
         EXPECT_EQ(run.run({.kind = kind, .method = TcommMethod(3)}), TtransferJob::Outcome::Failed);
         EXPECT_EQ(run.messages.messages, std::vector<Message>{transferBox("Error", "Invalid State!\nOperation Cancelled.")});
+        EXPECT_TRUE(run.progress.cancelled);
         EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
         EXPECT_EQ(run.progress.stages, stages);
     }
@@ -66,17 +66,20 @@ TEST_F(SyncWorker, UsbSkipsDevicesOfOtherVendors)
     EXPECT_EQ(run.file("mit.dat").substr(1043 * 44), checkitems.substr(1043 * 44));
 }
 
-// Without any device the box is the USB stack test's.
-TEST_F(SyncWorker, UsbDevicesOfOtherVendorsOnlyAreNoAnalyzer)
+// Without any device the box is the USB stack test's. An unplugged analyzer fails the step it happens in.
+TEST_F(SyncWorker, UsbDevicesOfOtherVendorsOnlyAreNoAnalyzerAnUnpluggedOneACommunicationsError)
 {
     fake.script->vendors = {0x1234};
     sync();
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{transferBox(
-                                         "Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled.")});
+    answer("");
+    fake.script->gone = true;
+    sync();
+    EXPECT_EQ(run.messages.messages,
+              (std::vector<Message>{transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled."),
+                                    transferBox("Invalid Handshake Received.", "A communications error occurred.\r\rOperation Canceled.")}));
 }
 
-// Unlike a data chunk (see the 19200-baud sync against the simulator), a handshake
-// gets 40 polls however many bytes they bring.
+// Unlike a data chunk (see the 19200-baud sync end to end), a handshake gets 40 polls however many bytes they bring.
 TEST_F(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
 {
     answer({}, 100);

@@ -1,7 +1,6 @@
 // Places named by the upload check, at the edges of the documented layouts.
 #include "TuploadVerifier.h"
 #include <gtest/gtest.h>
-#include <memory>
 
 TEST(TuploadVerifierTest, NamesTheRecordOfAnOffsetInEachAreaAndTheFirstDifferenceInTransferOrder)
 {
