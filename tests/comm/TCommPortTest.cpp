@@ -54,16 +54,11 @@ protected:
 };
 }
 
-TEST(TCommPortNames, OverridesWinOverTheDeviceFamilies)
+TEST_F(TCommPortTest, NamesResolveClosedPortRefusesIoMissingDeviceIsOpenErrorOpenPortRefusesRename)
 {
-    TCommPort::setPortOverrides({{3, "/tmp/port3"}});
+    TCommPort::setPortOverrides({{3, "/tmp/port3"}}); // overrides win over the device families
     EXPECT_EQ((std::vector{TCommPort::resolve("COM3"), TCommPort::resolve("COM4"), TCommPort::resolve("/dev/pts/7")}),
               (std::vector<std::string>{"/tmp/port3", "/dev/ttyS3", "/dev/pts/7"}));
-    TCommPort::setPortOverrides({});
-}
-
-TEST_F(TCommPortTest, ClosedPortRefusesIoMissingDeviceIsOpenErrorOpenPortRefusesRename)
-{
     std::uint8_t buffer[4];
     EXPECT_EQ(codeOf([&] { port.ReadBytes(buffer, 4); }), ECommError::PortNotOpen);
     EXPECT_EQ(codeOf([&] { port.WriteBuffer(buffer, 4); }), ECommError::PortNotOpen);

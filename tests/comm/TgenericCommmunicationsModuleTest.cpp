@@ -1,8 +1,10 @@
 #include "FakeUsbDevice.h"
+#include "LoopbackAddress.h"
 #include "PtyPair.h"
 #include "RecordingMessageSink.h"
 #include "TgenericCommmunicationsModule.h"
-#include <QAbstractSocket>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <gtest/gtest.h>
 
 namespace {
@@ -16,20 +18,8 @@ struct ModuleFixture : ::testing::Test {
 };
 }
 
-TEST(QRTcommClassTest, AdmitsOneConnectionUntilReleased)
-{
-    QRTcommClass holder;
-    EXPECT_EQ(holder.release(), -1);
-    ASSERT_EQ(holder.acquire(QRTcommClass::Serial), &holder.serialSlot());
-    EXPECT_EQ(holder.acquire(QRTcommClass::Serial), nullptr);
-    EXPECT_EQ(holder.release(), 0);
-    EXPECT_EQ(holder.acquire(7), nullptr);
-    EXPECT_FALSE(holder.inUse());
-    EXPECT_EQ(holder.acquire(QRTcommClass::Socket), &holder.socketSlot());
-}
-
-// A failed open reports once unless quiet; an open while the holder is busy takes it over.
-TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndTakesTheHolder)
+// A failed open reports once unless quiet; an open while the holder is busy takes it over, releasing the other link.
+TEST_F(ModuleFixture, UsbTriesBothDescriptionsTakesTheHolderAndNeedsItsSetUp)
 {
     const Message notDetected{"Error", "Device Not Detected.\nPlease check connection.\n\nOperation Canceled."};
     FakeUsbInstalled fake;
@@ -46,13 +36,10 @@ TEST_F(ModuleFixture, UsbTriesBothDescriptionsAndTakesTheHolder)
     ASSERT_NE(holder.acquire(QRTcommClass::Serial), nullptr);
     EXPECT_EQ(Module(&holder, ModeUSB, 2000, 264, &usb, messages).open(), 0);
     EXPECT_EQ(std::pair(bool(holder.usbSlot()), bool(holder.serialSlot())), std::pair(true, false));
-}
-
-TEST_F(ModuleFixture, MissingSetupOrAFailedInitializeIsUninitialized)
-{
+    // Missing set-up, or a failed initialize, is uninitialized.
     EXPECT_THROW(Module(&holder, ModeNone, 2000, 264, &usb, messages).open(), TuninitializedCommModeException);
     EXPECT_THROW(Module(nullptr, ModeUSB, 2000, 264, &usb, messages).open(), TuninitializedCommModeException);
-    FakeUsbInstalled fake;
+    fake.script->descriptions.clear();
     Module module(&holder, ModeNone, 0, 0, nullptr, messages);
     EXPECT_THROW(module.initialize(&holder, ModeUSB, 2000, 264, &usb, true), TuninitializedCommModeException);
     EXPECT_EQ(std::tuple(module.mode(), module.getTimeout(), module.getBlockSize()), std::tuple(ModeNone, 2000u, 264u));
@@ -75,7 +62,6 @@ TEST_F(ModuleFixture, SerialOpensThroughPortOverrideAt19200Raw)
     TtransportParams serial = TtransportParams::makeSerial(201);
     Module module(&holder, ModeSerial, 2000, 264, &serial, messages);
     EXPECT_EQ(module.open(), 0);
-    EXPECT_EQ(module.isOpen(), Module::Connected);
     ASSERT_EQ(tcgetattr(pty.master, &line), 0); // the master reports the slave's line
     EXPECT_EQ(std::tuple(cfgetispeed(&line), cfgetospeed(&line), line.c_cflag & (CSIZE | PARENB | CSTOPB | CREAD | CLOCAL),
                          line.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), line.c_iflag & (ICRNL | IXON | ISTRIP),
@@ -121,6 +107,24 @@ TEST(EthernetMessageTable, TextsPerEvent)
     };
     for (const auto &[event, message] : rows)
         EXPECT_EQ(Module::socketMessage(event), message) << int(event);
+}
+
+TEST_F(ModuleFixture, EthernetBlockCutShortByAClosedConnectionTimesOut)
+{
+    QTcpServer server;
+    const LoopbackAddress address(3);
+    ASSERT_TRUE(server.listen(QHostAddress(QString::fromStdString(address.text())), AnalyzerTcpPort));
+    TtransportParams ethernet = TtransportParams::makeEthernet(address.a, address.b, address.c, address.d);
+    Module module(&holder, ModeEthernet, 100, 264, &ethernet, messages, true);
+    ASSERT_EQ(module.open(), 0);
+    ASSERT_TRUE(server.hasPendingConnections() || server.waitForNewConnection(2000));
+    QTcpSocket *peer = server.nextPendingConnection();
+    peer->write(QByteArray("AB", 2));
+    peer->waitForBytesWritten(1000);
+    peer->disconnectFromHost();
+    module.waitForData(2, 500);
+    std::uint8_t buffer[8] = {};
+    EXPECT_THROW(module.read(buffer, 8), TcommTimeoutException);
 }
 
 // A broken link fails the send or receive under way; other errors are general.
