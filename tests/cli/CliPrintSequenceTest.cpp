@@ -1,171 +1,133 @@
-// kt930ctl print-sequence: one autosequence or the binder of all used ones as a
-// PDF, read back with pdftotext; bad choices are named and print nothing.
+// kt930ctl print-sequence: one autosequence or the binder of all used ones as a PDF, read back with pdftotext;
+// bad choices are named and print nothing. The page layout is the printer's: here, which sequences are printed,
+// their names, setting lines and dates, and the binder's order.
 #ifdef KT930_HAS_PRINT
 #include "../print/PdfText.h"
 #include "ByteBuilder.h"
-#include "TempDir.h"
-#include <filesystem>
-#include <gtest/gtest.h>
+#include "CliFixture.h"
 #include <regex>
 
 namespace fs = std::filesystem;
 using namespace ByteBuilder;
 
 namespace {
-const std::string Indent = "    ";
+const std::string Indent = "    ", Unused = asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
 
-std::string unusedRecord()
-{
-    return asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
-}
-
-class CliPrintSequenceTest : public ::testing::Test {
-protected:
+struct CliPrintSequenceTest : CliFixture {
+    // Two checkitems; inspection 1 of two, and user tester 2's sequence 3 of all 24 items, in use.
     CliPrintSequenceTest()
     {
-        fs::create_directories(temp / "app");
-        fs::copy(std::string(KT930_TEST_APPDIR) + "/Data", temp / "app/Data", fs::copy_options::recursive);
         temp.write("app/Data/catdes.dat", "B, Electrical\n");
         std::string mit = checkitem('B', 'M', "EB\t0.1") + checkitem(' ', 'P', "Plug ok?");
         for (int slot = 2; slot < 1044; ++slot)
             mit += checkitem(0, 0, "");
         temp.write("app/Data/mit.dat", mit);
-        temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 2)
-                                                  + asqRecord("EARTH BOND", "CLASS I", 0x13, positions({1, 2}))
-                                                  + unusedRecord());
+        temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 2) + asqRecord("EARTH BOND", "CLASS I", 0x13, positions({1, 2})) + Unused);
         std::vector<std::uint16_t> full;
         for (int n = 0; n < 24; ++n)
             full.push_back(std::uint16_t(n % 2 + 1));
         for (int tester = 1; tester <= 5; ++tester) {
             std::string file = asqHeader("User Tester Autosequences", "WARD " + std::to_string(tester), 12);
             for (int j = 1; j <= 12; ++j)
-                file += tester == 2 && j == 3 ? asqRecord("LEAKAGE", "TOUCH", 0x1E, full) : unusedRecord();
+                file += tester == 2 && j == 3 ? asqRecord("LEAKAGE", "TOUCH", 0x1E, full) : Unused;
             temp.write("app/Data/usertester" + std::to_string(tester) + ".asq", file);
         }
     }
-
     ProgramRun print(std::vector<std::string> choice)
     {
-        std::vector<std::string> args{"print-sequence"};
-        args.insert(args.end(), choice.begin(), choice.end());
-        args.insert(args.end(), {"--pdf", pdf(), "--appdir", (temp / "app").string()});
-        return ProgramRun::run("kt930ctl", args, temp.path());
+        choice.insert(choice.begin(), "print-sequence");
+        choice.insert(choice.end(), {"--pdf", pdf});
+        return ctl(choice);
     }
-    std::string pdf() const { return (temp / "seq.pdf").string(); }
-    PdfPages pages() { return pdfPages(pdf(), true); }
-    TempDir temp;
+    // Of each printed page, its lines from the fourth (the sequence's name) on.
+    std::vector<std::vector<std::string>> printed()
+    {
+        PdfPages pages = pdfPages(pdf, true);
+        for (auto &page : pages)
+            page.erase(page.begin(), page.begin() + std::min<std::ptrdiff_t>(3, std::ssize(page)));
+        return pages;
+    }
+    const std::string pdf = (temp / "seq.pdf").string();
 };
 }
 
-// The page layout is the printer's (tested there): here, which sequences are printed,
-// their names, setting lines and dates, and the binder's order.
 TEST_F(CliPrintSequenceTest, EachChoicePrintsItsSequenceTheBinderEveryUsedOne)
 {
-    ProgramRun one = print({"--inspection", "1"});
-    ASSERT_EQ(one.exitCode, 0) << one.err;
-    EXPECT_EQ(one.out, "Printed 1 autosequence to " + pdf() + "\n");
-    auto printed = pages();
-    ASSERT_EQ(printed.size(), 1u);
-    ASSERT_EQ(printed[0].size(), 9u);
-    EXPECT_TRUE(std::regex_match(printed[0][0], std::regex(Indent + "[A-Z][a-z]+ \\d\\d \\d{4} - \\d\\d:\\d\\d:\\d\\d")))
-        << printed[0][0];
-    EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
-    EXPECT_EQ(printed[0][7], Indent + "1.   Electrical  M - Measure    EB\u00BB0.1");
-    EXPECT_EQ(printed[0][8], Indent + "2.               P - Pass/Fail  Plug ok?");
-
-    one = print({"--tester", "2", "--sequence", "3"});
-    ASSERT_EQ(one.exitCode, 0) << one.err;
-    printed = pages();
-    ASSERT_EQ(printed.size(), 1u);
-    EXPECT_EQ(std::vector<std::string>(printed[0].begin() + 3, printed[0].begin() + 6),
-              (std::vector<std::string>{Indent + "AutoSequence LEAKAGE - TOUCH", Indent + "Port: 6",
-                                        Indent + "Baud Rate: 19200 Baud"}));
-    EXPECT_EQ(printed[0].size(), 7u + 24u);
-
-    ProgramRun all = print({"--all"});
-    ASSERT_EQ(all.exitCode, 0) << all.err;
-    EXPECT_EQ(all.out, "Printed 2 autosequences to " + pdf() + "\n");
-    printed = pages();
-    ASSERT_EQ(printed.size(), 2u);
-    EXPECT_EQ(printed[0][3], Indent + "AutoSequence EARTH BOND - CLASS I");
-    EXPECT_EQ(printed[1][3], Indent + "AutoSequence LEAKAGE - TOUCH");
+    ProgramRun one = print({"--inspection", "1"}); // Qt may add its own notes on stderr
+    EXPECT_EQ(std::pair(one.exitCode, one.out), std::pair(0, "Printed 1 autosequence to " + pdf + "\n"));
+    const PdfPages pages = pdfPages(pdf, true);
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_TRUE(std::regex_match(pages[0].at(0), std::regex(Indent + "[A-Z][a-z]+ \\d\\d \\d{4} - \\d\\d:\\d\\d:\\d\\d"))) << pages[0][0];
+    const auto lines = printed().at(0); // the name, two setting lines, the column header, the rows
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ((std::vector{lines[0], lines[4], lines[5]}),
+              (std::vector<std::string>{Indent + "AutoSequence EARTH BOND - CLASS I", Indent + "1.   Electrical  M - Measure    EB\u00BB0.1",
+                                        Indent + "2.               P - Pass/Fail  Plug ok?"}));
+    ASSERT_EQ(print({"--tester", "2", "--sequence", "3"}).exitCode, 0);
+    PdfPages tester = printed();
+    ASSERT_EQ(tester.size(), 1u);
+    EXPECT_EQ(tester[0].size(), 4u + 24u);
+    tester[0].resize(3);
+    EXPECT_EQ(tester, (PdfPages{{Indent + "AutoSequence LEAKAGE - TOUCH", Indent + "Port: 6", Indent + "Baud Rate: 19200 Baud"}}));
+    EXPECT_EQ(print({"--all"}).out, "Printed 2 autosequences to " + pdf + "\n");
+    PdfPages all = printed();
+    for (auto &page : all)
+        page.resize(1);
+    EXPECT_EQ(all, (PdfPages{{Indent + "AutoSequence EARTH BOND - CLASS I"}, {Indent + "AutoSequence LEAKAGE - TOUCH"}}));
 }
 
 TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
 {
-    struct Case {
-        std::vector<std::string> choice;
-        int exitCode;
-        std::string errStart;
+    const std::string give = "kt930ctl print-sequence: give --pdf FILE and one of", inspections = ": the data set has inspections 1 to 2\n";
+    const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
+        {{"--inspection", "2"}, 1, "kt930ctl print-sequence: inspection 2: Autosequence is unused. Print operation not initiated.\n"},
+        {{"--inspection", "0"}, 2, "kt930ctl print-sequence: --inspection 0" + inspections},
+        {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3" + inspections},
+        {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x" + inspections},
+        {{"--tester", "6", "--sequence", "1"}, 2, "kt930ctl print-sequence: --tester 6: the data set has user testers 1 to 5\n"},
+        {{"--tester", "2", "--sequence", "13"}, 2, "kt930ctl print-sequence: --sequence 13: user tester 2 has sequences 1 to 12\n"},
+        {{"--tester", "2"}, 2, give},
+        {{"--all", "--inspection", "1"}, 2, give},
     };
-    const std::vector<Case> cases{
-        {{"--inspection", "2"}, 1,
-         "kt930ctl print-sequence: inspection 2: Autosequence is unused. Print operation not initiated.\n"},
-        {{"--inspection", "0"}, 2, "kt930ctl print-sequence: --inspection 0: the data set has inspections 1 to 2\n"},
-        {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3: the data set has inspections 1 to 2\n"},
-        {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x: the data set has inspections 1 to 2\n"},
-        {{"--tester", "6", "--sequence", "1"}, 2,
-         "kt930ctl print-sequence: --tester 6: the data set has user testers 1 to 5\n"},
-        {{"--tester", "2", "--sequence", "13"}, 2,
-         "kt930ctl print-sequence: --sequence 13: user tester 2 has sequences 1 to 12\n"},
-        {{"--tester", "2"}, 2, "kt930ctl print-sequence: give --pdf FILE and one of"},
-        {{"--all", "--inspection", "1"}, 2, "kt930ctl print-sequence: give --pdf FILE and one of"},
-    };
-    for (const Case &c : cases) {
-        ProgramRun result = print(c.choice);
-        EXPECT_EQ(result.exitCode, c.exitCode) << c.choice[0];
-        EXPECT_EQ(result.err.rfind(c.errStart, 0), 0u) << result.err;
-        EXPECT_FALSE(fs::exists(pdf()));
+    for (const auto &[choice, exitCode, errStart] : cases) {
+        ProgramRun result = print(choice);
+        EXPECT_EQ(std::tuple(result.exitCode, result.err.rfind(errStart, 0), fs::exists(pdf)), std::tuple(exitCode, std::size_t(0), false)) << result.err;
     }
-
-    fs::create_directory(pdf());
-    ProgramRun folder = print({"--inspection", "1"});
-    EXPECT_EQ(folder.exitCode, 1);
-    EXPECT_EQ(folder.err, "kt930ctl print-sequence: " + pdf() + " is a folder, not a file\n");
-    EXPECT_TRUE(fs::is_empty(pdf()));
-    fs::remove(pdf());
-
+    fs::create_directory(pdf);
+    EXPECT_EQ(outcome(print({"--inspection", "1"})), std::tuple(1, "", "kt930ctl print-sequence: " + pdf + " is a folder, not a file\n"));
+    EXPECT_TRUE(fs::is_empty(pdf));
+    fs::remove(pdf);
     for (int tester = 1; tester <= 5; ++tester) {
         std::string file = asqHeader("User Tester Autosequences", "WARD", 12);
         for (int j = 1; j <= 12; ++j)
-            file += unusedRecord();
+            file += Unused;
         temp.write("app/Data/usertester" + std::to_string(tester) + ".asq", file);
     }
-    temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 1) + unusedRecord());
-    ProgramRun none = print({"--all"});
-    EXPECT_EQ(none.exitCode, 1);
-    EXPECT_EQ(none.err, "kt930ctl print-sequence: no autosequence is in use; nothing printed\n");
-    EXPECT_FALSE(fs::exists(pdf()));
+    temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 1) + Unused);
+    EXPECT_EQ(outcome(print({"--all"})), std::tuple(1, "", "kt930ctl print-sequence: no autosequence is in use; nothing printed\n"));
+    EXPECT_FALSE(fs::exists(pdf));
 }
-// A file that did not load stops only its own sequences; its message is on stderr.
+
+// A file that did not load stops only its own sequences; its message is on stderr (Qt may add its own notes).
 TEST_F(CliPrintSequenceTest, OnlySequencesOfAFileThatDidNotLoadAreRefused)
 {
-    const std::string messages =
-        "Inspection Data Error\nWarning!! Corrupt Physical Inspection List\nPlease restore the data from the KT930.\n"
-        "User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
-        "Please restore the data from the KT930.\n";
-    const std::string refused = messages + "kt930ctl print-sequence: ";
+    const std::string messages = "Inspection Data Error\nWarning!! Corrupt Physical Inspection List\nPlease restore the data from the KT930.\n"
+                                 "User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
+                                 "Please restore the data from the KT930.\n",
+                      refused = messages + "kt930ctl print-sequence: ";
     temp.write("app/Data/inspection.asq", "not an autosequence file");
-    fs::remove(temp / "app/Data/usertester3.asq");
-    struct Case {
-        std::vector<std::string> choice;
-        int exitCode;
-        std::string err;
-    };
-    const std::vector<Case> cases{
+    fs::remove(data("usertester3.asq"));
+    const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
         {{"--tester", "2", "--sequence", "3"}, 0, messages},
         {{"--inspection", "1"}, 1, refused + "inspection 1: its file did not load (see above); nothing printed\n"},
-        {{"--tester", "3", "--sequence", "1"}, 1,
-         refused + "user tester 3 sequence 1: its file did not load (see above); nothing printed\n"},
+        {{"--tester", "3", "--sequence", "1"}, 1, refused + "user tester 3 sequence 1: its file did not load (see above); nothing printed\n"},
         {{"--all"}, 0, messages},
     };
-    for (const Case &c : cases) {
-        fs::remove(pdf());
-        ProgramRun result = print(c.choice);
-        EXPECT_EQ(result.exitCode, c.exitCode) << c.choice[0];
-        EXPECT_EQ(result.err.substr(0, c.err.size()), c.err); // Qt may add its own notes
-        EXPECT_EQ(fs::exists(pdf()), c.exitCode == 0) << c.choice[0];
+    for (const auto &[choice, exitCode, err] : cases) {
+        fs::remove(pdf);
+        ProgramRun result = print(choice);
+        EXPECT_EQ(std::tuple(result.exitCode, result.err.substr(0, err.size()), fs::exists(pdf)), std::tuple(exitCode, err, exitCode == 0));
     }
-    EXPECT_EQ(pages().size(), 1u); // --all: user tester 2's sequence alone
+    EXPECT_EQ(printed().size(), 1u); // --all: user tester 2's sequence alone
 }
 #endif
