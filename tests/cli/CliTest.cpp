@@ -1,23 +1,17 @@
 #include "ByteBuilder.h"
 #include "CliFixture.h"
 #include <cstdlib>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
 namespace {
 using CliTest = CliFixture;
 
-// The lines of text that are not among its lines.
+// The lines of `lines` that text does not hold as whole lines.
 std::vector<std::string> missing(const std::string &text, const std::vector<std::string> &lines)
 {
-    std::vector<std::string> all, absent;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        all.push_back(line);
-    for (const std::string &line : lines)
-        if (std::find(all.begin(), all.end(), line) == all.end())
-            absent.push_back(line);
+    std::vector<std::string> absent;
+    std::copy_if(lines.begin(), lines.end(), std::back_inserter(absent), [&](const std::string &line) { return ("\n" + text).find("\n" + line + "\n") == std::string::npos; });
     return absent;
 }
 }

@@ -1,12 +1,9 @@
 // kt930ctl download / upload / sync against the real simulator, its memory from the demo set; the PC has only the op codes.
+#include "CliFixture.h"
 #include "LoopbackAddress.h"
-#include "ProgramRun.h"
 #include "PtyPair.h"
 #include "SaveUnderFaults.h"
-#include "TempDir.h"
 #include "TsimProcess.h"
-#include <filesystem>
-#include <gtest/gtest.h>
 namespace fs = std::filesystem;
 
 namespace {
@@ -31,12 +28,7 @@ protected:
             all += name + (fs::exists(folder / name) ? ": " + TempDir::read(folder / name) : std::string("-")) + "\n";
         return all;
     }
-    void givePcTheDemoSet()
-    {
-        for (const auto &entry : fs::directory_iterator(DemoData))
-            if (entry.path().extension() != ".in")
-                fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
-    }
+    void givePcTheDemoSet() { fs::copy(DemoData, temp / "pc/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive); }
     std::unique_ptr<TsimProcess> startSimulator(const std::string &at, std::vector<std::string> extra = {})
     {
         extra.insert(extra.end(), {"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
@@ -54,7 +46,6 @@ protected:
     TempDir temp;
     const std::string pc = (temp / "pc/Data").string();
 };
-std::tuple<int, std::string, std::string> outcome(const ProgramRun &run) { return {run.exitCode, run.out, run.err}; }
 
 // Not a terminal: one plain line per stage.
 TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUploadRunOverIt)
