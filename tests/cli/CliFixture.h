@@ -6,8 +6,7 @@
 #include <gtest/gtest.h>
 #include <tuple>
 
-class CliFixture : public ::testing::Test {
-protected:
+struct CliFixture : ::testing::Test {
     CliFixture()
     {
         std::filesystem::create_directories(temp / "app");

@@ -1,17 +1,21 @@
 #include "ByteBuilder.h"
 #include "CliFixture.h"
+#include "TrestorePoints.h"
+#include <map>
 #include <cstdlib>
 
 namespace fs = std::filesystem;
 
 namespace {
 using CliTest = CliFixture;
+using CliRestore = CliFixture;
 
-// The lines of `lines` that text does not hold as whole lines.
-std::vector<std::string> missing(const std::string &text, const std::vector<std::string> &lines)
+// The lines of `lines` that text does not hold as whole lines, each ended by a line feed.
+std::string missing(const std::string &text, const std::vector<std::string> &lines)
 {
-    std::vector<std::string> absent;
-    std::copy_if(lines.begin(), lines.end(), std::back_inserter(absent), [&](const std::string &line) { return ("\n" + text).find("\n" + line + "\n") == std::string::npos; });
+    std::string absent;
+    for (const std::string &line : lines)
+        absent += ("\n" + text).find("\n" + line + "\n") == std::string::npos ? line + "\n" : "";
     return absent;
 }
 }
@@ -25,8 +29,7 @@ TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
                                    "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER", "  1. Visual Check - Mains Lead",
                                    "  18. <unused>", "  i. WORKSHOP BENCH", "      5. Printer Report - Serial Port 1",
                                    "  iii. USER TESTER 3", // blank name
-                                   "Checklists (4 used):", "  4. Incoming inspection: 8 9 36 37"}),
-              std::vector<std::string>{});
+                                   "Checklists (4 used):", "  4. Incoming inspection: 8 9 36 37"}), "");
 }
 
 TEST_F(CliTest, ShowJsonAndLoadMessages)
@@ -49,9 +52,7 @@ TEST_F(CliTest, ExportWritesTheUsedCheckitemsOrEverySlot)
     const fs::path csv = temp / "list.csv";
     ASSERT_EQ(ctl({"export-csv", csv.string()}).exitCode, 0);
     std::string text = TempDir::read(csv);
-    EXPECT_EQ(text.substr(0, 41), "A,K,Disconnect the device from the mains\n");
-    EXPECT_NE(text.find("\nE,L,EB\t0\t0.1\t0\t5\n"), std::string::npos);
-    EXPECT_NE(text.find("\n ,K,Test complete\n"), std::string::npos);
+    EXPECT_EQ(text.substr(0, 41) + missing(text, {"E,L,EB\t0\t0.1\t0\t5", " ,K,Test complete"}), "A,K,Disconnect the device from the mains\n");
     EXPECT_EQ(std::pair(std::count(text.begin(), text.end(), '\n'), text.find('\0')), std::pair(37L, std::string::npos)); // the demo's
     ASSERT_EQ(ctl({"export-csv", csv.string(), "--all"}).exitCode, 0);
     text = TempDir::read(csv);
@@ -89,7 +90,7 @@ TEST_F(CliTest, UsageErrorsAndHelp)
 {
     ProgramRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    EXPECT_EQ(missing(help.out, {"  import-csv      add the checkitems of a CSV file to the checkitem table"}), std::vector<std::string>{});
+    EXPECT_EQ(missing(help.out, {"  import-csv      add the checkitems of a CSV file to the checkitem table"}), "");
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
     const std::pair<std::vector<std::string>, std::string> refused[] = {
         {{}, ""},
@@ -112,9 +113,8 @@ TEST_F(CliTest, UsageErrorsAndHelp)
 TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserFolder)
 {
     const fs::path usr = temp / "root/usr", home = temp / "home", userFolder = home / ".local/share/kt930pc";
-    fs::create_directories(usr / "bin");
-    fs::create_directories(usr / "share/kt930pc");
-    fs::create_directories(home);
+    for (const fs::path &folder : {usr / "bin", usr / "share/kt930pc", home})
+        fs::create_directories(folder);
     fs::copy(std::string(KT930_TEST_APPDIR) + "/Data", usr / "share/kt930pc/Data", fs::copy_options::recursive);
     fs::copy_file(std::string(KT930_TEST_APPDIR) + "/kt930ctl", usr / "bin/kt930ctl");
     ::setenv("HOME", home.c_str(), 1);
@@ -148,22 +148,17 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
                                + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n"));
     EXPECT_EQ(TempDir::read(userFolder / "Data/mit.dat"), TempDir::read(usr / "share/kt930pc/Data/mit.dat"));
     EXPECT_EQ(installed({"show"}).out, first.out);
-    EXPECT_EQ(missing(installed({"where", "--appdir", appDir()}).out, {"application folder: " + appDir(), "  because --appdir was given"}),
-              std::vector<std::string>{});
+    EXPECT_EQ(missing(installed({"where", "--appdir", appDir()}).out, {"application folder: " + appDir(), "  because --appdir was given"}), "");
 }
 
 // Added after the used checkitems, the rest of the table unchanged.
 TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
 {
     const std::string before = TempDir::read(data("mit.dat")), into = "Imported 0 checkitems into " + data("mit.dat").string();
-    std::string noCommas;
-    for (int i = 0; i < 1234; ++i)
-        noCommas += "no comma\n";
     const std::tuple<std::string, int, std::string> cases[] = {
         {"E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\n", 0,
          "Imported 2 checkitems into " + data("mit.dat").string() + "; skipped 1 line that is not category,op code,command\n"},
         {"", 0, into + "\n"},
-        {noCommas, 1, into + "; skipped 1234 lines that are not category,op code,command\n"},
         {"A,Z,zap\nA,Z,zap\n,0,x\nA,Z,zap\nA,Z,zap\nA,Z,zap\nA,Z,zap\n", 1,
          into + "; skipped 7 lines with an op code that no definition file knows: line 1 (Z), line 2 (Z), line 3 (0), line 4 (Z), "
                 "line 5 (Z) and 2 more\n"},
@@ -206,4 +201,37 @@ TEST_F(CliTest, AnUnreadableApplicationFolderIsSaidPlainly)
         EXPECT_EQ(outcome(run(arguments)),
                   std::tuple(1, "", "kt930ctl " + command + ": the application folder " + file + " cannot be read (Not a directory)\n"));
     }
+}
+
+TEST_F(CliRestore, AnImportIsUndoneByteForByteAndTheUndoIsListedAndUndoable)
+{
+    const fs::path folder = temp / "app/Data";
+    auto dataFiles = [&] {
+        std::map<fs::path, std::string> files;
+        for (const fs::directory_entry &entry : fs::directory_iterator(folder))
+            if (entry.is_regular_file() && entry.path().filename().string()[0] != '.')
+                files[entry.path()] = TempDir::read(entry.path());
+        return files;
+    };
+    auto timeOf = [&](std::size_t number) { return TrestorePoints(folder).list().at(number - 1).time; };
+
+    EXPECT_EQ(ctl({"restore-points"}).out, "There are no restore points in " + folder.string() + ".\n");
+    const auto before = dataFiles();
+    temp.write("in.csv", "E,L,EB\t0\t0.5\t0\t5\n");
+    ASSERT_EQ(ctl({"import-csv", (temp / "in.csv").string()}).exitCode, 0);
+    const auto imported = dataFiles();
+    const std::string importTime = timeOf(1);
+    EXPECT_EQ(ctl({"restore-points"}).out, "  1  " + importTime + "  import  mit.dat\n");
+    EXPECT_EQ(outcome(ctl({"restore", "2"})), std::tuple(1, "", "kt930ctl restore: There is no restore point 2; the restore points are 1 to 1.\n"));
+    ProgramRun notANumber = ctl({"restore", "1x"});
+    EXPECT_EQ(std::pair(notANumber.exitCode, notANumber.err.rfind("kt930ctl restore: \"1x\" is not a restore point number\nUsage: kt930ctl restore N", 0)),
+              std::pair(2, std::size_t(0)));
+    EXPECT_EQ(dataFiles(), imported);
+
+    EXPECT_EQ(ctl({"restore", "1"}).out, "Restored from restore point 1 (" + importTime + ", replaced by import): mit.dat\n"
+                                         "The files this replaced are now restore point 1; kt930ctl restore 1 undoes this.\n");
+    EXPECT_EQ(dataFiles(), before);
+    EXPECT_EQ(ctl({"restore-points"}).out, "  1  " + timeOf(1) + "  restore 1 (" + importTime + ")  mit.dat\n  2  " + importTime + "  import  mit.dat\n");
+    ASSERT_EQ(ctl({"restore", "1"}).exitCode, 0);
+    EXPECT_EQ(dataFiles(), imported);
 }

@@ -1,4 +1,4 @@
-// kt930ctl download / upload / sync against the real simulator, its memory from the demo set; the PC has only the op codes.
+// kt930ctl download / upload / sync against the real simulator (its memory: the demo set); the PC keeps the op codes.
 #include "CliFixture.h"
 #include "LoopbackAddress.h"
 #include "PtyPair.h"
@@ -9,14 +9,12 @@ namespace fs = std::filesystem;
 namespace {
 const fs::path DemoData = fs::path(KT930_TEST_APPDIR) / "Data";
 
-class CliTransferTest : public ::testing::Test {
-protected:
+struct CliTransferTest : CliFixture {
     CliTransferTest()
     {
-        fs::create_directories(temp / "pc/Data");
-        for (const auto &entry : fs::directory_iterator(DemoData))
-            if (entry.path().extension() == ".in")
-                fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
+        for (const auto &entry : fs::directory_iterator(temp / "app/Data"))
+            if (entry.path().extension() != ".in")
+                fs::remove_all(entry.path());
     }
     static std::string address(int test) { return LoopbackAddress(test, 32).text(); }
     // The data files of a folder, "-" for a missing one.
@@ -28,7 +26,7 @@ protected:
             all += name + (fs::exists(folder / name) ? ": " + TempDir::read(folder / name) : std::string("-")) + "\n";
         return all;
     }
-    void givePcTheDemoSet() { fs::copy(DemoData, temp / "pc/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive); }
+    void givePcTheDemoSet() { fs::copy(DemoData, temp / "app/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive); }
     std::unique_ptr<TsimProcess> startSimulator(const std::string &at, std::vector<std::string> extra = {})
     {
         extra.insert(extra.end(), {"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
@@ -36,15 +34,9 @@ protected:
         EXPECT_TRUE(sim->waitForLog("ready")) << sim->log();
         return sim;
     }
-    ProgramRun ctl(std::vector<std::string> arguments)
-    {
-        arguments.insert(arguments.end(), {"--appdir", (temp / "pc").string()});
-        return ProgramRun::run("kt930ctl", std::move(arguments), temp.path());
-    }
     std::string memory(std::size_t size) const { return TempDir::read(temp / "memory.bin").substr(0, size); }
 
-    TempDir temp;
-    const std::string pc = (temp / "pc/Data").string();
+    const std::string pc = (temp / "app/Data").string();
 };
 
 // Not a terminal: one plain line per stage.
@@ -96,14 +88,14 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
     std::string table = TempDir::read(DemoData / "mit.dat");
     table[1 * 44 + 1] = 'Z';
     table[19 * 44 + 1] = '0';
-    temp.write("pc/Data/mit.dat", table);
+    temp.write("app/Data/mit.dat", table);
     const std::string at = address(9);
     EXPECT_EQ(outcome(ctl({"upload", "--ethernet", at})),
               std::tuple(1, "", "kt930ctl upload: not sending, checkitems with an op code that no definition file knows: slot 2 (Z), slot 20 (0) "
                                 "(--force sends them all the same)\n"));
     auto sim = startSimulator(at);
     ASSERT_EQ(ctl({"upload", "--force", "--ethernet", at}).exitCode, 0);
-    fs::remove(temp / "pc/Data/usertester3.asq");
+    fs::remove(temp / "app/Data/usertester3.asq");
     const std::string logBefore = sim->log();
     ProgramRun refused = ctl({"upload", "--force", "--ethernet", at});
     EXPECT_EQ(refused.exitCode, 1);
@@ -130,7 +122,7 @@ TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
 TEST_F(CliTransferTest, SerialPortKeysAreTakenOnlyWhenExact)
 {
     PtyPair pty;
-    temp.write("pc/KT930pc.ini", "[SERIALPORTS]\nCOM200x=" + pty.slavePath + "\n");
+    temp.write("app/KT930pc.ini", "[SERIALPORTS]\nCOM200x=" + pty.slavePath + "\n");
     ProgramRun result = ctl({"sync", "--serial", "200"});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.err.find("Serial Port Error\nOpen Error!"), std::string::npos) << result.err;
@@ -148,8 +140,8 @@ TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNe
     for (const auto &[arguments, minimumKills] : commands) {
         std::vector<std::string> line{(fs::path(KT930_TEST_APPDIR) / "kt930ctl").string()};
         line.insert(line.end(), arguments.begin(), arguments.end());
-        line.insert(line.end(), {"--appdir", (temp / "pc").string()});
-        const auto figures = SaveUnderFaults::killAtEveryRename(line, temp / "pc", before);
+        line.insert(line.end(), {"--appdir", appDir()});
+        const auto figures = SaveUnderFaults::killAtEveryRename(line, temp / "app", before);
         EXPECT_GE(figures.kills, minimumKills) << arguments[0];
         EXPECT_EQ(std::pair(figures.mixed, figures.leftovers), std::pair(0, 0)) << arguments[0];
     }
