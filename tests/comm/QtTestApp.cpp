@@ -3,17 +3,12 @@
 #include <gtest/gtest.h>
 
 namespace {
-class QtEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        static int argc = 1;
-        static char name[] = "kt930test";
-        static char *argv[] = {name, nullptr};
-        app = new QCoreApplication(argc, argv);
-    }
-    void TearDown() override { delete app; }
-    QCoreApplication *app = nullptr;
+struct QtEnvironment : ::testing::Environment {
+    void SetUp() override { app = std::make_unique<QCoreApplication>(argc, argv); }
+    void TearDown() override { app.reset(); }
+    int argc = 1;
+    char name[10] = "kt930test", *argv[2] = {name, nullptr};
+    std::unique_ptr<QCoreApplication> app;
 };
 const auto *environment = ::testing::AddGlobalTestEnvironment(new QtEnvironment);
 }

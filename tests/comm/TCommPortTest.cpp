@@ -4,32 +4,49 @@
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
 #include <thread>
-#include <vector>
 
 namespace {
-constexpr int PtyPort = 200;
+
+
+// The code and errno an ECommError carries.
+template <typename F> std::pair<int, int> failure(F f)
+{
+    auto e = thrown<ECommError>(f);
+    return e ? std::pair(int(e->code()), e->lastError()) : std::pair(0xFF, 0);
+}
+template <typename F> int codeOf(F f) { return failure(f).first; }
+// 1 when the terminal carries the exclusive mark; when a non-privileged open is refused for it, 1 too.
+int exclusiveMark(const std::string &path)
+{
+    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    if (fd < 0)
+        return errno == EBUSY;
+    int flag = -1;
+    ::ioctl(fd, TIOCGEXCL, &flag);
+    ::close(fd);
+    return flag;
+}
 
 class TCommPortTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        TCommPort::setPortOverrides({{PtyPort, pty.slavePath}});
+        TCommPort::setPortOverrides({{200, pty.slavePath}});
         port.SetCommPort("COM200");
         port.SetBaudRate(19200);
     }
     void TearDown() override { TCommPort::setPortOverrides({}); }
-
-    template <typename F> std::uint8_t codeOf(F f)
-    {
-        auto e = thrown<ECommError>(f);
-        return e ? e->code() : 0xFF;
-    }
-
     // Waits (up to 5 s) until count bytes are pending: the pty hands them over in pieces.
     void waitPending(std::size_t count)
     {
         for (int i = 0; i < 500 && port.BytesAvailable() < count; ++i)
             port.WaitReadable(10);
+    }
+    std::string read(std::size_t n, std::size_t expected)
+    {
+        std::string buffer(n + 1, 'x'); // one byte more, to see what a read leaves there
+        EXPECT_EQ(port.ReadBytes(reinterpret_cast<std::uint8_t *>(buffer.data()), n), expected);
+        return buffer;
     }
 
     PtyPair pty;
@@ -37,35 +54,18 @@ protected:
 };
 }
 
-TEST(TCommPortNames, NumbersMapToDevicesAndOverridesWin)
+TEST_F(TCommPortTest, NamesResolveClosedPortRefusesIoMissingDeviceIsOpenErrorOpenPortRefusesRename)
 {
-    EXPECT_EQ(TCommPort::devicePath(33), "/dev/ttyUSB0"); // the families: TserialPortMap's
-    TCommPort::setPortOverrides({{3, "/tmp/port3"}});
-    EXPECT_EQ(TCommPort::resolve("COM3"), "/tmp/port3");
-    EXPECT_EQ(TCommPort::resolve("COM4"), "/dev/ttyS3");
-    EXPECT_EQ(TCommPort::resolve("/dev/pts/7"), "/dev/pts/7");
-    TCommPort::setPortOverrides({});
-}
-
-TEST_F(TCommPortTest, ClosedPortRefusesIoWithCode7)
-{
+    TCommPort::setPortOverrides({{3, "/tmp/port3"}}); // overrides win over the device families
+    EXPECT_EQ((std::vector{TCommPort::resolve("COM3"), TCommPort::resolve("COM4"), TCommPort::resolve("/dev/pts/7")}),
+              (std::vector<std::string>{"/tmp/port3", "/dev/ttyS3", "/dev/pts/7"}));
     std::uint8_t buffer[4];
     EXPECT_EQ(codeOf([&] { port.ReadBytes(buffer, 4); }), ECommError::PortNotOpen);
     EXPECT_EQ(codeOf([&] { port.WriteBuffer(buffer, 4); }), ECommError::PortNotOpen);
     EXPECT_EQ(codeOf([&] { port.BytesAvailable(); }), ECommError::PortNotOpen);
-}
-
-TEST_F(TCommPortTest, MissingDeviceIsOpenErrorWithErrno)
-{
-    TCommPort::setPortOverrides({{PtyPort, "/nonexistent/tty"}});
-    auto e = thrown<ECommError>([&] { port.OpenCommPort(); });
-    ASSERT_TRUE(e) << "opened a missing device";
-    EXPECT_EQ(e->code(), ECommError::OpenError);
-    EXPECT_EQ(e->lastError(), ENOENT);
-}
-
-TEST_F(TCommPortTest, OpenPortRefusesRename)
-{
+    TCommPort::setPortOverrides({{200, "/nonexistent/tty"}});
+    EXPECT_EQ(failure([&] { port.OpenCommPort(); }), std::pair(int(ECommError::OpenError), ENOENT));
+    TCommPort::setPortOverrides({{200, pty.slavePath}});
     port.OpenCommPort();
     ASSERT_TRUE(port.GetConnected());
     EXPECT_EQ(codeOf([&] { port.SetCommPort("COM2"); }), ECommError::PortAlreadyOpen);
@@ -83,22 +83,21 @@ TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
     waitPending(chunk.size());
     peer.join();
     EXPECT_EQ(port.BytesAvailable(), 4224u);
-    std::vector<std::uint8_t> buffer(4224);
-    ASSERT_EQ(port.ReadBytes(buffer.data(), buffer.size()), 4224u);
-    EXPECT_EQ(std::string(buffer.begin(), buffer.end()), chunk);
+    EXPECT_EQ(read(4224, 4224), chunk + 'x');
     EXPECT_EQ(port.BytesAvailable(), 0u);
 }
 
-TEST_F(TCommPortTest, QueuedBytesComeBeforeLaterOnesAndCloseDropsThem)
+// A short read returns its count and puts a 0 after the data.
+TEST_F(TCommPortTest, QueuedBytesComeFirstShortReadsEndInNulAndCloseDropsThem)
 {
     port.OpenCommPort();
     pty.send("first");
     waitPending(5);
     pty.send("second");
-    std::uint8_t buffer[11] = {};
-    EXPECT_EQ(port.ReadBytes(buffer, 11), 11u);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 11), "firstsecond");
-
+    EXPECT_EQ(read(11, 11), "firstsecondx");
+    pty.send("abc");
+    waitPending(3);
+    EXPECT_EQ(read(10, 3), std::string("abc") + '\0' + std::string(7, 'x'));
     pty.send("stale");
     waitPending(5);
     port.CloseCommPort();
@@ -106,82 +105,37 @@ TEST_F(TCommPortTest, QueuedBytesComeBeforeLaterOnesAndCloseDropsThem)
     EXPECT_EQ(port.BytesAvailable(), 0u);
 }
 
-// The exclusive mark stays with the terminal after its descriptor closes unless
-// it is taken off.
-TEST_F(TCommPortTest, CloseGivesUpExclusiveUse)
+// A port another program holds exclusively does not open, even for a privileged
+// process, and keeps its holder's mark; our own mark would stay after close unless taken off.
+TEST_F(TCommPortTest, ExclusiveUseIsTakenGivenUpOnCloseAndRespectedElsewhere)
 {
-    auto exclusive = [&] {
-        int fd = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-        if (fd < 0)
-            return errno == EBUSY; // not privileged: the mark refuses the open
-        int flag = 0;
-        ::ioctl(fd, TIOCGEXCL, &flag);
-        ::close(fd);
-        return flag != 0;
-    };
     port.OpenCommPort();
-    EXPECT_TRUE(exclusive());
+    EXPECT_EQ(exclusiveMark(pty.slavePath), 1);
     port.CloseCommPort();
-    EXPECT_FALSE(exclusive());
-}
-
-// A port that another program holds exclusively does not open, even for a
-// privileged process, and keeps its holder's mark.
-TEST_F(TCommPortTest, PortHeldExclusivelyElsewhereIsOpenErrorBusy)
-{
+    EXPECT_EQ(exclusiveMark(pty.slavePath), 0);
     const int holder = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY);
-    ASSERT_GE(holder, 0);
     ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
-    auto e = thrown<ECommError>([&] { port.OpenCommPort(); });
-    EXPECT_TRUE(e) << "opened a port held elsewhere";
-    EXPECT_EQ(e ? e->code() : 0xFF, ECommError::OpenError);
-    EXPECT_EQ(e ? e->lastError() : 0, EBUSY);
+    EXPECT_EQ(failure([&] { port.OpenCommPort(); }), std::pair(int(ECommError::OpenError), EBUSY));
     port.CloseCommPort();
-    int flag = 0;
-    ::ioctl(holder, TIOCGEXCL, &flag);
-    EXPECT_EQ(flag, 1);
+    EXPECT_EQ(exclusiveMark(pty.slavePath), 1);
     ::close(holder);
 }
 
-TEST_F(TCommPortTest, ShortReadReturnsCountAndPutsNulAfterData)
-{
-    port.OpenCommPort();
-    pty.send("abc");
-    std::uint8_t buffer[10];
-    std::fill(std::begin(buffer), std::end(buffer), 'x');
-    EXPECT_EQ(port.ReadBytes(buffer, 10), 3u);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(buffer), 3), "abc");
-    EXPECT_EQ(buffer[3], 0);
-    EXPECT_EQ(buffer[4], 'x');
-}
-
-TEST_F(TCommPortTest, RefusedSettingKeepsOldValueAndThrowsItsCode)
-{
-    port.OpenCommPort();
-    EXPECT_EQ(codeOf([&] { port.SetBaudRate(12345); }), ECommError::BadBaudRate);
-    EXPECT_EQ(port.GetBaudRate(), 19200u);
-    EXPECT_EQ(codeOf([&] { port.SetByteSize(9); }), ECommError::BadByteSize);
-    EXPECT_EQ(port.GetByteSize(), 8);
-    EXPECT_EQ(codeOf([&] { port.SetParity(7); }), ECommError::BadParity);
-    EXPECT_EQ(port.GetParity(), 0);
-    EXPECT_EQ(codeOf([&] { port.SetStopBits(1); }), ECommError::BadStopBits);
-    EXPECT_EQ(port.GetStopBits(), 0);
-    port.SetBaudRate(9600);
-    EXPECT_EQ(port.GetBaudRate(), 9600u);
-}
-
-TEST_F(TCommPortTest, BadBaudRateAtOpenIsSetCommStateError)
+TEST_F(TCommPortTest, RefusedSettingKeepsOldValueAndThrowsItsCodeAndFailsAnOpen)
 {
     port.SetBaudRate(12345);
     EXPECT_EQ(codeOf([&] { port.OpenCommPort(); }), ECommError::SetCommStateError);
     EXPECT_FALSE(port.GetConnected());
-}
-
-TEST(ECommErrorTable, CodesNameTheirTexts)
-{
-    EXPECT_EQ(ECommError::text(0), "Bad Serial Port!");
-    EXPECT_EQ(ECommError::text(8), "Open Error!");
-    EXPECT_EQ(ECommError::text(13), "Flush File Buffers Error!");
-    EXPECT_EQ(ECommError::text(18), "Clear Comm Error!");
-    EXPECT_EQ(ECommError::text(19), "");
+    port.SetBaudRate(19200);
+    port.OpenCommPort();
+    const auto settings = [&] { return std::tuple(port.GetBaudRate(), port.GetByteSize(), port.GetParity(), port.GetStopBits()); };
+    const auto before = settings();
+    EXPECT_EQ(codeOf([&] { port.SetBaudRate(12345); }), ECommError::BadBaudRate);
+    EXPECT_EQ(codeOf([&] { port.SetByteSize(9); }), ECommError::BadByteSize);
+    EXPECT_EQ(codeOf([&] { port.SetParity(7); }), ECommError::BadParity);
+    EXPECT_EQ(codeOf([&] { port.SetStopBits(1); }), ECommError::BadStopBits);
+    EXPECT_EQ(settings(), before);
+    EXPECT_EQ(std::get<0>(before), 19200u);
+    port.SetBaudRate(9600);
+    EXPECT_EQ(port.GetBaudRate(), 9600u);
 }

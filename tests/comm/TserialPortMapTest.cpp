@@ -10,33 +10,19 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-TEST(SerialPortMap, NumbersMapToDeviceFamilies)
+TEST(SerialPortMap, FixedFamiliesAndOnlyKeysComAndANumberFrom1To256MapAPort)
 {
     for (auto [port, device] : {std::pair{1, "/dev/ttyS0"}, {32, "/dev/ttyS31"}, {33, "/dev/ttyUSB0"},
                                 {64, "/dev/ttyUSB31"}, {65, "/dev/ttyACM0"}, {96, "/dev/ttyACM31"}, {97, ""}, {0, ""}})
         EXPECT_EQ(TserialPortMap::defaultDevice(port), device) << port;
-}
-
-TEST(SerialPortMap, OnlyKeysComAndANumberFrom1To256MapAPort)
-{
     TempDir dir;
-    const auto ini = dir.write("KT930pc.ini", "[SERIALPORTS]\n"
-                                              "COM7=/dev/seven\n"
-                                              "com8=/dev/eight\n"
-                                              "COM256=/dev/last\n"
-                                              "COM12x=/dev/no\n"
-                                              "COM+5=/dev/no\n"
-                                              "COM0=/dev/no\n"
-                                              "COM257=/dev/no\n"
-                                              "COM1000=/dev/no\n"
-                                              "COM=/dev/no\n"
-                                              "PORT3=/dev/no\n"
-                                              "[COMM]\n"
-                                              "COM9=/dev/no\n");
+    const auto ini = dir.write("KT930pc.ini", "[SERIALPORTS]\nCOM7=/dev/seven\ncom8=/dev/eight\nCOM256=/dev/last\n"
+                                              "COM12x=/dev/no\nCOM+5=/dev/no\nCOM0=/dev/no\nCOM257=/dev/no\n"
+                                              "COM1000=/dev/no\nCOM=/dev/no\nPORT3=/dev/no\n[COMM]\nCOM9=/dev/no\n");
     const auto overrides = TserialPortMap::readOverrides(ini);
     EXPECT_EQ(overrides, (std::map<int, std::string>{{7, "/dev/seven"}, {8, "/dev/eight"}, {256, "/dev/last"}}));
-    EXPECT_EQ(TserialPortMap::deviceOf(7, overrides), "/dev/seven");
-    EXPECT_EQ(TserialPortMap::deviceOf(12, overrides), "/dev/ttyS11");
+    EXPECT_EQ((std::vector{TserialPortMap::deviceOf(7, overrides), TserialPortMap::deviceOf(12, overrides)}),
+              (std::vector<std::string>{"/dev/seven", "/dev/ttyS11"}));
 }
 
 // Another program's exclusive hold survives the probe (a privileged probe could
@@ -47,20 +33,14 @@ TEST(SerialPortMap, ProbeSkipsAHeldPortAndKeepsItsHold)
     const int holder = ::open(held.slavePath.c_str(), O_RDWR | O_NOCTTY);
     ASSERT_GE(holder, 0);
     ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
-
     const std::vector<int> ports = TserialPortMap::freePorts({{200, held.slavePath}, {201, free.slavePath}});
-    EXPECT_EQ(std::count(ports.begin(), ports.end(), 200), 0);
-    EXPECT_EQ(std::count(ports.begin(), ports.end(), 201), 1);
-    auto exclusive = [](const std::string &path) {
-        int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-        int flag = -1;
-        ::ioctl(fd, TIOCGEXCL, &flag);
-        ::close(fd);
-        return flag;
-    };
-    int heldFlag = -1;
-    ::ioctl(holder, TIOCGEXCL, &heldFlag);
-    EXPECT_EQ(heldFlag, 1);
-    EXPECT_EQ(exclusive(free.slavePath), 0);
+    EXPECT_EQ(std::pair(std::count(ports.begin(), ports.end(), 200), std::count(ports.begin(), ports.end(), 201)),
+              std::pair(0L, 1L));
+    const int other = ::open(free.slavePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    int marks[2] = {-1, -1};
+    ::ioctl(holder, TIOCGEXCL, &marks[0]);
+    ::ioctl(other, TIOCGEXCL, &marks[1]);
+    EXPECT_EQ(std::vector(marks, marks + 2), (std::vector{1, 0}));
+    ::close(other);
     ::close(holder);
 }

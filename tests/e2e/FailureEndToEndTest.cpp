@@ -1,8 +1,6 @@
-// Failures provoked for real over both links: the simulator's injected faults, a
-// cancel, a missing serial device (a refused connection runs through the command
-// line). Each ends with its messages, without hanging; a failed download or sync
-// leaves the data set and its files as they were, a failed upload the analyzer's
-// memory.
+// Failures provoked for real over both links: the simulator's injected faults, a cancel, a missing serial device
+// (a refused connection runs through the command line). Each ends with its messages, without hanging; a failed
+// download or sync leaves the data set and its files as they were, a failed upload the analyzer's memory.
 #include "JobRun.h"
 #include "KnownDataSet.h"
 #include "SimulatorUnderTest.h"
@@ -21,8 +19,8 @@ using Messages = std::vector<Matcher<Message>>;
 
 const Message Disconnected{"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"};
 // A terminal that hangs up is a port error, which is no failure the block engine knows.
-const Message HungUpOnGet = transferBox("VCL Exception", "Unknown Exception on Get Data Command");
-const Message HungUpOnPut = transferBox("VCL Exception", "Unknown Exception on Put Data Command");
+const Message HungUpOnGet = transferBox("VCL Exception", "Unknown Exception on Get Data Command"),
+              HungUpOnPut = transferBox("VCL Exception", "Unknown Exception on Put Data Command");
 const char SyncTimeoutText[] = "A communications timeout occurred.\r\rOperation Canceled.";
 const Message SyncDataTimedOut = transferBox("Data Timed Out.", SyncTimeoutText);
 
@@ -36,30 +34,22 @@ struct Failure {
     int cancelAtPosition = -1;
 };
 
-// Whether the next block still goes out before a close is seen decides between a
-// failed send and a missing acknowledgement; both end the upload there.
+// Whether the next block still goes out before a close is seen decides between a failed send and a missing
+// acknowledgement; both end the upload there.
 const Failure Failures[] = {
-    {"SilentAfterTheHandshake", Kind::Download, {"silent-after=GESI"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
-     "Getting Checkitems"},
-    {"ShortBlock", Kind::Download, {"short-block=1@GASQ"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
-     "Getting Autosequences"},
-    {"ClosedDuringADownload", Kind::Download, {"close-at-block=5@GTSP"}, {Eq(Disconnected), Eq(TimeoutError)},
-     {Eq(HungUpOnGet)}, "Getting Checklists"},
-    {"CancelBetweenBlocks", Kind::Download, {}, {Eq(OperationCancelled)}, {Eq(OperationCancelled)},
-     "Getting Checkitems", false, 70},
-    {"WrongBlockAck", Kind::Upload, {"bad-ack-block=10@PUIN"}, {Eq(CommunicationsFailed)},
-     {Eq(CommunicationsFailed)}, "Putting Checkitems"},
-    {"UnacknowledgedFirstBlock", Kind::Upload, {"no-ack-block=0@PUIN"}, {Eq(TimeoutError)}, {Eq(TimeoutError)},
-     "Putting Checkitems"},
-    {"ClosedDuringAnUpload", Kind::Upload, {"close-at-block=3@PASQ"},
-     {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)}, {Eq(HungUpOnPut)}, "Putting Autosequences",
-     true},
+    {"SilentAfterTheHandshake", Kind::Download, {"silent-after=GESI"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Getting Checkitems"},
+    {"ShortBlock", Kind::Download, {"short-block=1@GASQ"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Getting Autosequences"},
+    {"ClosedDuringADownload", Kind::Download, {"close-at-block=5@GTSP"}, {Eq(Disconnected), Eq(TimeoutError)}, {Eq(HungUpOnGet)},
+     "Getting Checklists"},
+    {"CancelBetweenBlocks", Kind::Download, {}, {Eq(OperationCancelled)}, {Eq(OperationCancelled)}, "Getting Checkitems", false, 70},
+    {"WrongBlockAck", Kind::Upload, {"bad-ack-block=10@PUIN"}, {Eq(CommunicationsFailed)}, {Eq(CommunicationsFailed)}, "Putting Checkitems"},
+    {"UnacknowledgedFirstBlock", Kind::Upload, {"no-ack-block=0@PUIN"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Putting Checkitems"},
+    {"ClosedDuringAnUpload", Kind::Upload, {"close-at-block=3@PASQ"}, {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)},
+     {Eq(HungUpOnPut)}, "Putting Autosequences", true},
     {"SyncSilentAfterTheHandshake", Kind::Sync, {"silent-after=GESI"}, {Eq(SyncDataTimedOut)},
      {Eq(transferBox("Data Transfer Timed Out.", SyncTimeoutText))}, "Sending Request for Data"},
-    {"SyncClosedDuringTheData", Kind::Sync, {"close-at-block=3@GUIN"},
-     {Eq(Disconnected), Eq(SyncDataTimedOut)},
-     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))},
-     "Sending Request for Data"},
+    {"SyncClosedDuringTheData", Kind::Sync, {"close-at-block=3@GUIN"}, {Eq(Disconnected), Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))}, "Sending Request for Data"},
 };
 
 void PrintTo(const Failure &failure, std::ostream *out)
@@ -95,39 +85,25 @@ TEST_P(FailedTransfer, EndsWithItsMessagesAndChangesNothingItShouldNot)
     EXPECT_THAT(run.messages.messages, ::testing::ElementsAreArray(link == Link::Tcp ? failure.overTcp : failure.overPty));
     EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
     EXPECT_EQ(run.progress.stages.back(), failure.lastStage);
-    EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "containers changed";
-    EXPECT_TRUE(files() == filesBefore) << "files changed";
+    EXPECT_TRUE(KnownDataSet::snapshot(run.set) + files() == before + filesBefore) << "containers or files changed";
     EXPECT_FALSE(std::filesystem::exists(run.set.dataFolder() / ".restore"));
-    KnownImages expected = memory;
-    if (failure.checkitemsStored)
-        expected.checkitems = KnownDataSet::images(2).checkitems;
+    const KnownImages expected{failure.checkitemsStored ? KnownDataSet::images(2).checkitems : memory.checkitems, memory.autosequences, memory.checklists};
     EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == expected.memoryFile()) << "analyzer memory differs";
 }
 
-INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer,
-                         ::testing::Combine(::testing::Values(Link::Tcp, Link::Pty), ::testing::ValuesIn(Failures)),
-                         [](const auto &info) {
-                             return std::string(std::get<0>(info.param) == Link::Tcp ? "Tcp" : "Pty")
-                                 + std::get<1>(info.param).name;
-                         });
+INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer, ::testing::Combine(::testing::Values(Link::Tcp, Link::Pty), ::testing::ValuesIn(Failures)),
+                         [](const auto &info) { return (std::get<0>(info.param) == Link::Tcp ? "Tcp" : "Pty") + std::string(std::get<1>(info.param).name); });
 
 // The port's own box, then the failure that ends each kind of transfer there.
 TEST(FailedTransferOverSerial, MissingDeviceShowsThePortsBoxThenTheConnectionFailure)
 {
-    const std::tuple<Kind, Message, const char *> cases[] = {
-        {Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."),
-         "Initiating Handshake"},
-        {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."),
-         "Initializing Serial Connection"},
-    };
-    for (const auto &[kind, failure, lastStage] : cases) {
+    for (const auto &[kind, failure, lastStage] :
+         {std::tuple{Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."), "Initiating Handshake"},
+          {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."), "Initializing Serial Connection"}}) {
         JobRun run;
         TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (run.appDir / "no-such-tty").string()}});
-        TtransferJob::Parameters parameters;
-        parameters.kind = kind;
-        parameters.method = TcommMethod::Serial;
-        parameters.serialPort = SimulatorUnderTest::PtyComPort;
-        EXPECT_EQ(run.run(parameters), TtransferJob::Outcome::Failed);
+        EXPECT_EQ(run.run({.kind = kind, .method = TcommMethod::Serial, .serialPort = SimulatorUnderTest::PtyComPort}),
+                  TtransferJob::Outcome::Failed);
         TCommPort::setPortOverrides({});
         EXPECT_EQ(run.messages.messages, (std::vector<Message>{{"Serial Port Error", "Open Error!"}, failure}));
         EXPECT_EQ(run.progress.stages.back(), lastStage);

@@ -3,8 +3,7 @@
 #include "TCommPort.h"
 #include <cstdio>
 
-SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults,
-                                       int baud)
+SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults, int baud)
     : m_link(link), m_memoryFile(m_temp.write("memory.bin", memory.memoryFile()))
 {
     std::vector<std::string> arguments{"--memory", m_memoryFile.string()};
@@ -12,17 +11,15 @@ SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, con
         m_address = freshAddress();
         arguments.insert(arguments.end(), {"--listen", m_address + ":60601"});
     } else {
-        m_ptyLink = m_temp / "analyzer-tty";
-        arguments.insert(arguments.end(), {"--pty", m_ptyLink.string()});
-        TCommPort::setPortOverrides({{PtyComPort, m_ptyLink.string()}});
+        arguments.insert(arguments.end(), {"--pty", (m_temp / "analyzer-tty").string()});
+        TCommPort::setPortOverrides({{PtyComPort, (m_temp / "analyzer-tty").string()}});
     }
     if (baud)
         arguments.insert(arguments.end(), {"--baud", std::to_string(baud)});
     for (const std::string &fault : faults)
         arguments.insert(arguments.end(), {"--fault", fault});
     m_process = std::make_unique<TsimProcess>(arguments);
-    // Its links exist once "ready" is logged.
-    m_ready = m_process->waitForLog("ready");
+    m_ready = m_process->waitForLog("ready"); // its links exist from then on
 }
 
 SimulatorUnderTest::~SimulatorUnderTest()
@@ -34,17 +31,11 @@ SimulatorUnderTest::~SimulatorUnderTest()
 
 TtransferJob::Parameters SimulatorUnderTest::job(TtransferJob::Kind kind, std::uint8_t selection) const
 {
-    TtransferJob::Parameters parameters;
-    parameters.kind = kind;
-    parameters.selection = selection;
-    if (m_link == Link::Pty) {
-        parameters.method = TcommMethod::Serial;
-        parameters.serialPort = PtyComPort;
-        return parameters;
+    TtransferJob::Parameters parameters{.kind = kind, .method = TcommMethod::Serial, .serialPort = PtyComPort, .selection = selection};
+    if (m_link == Link::Tcp) {
+        parameters.method = TcommMethod::Ethernet;
+        std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2], &parameters.ip[3]);
     }
-    parameters.method = TcommMethod::Ethernet;
-    std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2],
-                &parameters.ip[3]);
     return parameters;
 }
 

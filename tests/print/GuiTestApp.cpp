@@ -1,22 +1,14 @@
-// Fonts and the PDF engine need a GUI application; the offscreen platform gives
-// one without a display.
+// Fonts and the PDF engine need a GUI application; the offscreen platform (set by the test runner) gives one without a display.
 #include <QGuiApplication>
 #include <gtest/gtest.h>
 
 namespace {
-class GuiEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override
-    {
-        static int argc = 1;
-        static char name[] = "kt930test";
-        static char *argv[] = {name, nullptr};
-        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-            qputenv("QT_QPA_PLATFORM", "offscreen");
-        app = new QGuiApplication(argc, argv);
-    }
-    void TearDown() override { delete app; }
-    QGuiApplication *app = nullptr;
+struct GuiEnvironment : ::testing::Environment {
+    void SetUp() override { app = std::make_unique<QGuiApplication>(argc, argv); }
+    void TearDown() override { app.reset(); }
+    int argc = 1;
+    char name[10] = "kt930test", *argv[2] = {name, nullptr};
+    std::unique_ptr<QGuiApplication> app;
 };
 const auto *environment = ::testing::AddGlobalTestEnvironment(new GuiEnvironment);
 }

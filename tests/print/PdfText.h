@@ -1,7 +1,6 @@
 #pragma once
-// A printed PDF read back as text with pdftotext -layout, one text column per
-// 6 points (the pitch of a 10-point fixed-pitch face): blanks come back exactly,
-// and the 200-unit margin (1/3 inch) as four of them.
+// A printed PDF read back as text with pdftotext -layout, one text column per 6 points (the pitch of a 10-point
+// fixed-pitch face): blanks come back exactly, and the 200-unit margin (1/3 inch) as four of them.
 #include "ProgramRun.h"
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -14,8 +13,7 @@ using PdfPages = std::vector<std::vector<std::string>>;
 // Each page's lines; with textOnly, blank lines are dropped and trailing blanks cut.
 inline PdfPages pdfPages(const std::filesystem::path &pdf, bool textOnly)
 {
-    ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf.string(), "-"},
-                                          pdf.parent_path());
+    ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf.string(), "-"}, pdf.parent_path());
     EXPECT_EQ(text.exitCode, 0) << text.err;
     // pdftotext ends every page, the last one too, with a form feed.
     PdfPages pages(1);

@@ -1,22 +1,17 @@
 #include "ByteBuilder.h"
 #include "TransferImages.h"
-#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace TransferImages;
 using namespace ByteBuilder;
 
 namespace {
-std::string image(const std::uint8_t *area, std::size_t offset, std::size_t size)
-{
-    return std::string(reinterpret_cast<const char *>(area) + offset, size);
-}
+std::string image(const void *area, std::size_t offset, std::size_t size) { return std::string(static_cast<const char *>(area) + offset, size); }
 
-// An autosequence record of 88 bytes at offset: two 19-byte titles, 24 items, setting.
-inline void putSequence(std::string &image, std::size_t offset, const std::string &title1, const std::string &title2,
-                        std::vector<std::uint16_t> items, std::uint16_t setting)
+// An autosequence record of 88 bytes at offset: two 19-byte zero-padded titles, 24 items, setting.
+void putSequence(std::string &image, std::size_t offset, const std::string &title1, const std::string &title2,
+                 std::vector<std::uint16_t> items, std::uint16_t setting)
 {
-    // Titles are written as 19 bytes, zero-padded.
     putText(image, offset, (title1 + std::string(19, '\0')).substr(0, 19));
     putText(image, offset + 19, (title2 + std::string(19, '\0')).substr(0, 19));
     for (std::size_t i = 0; i < 24; ++i)
@@ -24,24 +19,16 @@ inline void putSequence(std::string &image, std::size_t offset, const std::strin
     putWord(image, offset + 86, setting);
 }
 
-std::string le(std::initializer_list<std::uint16_t> words)
-{
-    std::string out;
-    for (std::uint16_t w : words)
-        out += le16(w);
-    return out;
-}
 }
 
-// Whole images are compared byte for byte in the end-to-end uploads; these are the
-// edges a full data set does not reach.
+// Whole images are compared in the end-to-end uploads; these are the edges a full data set does not reach.
 TEST(TransferImagesPack, ShortTablesGoOutWithBlankRecordsAndNamesAreCut)
 {
     TTestProcList lists;
     lists.items.resize(2);
     std::vector<std::uint8_t> checklistArea(ChecklistBytes, 0xAA);
     packChecklists(lists, checklistArea.data());
-    EXPECT_EQ(image(checklistArea.data(), 499 * 264, 46), std::string(41, ' ') + '\0' + le({0, 0xFFFF}));
+    EXPECT_EQ(image(checklistArea.data(), 499 * 264, 46), std::string(41, ' ') + '\0' + le16(0) + le16(0xFFFF));
     EXPECT_EQ(image(checklistArea.data(), 499 * 264 + 236, 28), std::string(28, '\xAA')); // a slot's tail stays
 
     std::vector<Tautosequence> inspections(2);
@@ -49,8 +36,7 @@ TEST(TransferImagesPack, ShortTablesGoOutWithBlankRecordsAndNamesAreCut)
     testers[1].name = "A name much longer than twenty";
     std::vector<std::uint8_t> area(AutosequenceBytes, 0xAA);
     packAutosequences(inspections, testers, area.data());
-    EXPECT_EQ(image(area.data(), 17 * 88, 19), std::string(18, ' ') + '\0');
-    EXPECT_EQ(image(area.data(), 17 * 88 + 38, 4), le({0, 0xFFFF}));
+    EXPECT_EQ(image(area.data(), 17 * 88, 42), std::string(18, ' ') + '\0' + std::string(18, ' ') + '\0' + le16(0) + le16(0xFFFF));
     EXPECT_EQ(image(area.data(), 6864 + 21, 21), std::string("A name much longer t") + '\0');
     EXPECT_EQ(image(area.data(), 6864 + 4 * 21, 21), std::string(20, ' ') + '\0');
     EXPECT_EQ(image(area.data(), 6969, 159), std::string(159, '\xAA'));
@@ -64,31 +50,22 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
     putSequence(area, 2 * 88, std::string("Tab\there\x7f") + std::string(10, 'x'), "Second", {5, 0, 7, 8}, 0x1B);
     for (std::size_t k = 0; k < 60; ++k)
         putSequence(area, 1584 + k * 88, "S", "T", {0}, 0);
-    // Tester names: controls and 127 to blanks, then trimmed.
-    putText(area, 6864 + 0 * 21, std::string("  NEW\x01TESTER") + '\0');
-    putText(area, 6864 + 1 * 21, std::string("\tBench\x7f\r\n") + '\0');
-    putText(area, 6864 + 2 * 21, std::string(20, '\x1F') + '\0');
-    putText(area, 6864 + 3 * 21, std::string("  Unit 4  ") + '\0' + "junk");
+    // Tester names and titles: controls and 127 to blanks, then names trimmed, titles cut to 18 and ended by 0.
+    const std::string names[] = {"  NEW\x01TESTER", "\tBench\x7f\r\n", std::string(20, '\x1F'), std::string("  Unit 4  \0junk", 15)};
+    for (std::size_t t = 0; t < 4; ++t)
+        putText(area, 6864 + t * 21, names[t] + '\0');
     std::vector<Tautosequence> inspections(3);
     std::vector<TuserTester> testers(7);
     unpackAutosequences(reinterpret_cast<const std::uint8_t *>(area.data()), inspections, testers);
 
-    ASSERT_EQ(inspections.size(), 18u);
-    ASSERT_EQ(testers.size(), 5u);
+    std::vector<std::string> got;
     for (const auto &tester : testers)
-        EXPECT_EQ(tester.sequences.size(), 12u);
-    const Tautosequence &s = inspections[2];
-    // Title: controls and 127 to blanks, cut to 18, then 0.
-    EXPECT_EQ(std::string(s.title1, 19), std::string("Tab here ") + std::string(9, 'x') + '\0');
-    EXPECT_EQ(std::string(s.title2, 19), "Second" + std::string(12, ' ') + '\0');
-    EXPECT_EQ(s.items[0], 5);
-    EXPECT_EQ(s.items[1], 0);
-    EXPECT_EQ(s.items[2], 0xFFFF);
-    EXPECT_EQ(s.items[3], 0xFFFF);
-    EXPECT_EQ(s.setting, 0x1B);
-    const std::vector<std::string> names{"NEW TESTER", "Bench", "", "Unit 4", ""};
-    for (std::size_t t = 0; t < 5; ++t)
-        EXPECT_EQ(testers[t].name, names[t]);
+        got.push_back(tester.name + "/" + std::to_string(tester.sequences.size()));
+    EXPECT_EQ(got, (std::vector<std::string>{"NEW TESTER/12", "Bench/12", "/12", "Unit 4/12", "/12"}));
+    ASSERT_EQ(inspections.size(), 18u);
+    EXPECT_EQ(image(&inspections[2], 0, 88),
+              "Tab here " + std::string(9, 'x') + '\0' + "Second" + std::string(12, ' ') + '\0' + le16(5) + le16(0)
+                  + std::string(44, '\xFF') + le16(0x1B));
 }
 
 TEST(TransferImagesUnpack, ChecklistsReplaceTheTable)
@@ -101,8 +78,8 @@ TEST(TransferImagesUnpack, ChecklistsReplaceTheTable)
     TTestProcList table;
     unpackChecklists(reinterpret_cast<const std::uint8_t *>(lists.data()), table);
     ASSERT_EQ(table.size(), 500u);
-    EXPECT_EQ(std::string(table.items[7].title), "Line one" + std::string(33, ' '));
-    EXPECT_EQ(table.items[7].items[2], 0xFFFF);
+    EXPECT_EQ(image(&table.items[7], 0, 236),
+              "Line one" + std::string(33, ' ') + '\0' + le16(3) + le16(0) + std::string(188, '\xFF') + le16(0));
 }
 
 // Slots as an analyzer might send them: unterminated, junk after the text, half-free records.
