@@ -9,32 +9,29 @@
 #include <unistd.h>
 
 using namespace ByteBuilder;
+using Messages = std::vector<Message>;
 
 namespace {
 Message stop(const std::string &caption, const std::string &text)
 {
     return {caption, text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task};
 }
-Message exclamation(const std::string &caption, const std::string &text)
-{
-    return {caption, text, MsgIcon::Exclamation, MsgButtons::Ok, MsgModality::Task};
-}
-
 const Message CheckitemBox = stop("Instruction List Error",
                                   "Warning!! Corrupt Instruction List\nPlease restore the list from the KT930.");
 const Message InspectionBox = stop("Inspection Data Error", "Warning!! Corrupt Physical Inspection List\n"
                                                             "Please restore the data from the KT930.");
-const Message TesterBox = stop("User Tester Sequences Error",
-                               "Warning!! One or more corrupt User Tester Sequences detected.\n"
-                               "Please restore the data from the KT930.");
+const Message TesterBox = stop("User Tester Sequences Error", "Warning!! One or more corrupt User Tester Sequences "
+                                                              "detected.\nPlease restore the data from the KT930.");
 const Message ChecklistBox = stop("Checklist Error",
                                   "Warning!! Corrupt Checklist Data\nPlease restore the data from the KT930.");
 
-std::string testerFile(const std::string &name, int sequences = 12)
+// A file of `count` equal records.
+std::string asqFile(const std::string &title, const std::string &subtitle, int count, const std::string &title1,
+                    const std::vector<std::uint16_t> &items, const std::string &title2 = "")
 {
-    std::string out = asqHeader("User Tester Autosequences", name, static_cast<std::uint16_t>(sequences));
-    for (int i = 0; i < sequences; ++i)
-        out += asqRecord("Step " + std::to_string(i), "", 0, positions({static_cast<std::uint16_t>(i + 1)}));
+    std::string out = asqHeader(title, subtitle, static_cast<std::uint16_t>(count));
+    for (int i = 0; i < count; ++i)
+        out += asqRecord(title1, title2, 0, items);
     return out;
 }
 
@@ -46,12 +43,18 @@ protected:
         for (int i = 0; i < 10; ++i)
             mit += checkitem('B', 'M', "item");
         dir.write("Data/mit.dat", mit);
-        dir.write("Data/inspection.asq",
-                  asqHeader("Physical Inspections", "", 1) + asqRecord("Cord", "", 0, positions({1})));
+        dir.write("Data/inspection.asq", asqFile("Physical Inspections", "", 1, "Cord", positions({1})));
         for (int i = 1; i <= 5; ++i)
-            dir.write("Data/usertester" + std::to_string(i) + ".asq", testerFile("Bench " + std::to_string(i)));
-        dir.write("Data/testProc.asq", asqHeader("", "", 3) + asqRecord("a", "", 0, {0})
-                                           + asqRecord("b", "", 0, {0}) + asqRecord("c", "", 0, {0}));
+            dir.write("Data/usertester" + std::to_string(i) + ".asq",
+                      asqFile("User Tester Autosequences", "Bench " + std::to_string(i), 12, "Step", positions({1})));
+        dir.write("Data/testProc.asq", asqFile("", "", 3, "a", {0}));
+    }
+    std::vector<std::string> testerNames() const
+    {
+        std::vector<std::string> names;
+        for (const TuserTester &tester : data.userTesters)
+            names.push_back(tester.name + "/" + std::to_string(tester.sequences.size()));
+        return names;
     }
     TempDir dir;
     RecordingMessageSink sink;
@@ -59,47 +62,35 @@ protected:
 };
 }
 
-// A folder where a data file should be is a file that cannot be opened.
-TEST_F(DataSet, EmptyFolderOrFoldersForFilesGiveFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
+TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnOrder)
 {
-    TempDir folders;
-    for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
-                             "usertester4.asq", "usertester5.asq", "testProc.asq"})
-        std::filesystem::create_directories(folders / "Data" / name);
-    RecordingMessageSink folderSink;
-    TdataSet(folders.path(), folderSink).loadAll();
-    EXPECT_EQ(folderSink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
-
     data.loadAll();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
+    EXPECT_EQ(sink.messages, (Messages{CheckitemBox, InspectionBox, TesterBox, ChecklistBox}));
     ASSERT_EQ(data.checkitems.size(), 1044u);
     EXPECT_TRUE(data.checkitems[1043].isFree());
     ASSERT_EQ(data.inspections.size(), 18u);
     const Tautosequence unused = Tautosequence::unused();
     EXPECT_EQ(std::memcmp(&data.inspections[17], &unused, sizeof unused), 0);
-    ASSERT_EQ(data.userTesters.size(), 5u);
-    const char *names[] = {"USER TESTER 0", "USER TESTER 2", "USER TESTER 4", "USER TESTER 6", "USER TESTER 8"};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(data.userTesters[i].name, names[i]);
-        EXPECT_EQ(data.userTesters[i].sequences.size(), 12u);
-    }
+    EXPECT_EQ(testerNames(), (std::vector<std::string>{"USER TESTER 0/12", "USER TESTER 2/12", "USER TESTER 4/12",
+                                                       "USER TESTER 6/12", "USER TESTER 8/12"}));
     ASSERT_EQ(data.checklists.size(), 500u);
     EXPECT_TRUE(data.checklists.items[499].isUnused());
 
     sink.messages.clear();
     data.reloadData();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{CheckitemBox, ChecklistBox, InspectionBox, TesterBox}));
+    EXPECT_EQ(sink.messages, (Messages{CheckitemBox, ChecklistBox, InspectionBox, TesterBox}));
 }
 
-TEST_F(DataSet, CompleteSetLoadsSilentlyAndPadsTheCheckitems)
+TEST_F(DataSet, CompleteSetInALowerCaseFolderLoadsSilentlyAndPadsTheCheckitems)
 {
     writeCompleteSet();
+    std::filesystem::rename(dir / "Data", dir / "data");
     data.loadAll();
     EXPECT_TRUE(sink.messages.empty());
     ASSERT_EQ(data.checkitems.size(), 1044u);
     EXPECT_EQ(data.checkitems[9].commandText(), "item");
     EXPECT_TRUE(data.checkitems[10].isFree());
-    ASSERT_EQ(data.inspections.size(), 1u);
+    EXPECT_EQ(data.inspections.size(), 1u);
     EXPECT_EQ(data.userTesters[4].name, "Bench 5");
     EXPECT_EQ(data.checklists.size(), 3u);
 }
@@ -120,38 +111,27 @@ TEST_F(DataSet, HugeCheckitemFileLoadsItsFirstSlotsWithoutReadingTheRest)
         const rlimit limit{cap, cap};
         setrlimit(RLIMIT_AS, &limit);
         data.loadAll();
-        const bool loaded = sink.messages.empty() && data.checkitems.size() == 1044u
-            && data.checkitems[9].commandText() == "item";
-        std::_Exit(loaded ? 0 : 1);
+        std::_Exit(sink.messages.empty() && data.checkitems.size() == 1044u && data.checkitems[9].commandText() == "item"
+                       ? 0 : 1);
     };
     EXPECT_EXIT(loadWithinCap(), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(DataSet, OneMissingOrTruncatedTesterFile)
+TEST_F(DataSet, AMissingTruncatedOrEmptyTesterFileGetsTheDefaultTesterOfItsPlace)
 {
     writeCompleteSet();
     std::filesystem::remove(dir / "Data/usertester3.asq");
     data.loadAll();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{TesterBox}));
-    EXPECT_EQ(data.userTesters[1].name, "Bench 2");
-    EXPECT_EQ(data.userTesters[2].name, "USER TESTER 4");
-    EXPECT_EQ(data.userTesters[3].name, "Bench 4");
-
+    EXPECT_EQ(sink.messages, (Messages{TesterBox}));
+    EXPECT_EQ(testerNames(), (std::vector<std::string>{"Bench 1/12", "Bench 2/12", "USER TESTER 4/12", "Bench 4/12",
+                                                       "Bench 5/12"}));
     sink.messages.clear();
-    dir.write("Data/usertester3.asq", testerFile("Cut").substr(0, 300));
+    dir.write("Data/usertester3.asq", asqFile("User Tester Autosequences", "Cut", 12, "Step", {1}).substr(0, 300));
     dir.write("Data/usertester5.asq", asqHeader("User Tester Autosequences", "Zero", 0));
     data.loadUserTesters();
-    EXPECT_EQ(sink.messages, (std::vector<Message>{TesterBox}));
-    EXPECT_EQ(data.userTesters[2].name, "USER TESTER 4");
-    EXPECT_EQ(data.userTesters[4].name, "USER TESTER 8");
-}
-
-TEST_F(DataSet, LowerCaseDataFolderIsFound)
-{
-    dir.write("data/inspection.asq", asqHeader("Physical Inspections", "", 1) + asqRecord("x", "", 0, {0}));
-    data.loadInspections();
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(data.inspections.size(), 1u);
+    EXPECT_EQ(sink.messages, (Messages{TesterBox}));
+    EXPECT_EQ(testerNames(), (std::vector<std::string>{"Bench 1/12", "Bench 2/12", "USER TESTER 4/12", "Bench 4/12",
+                                                       "USER TESTER 8/12"}));
 }
 
 TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
@@ -161,15 +141,15 @@ TEST_F(DataSet, BackupWritesThreeKindsButNeverChecklists)
     sink.messages.clear();
     data.backup();
     EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat").size(), 45936u);
-    std::string inspections = asqHeader("Physical Inspections", "", 18);
-    for (int i = 0; i < 18; ++i)
-        inspections += asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
-    EXPECT_EQ(TempDir::read(dir / "Data/inspection.asq"), inspections);
-    std::string tester = asqHeader("User Tester Autosequences", "USER TESTER 2", 12);
-    for (int i = 0; i < 12; ++i)
-        tester += asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
-    EXPECT_EQ(TempDir::read(dir / "Data/usertester2.asq"), tester);
+    std::string cleared;
+    for (int i = 0; i < 1044; ++i)
+        cleared += clearedCheckitem();
+    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat"), cleared);
+    const std::string unused = "(UNUSED)          ", blank(18, ' ');
+    EXPECT_EQ(TempDir::read(dir / "Data/inspection.asq"),
+              asqFile("Physical Inspections", "", 18, unused, positions({}), blank));
+    EXPECT_EQ(TempDir::read(dir / "Data/usertester2.asq"),
+              asqFile("User Tester Autosequences", "USER TESTER 2", 12, unused, positions({}), blank));
     EXPECT_FALSE(std::filesystem::exists(dir / "Data/testProc.asq"));
 }
 
@@ -179,7 +159,6 @@ protected:
     {
         writeCompleteSet();
         data.loadAll();
-        data.checkitems[0].assign('B', 'M', "known");
         data.checkitems[1].assign('B', 'Z', "unknown");
         data.checkitems[2].assign('C', 'Y', "unknown too");
     }
@@ -205,7 +184,8 @@ TEST_F(ValidateOpCodes, RepairsUnknownCodesWithOneWarningAndAllKnownGiveNone)
         "A less likely reason is a corrupted master checkitem database in the analyzer. If the problem "
         "remains after the plug-ins have been updated, please contact your nearest sales or service "
         "representative.";
-    EXPECT_EQ(sink.messages, (std::vector<Message>{exclamation("UNRECOGNIZED OP CODE", text)}));
+    EXPECT_EQ(sink.messages, (Messages{{"UNRECOGNIZED OP CODE", text, MsgIcon::Exclamation, MsgButtons::Ok,
+                                        MsgModality::Task}}));
     EXPECT_EQ(data.checkitems[1].opCode, 'L'); // the repair itself is the database's, checked there
 }
 
@@ -216,10 +196,9 @@ TEST_F(ValidateOpCodes, MissingAndCorruptDefinitionFiles)
     dir.write("Data/a.in", "M - Measure\nN\n");
     data.validateOpCodes();
     EXPECT_EQ(sink.messages,
-              (std::vector<Message>{
-                  stop("ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\n"
-                                 "Please restart program.\nIf this problem persists, contact your software vendor."),
-                  stop("ERROR", "An unexpected error occured while processing b.in.\nThe file is corrupt.  "
-                                "Please contact your product's distributor immediately.")}));
+              (Messages{stop("ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\n"
+                                       "Please restart program.\nIf this problem persists, contact your software vendor."),
+                        stop("ERROR", "An unexpected error occured while processing b.in.\nThe file is corrupt.  "
+                                      "Please contact your product's distributor immediately.")}));
     EXPECT_EQ(data.checkitems[1].opCode, 'Z'); // stopped before any repair
 }
