@@ -4,14 +4,11 @@
 
 TEST(TlistTexts, RomanNumeralsFrom1To38AndNothingOutside)
 {
-    const char *expected[] = {"",      "i",      "ii",    "iii",  "iv",    "v",      "vi",      "vii",
-                              "viii",  "ix",     "x",     "xi",   "xii",   "xiii",   "xiv",     "xv",
-                              "xvi",   "xvii",   "xviii", "xix",  "xx",    "xxi",    "xxii",    "xxiii",
-                              "xxiv",  "xxv",    "xxvi",  "xxvii", "xxviii", "xxix", "xxx",     "xxxi",
-                              "xxxii", "xxxiii", "xxxiv", "xxxv", "xxxvi", "xxxvii", "xxxviii", ""};
-    for (int n = 0; n <= 39; ++n)
-        EXPECT_EQ(TlistTexts::romanNumeral(n), expected[n]) << n;
-    EXPECT_EQ(TlistTexts::romanNumeral(-1), "");
+    std::string all;
+    for (int n = -1; n <= 39; ++n)
+        all += TlistTexts::romanNumeral(n) + " ";
+    EXPECT_EQ(all, "  i ii iii iv v vi vii viii ix x xi xii xiii xiv xv xvi xvii xviii xix xx xxi xxii xxiii xxiv xxv "
+                   "xxvi xxvii xxviii xxix xxx xxxi xxxii xxxiii xxxiv xxxv xxxvi xxxvii xxxviii  ");
 }
 
 TEST(TlistTexts, SequenceRowsTrimTitlesAndMarkUnused)
@@ -37,8 +34,6 @@ TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
 {
     TuserTester named{"WORKSHOP", {}};
     EXPECT_EQ(TlistTexts::testerRoot(4, named), "v. WORKSHOP");
-    EXPECT_EQ(TlistTexts::testerRoot(3, named), "iv. WORKSHOP");
-
     TuserTester blank{"   ", {}};
     EXPECT_EQ(TlistTexts::testerRoot(2, blank), "iii. USER TESTER 3");
     EXPECT_EQ(blank.name, "USER TESTER 3");

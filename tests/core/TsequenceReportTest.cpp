@@ -27,8 +27,7 @@ TEST_F(SequenceReportTest, RowsFollowTheItemsWithNamesAndTabMarksPortAndBaudFoll
     const std::uint16_t items[] = {2, 1, 3, 4, 2000, 0, 1}; // 4 deleted: a cleared slot
     std::copy(std::begin(items), std::end(items), seq.items);
     const TsequenceReport report = TsequenceReport::make(seq, db, categories, 0);
-    EXPECT_EQ(report.title1, "EARTH BOND");
-    EXPECT_EQ(report.title2, "");
+    EXPECT_EQ(report.title1 + "|" + report.title2, "EARTH BOND|");
     const std::vector<std::array<std::string, 3>> rows{{"C", "P - Pass/Fail", "Plug ok?"},
                                                        {"Electrical", "M - Measure", "EB\xBB" "0.1"},
                                                        {"", "", "Unknown op"}, // no definition file
