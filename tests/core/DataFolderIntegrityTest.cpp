@@ -7,6 +7,7 @@
 #include "TempDir.h"
 #include "TrestorePoints.h"
 #include <fcntl.h>
+#include <set>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -24,17 +25,20 @@ std::string inspectionFile(const std::string &title)
 
 std::string firstTitle(const TdataSet &set)
 {
-    std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
+    const std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-std::vector<std::string> namesIn(const fs::path &folder)
+// The names in a folder, and the content of those that are not autosequence files.
+std::string namesIn(const fs::path &folder)
 {
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
+    std::set<std::string> names;
+    for (const auto &e : fs::directory_iterator(folder))
+        names.insert(e.path().filename().string() + (e.path().extension() == ".asq" ? "" : "=" + TempDir::read(e)));
+    std::string out;
+    for (const std::string &name : names)
+        out += name + " ";
+    return out;
 }
 
 struct DataFolder : ::testing::Test {
@@ -102,9 +106,8 @@ TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilled
                           + file("mit.dat").string() + "\0"s);
         }
         data.loadAll();
-        EXPECT_EQ(TempDir::read(file("mit.dat")), recorded ? "new mit" : "old mit");
         EXPECT_EQ(firstTitle(data), recorded ? "NEW" : "OLD");
-        EXPECT_EQ(namesIn(dir / "Data"), (std::vector<std::string>{"inspection.asq", "mit.dat"}));
+        EXPECT_EQ(namesIn(dir / "Data"), "inspection.asq mit.dat=" + std::string(recorded ? "new mit " : "old mit "));
     }
 }
 
@@ -153,25 +156,41 @@ TEST_F(DataFolder, DownloadAndSyncKeepRestorePointsThatPutTheSetBack)
     const std::string original = TempDir::read(file("mit.dat"));
     data.checkitems[0] = TInstr('C', 'M', "downloaded");
     ASSERT_TRUE(data.saveCheckitems(TsaveAction::Download));
-    const std::string downloaded = TempDir::read(file("mit.dat"));
     data.checkitems[0] = TInstr('C', 'M', "synced");
     ASSERT_TRUE(data.saveCheckitems(TsaveAction::Sync));
+    const std::string synced = TempDir::read(file("mit.dat"));
     data.saveInspections(); // an edit keeps none
 
     TrestorePoints points(dir / "Data");
-    auto list = points.list();
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].action + " " + list[1].action, "sync download");
-    EXPECT_EQ(list[1].files, std::vector<std::string>{"mit.dat"});
-    EXPECT_EQ(TempDir::read(list[1].folder / "mit.dat"), original);
-
+    const auto shown = [&] {
+        std::string out;
+        for (const auto &point : points.list())
+            out += point.action + ":" + point.files.at(0) + "=" + TempDir::read(point.folder / "mit.dat").substr(2, 4) + " ";
+        return out;
+    };
+    EXPECT_EQ(shown(), "sync:mit.dat=down download:mit.dat=item ");
     std::string why;
     ASSERT_TRUE(points.restore(2, why)) << why;
     EXPECT_EQ(TempDir::read(file("mit.dat")), original);
-    list = points.list();
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_NE(TempDir::read(list[0].folder / "mit.dat"), downloaded); // the synced table it replaced
+    EXPECT_EQ(TempDir::read(points.list().at(0).folder / "mit.dat"), synced); // the table the restore replaced
     for (int i = 0; i < 25; ++i)
         ASSERT_TRUE(points.create("import", {"mit.dat"}, why));
     EXPECT_EQ(points.list().size(), TrestorePoints::Kept);
+}
+
+TEST(RestorePoints, ALinkPlantedAsTheRestoreFolderGetsNoCopiesAndOffersNothingToRestore)
+{
+    TempDir data, elsewhere;
+    data.write("mit.dat", "mine");
+    elsewhere.write("20261123-141503-1/mit.dat", "planted");
+    elsewhere.write("20261123-141503-1/action", "download\n");
+    fs::create_symlink(elsewhere.path(), data / ".restore");
+    TrestorePoints points(data.path());
+    std::string why;
+    EXPECT_FALSE(points.create("import", {"mit.dat"}, why));
+    EXPECT_EQ(why, "The restore point folder " + (data / ".restore").string() + " is not a folder of your own.");
+    EXPECT_TRUE(points.list().empty());
+    EXPECT_FALSE(points.restore(1, why));
+    EXPECT_EQ(namesIn(data.path()) + namesIn(elsewhere / "20261123-141503-1"),
+              ".lock= .restore= mit.dat=mine action=download\n mit.dat=planted ");
 }
