@@ -38,7 +38,9 @@ TopCodeTable table(std::initializer_list<std::pair<char, const char *>> entries)
 }
 }
 
-TEST(MasterTable, LoadsWholeRecordsAndIgnoresPartialTrailer)
+// A load takes whole records and ignores a partial trailer; a save writes every slot, padded
+// with cleared ones or cut to 1044.
+TEST(MasterTable, LoadsWholeRecordsAndSavesEverySlotAsFortyFourBytes)
 {
     TempDir dir;
     std::vector<TInstr> table;
@@ -47,18 +49,13 @@ TEST(MasterTable, LoadsWholeRecordsAndIgnoresPartialTrailer)
     ASSERT_EQ(TInstrDatabase::loadMasterTable(table, dir.write("fifty.dat", slots(1) + "abcdef")), 0);
     EXPECT_EQ(bytes(table), slots(1));
     EXPECT_EQ(TInstrDatabase::loadMasterTable(table, dir / "missing.dat"), -1);
-}
 
-TEST(MasterTable, NormalizePadsWithClearedSlotsAndCutsAndSaveWritesEverySlotAsFortyFourBytes)
-{
-    TempDir dir;
     TInstrDatabase db;
     db.slots().resize(2000);
     db.normalizeSize();
     EXPECT_EQ(db.size(), 1044u);
     db.slots().resize(1);
     db.normalizeSize();
-    EXPECT_EQ(bytes(db.slots(), 1), cleared(1043));
     db[0].assign('C', 'P', "Check the cord");
     db[2].assign(' ', 'M', std::string(50, 'x'));
     ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "mit.dat"), 0);
@@ -69,19 +66,6 @@ TEST(MasterTable, NormalizePadsWithClearedSlotsAndCutsAndSaveWritesEverySlotAsFo
     ASSERT_EQ(::stat((dir / "mit.dat").c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
     EXPECT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "no" / "such" / "mit.dat"), -1);
-}
-
-TEST(FreeSlot, ScansFromTheTopEveryTime)
-{
-    TInstrDatabase db;
-    db.slots().assign(1044, TInstr('A', 'M', "used"));
-    EXPECT_EQ(db.findFreeSlot(-1), -1);
-    db[5].category = 0; // a record with category 0 counts as free
-    db[9].opCode = 0;
-    EXPECT_EQ(db.findFreeSlot(-1), 5);
-    EXPECT_EQ(db.findFreeSlot(5), 5);
-    db[5].assign('A', 'M', "used");
-    EXPECT_EQ(db.findFreeSlot(5), 9);
 }
 
 class CsvImport : public ::testing::Test {
@@ -117,12 +101,15 @@ TEST_F(CsvImport, EachLineFillsTheNextSlotCleaned)
     }
 }
 
+// A free slot is found from the top every time; category 0 or op code 0 makes a slot free.
 TEST_F(CsvImport, FillsFreeSlotsOnlyAndThrowsOnTheFirstParsedLineWithoutOne)
 {
     db.slots().assign(1044, TInstr('A', 'M', "used"));
+    EXPECT_EQ(db.findFreeSlot(-1), -1);
     EXPECT_EQ(db.importText(dir.write("skip.csv", "nothing to parse\n")), 0); // no parsed line: no overflow
-    db[3].clear();
-    db[7].clear();
+    db[3].category = 0;
+    db[7].opCode = 0;
+    EXPECT_EQ(db.findFreeSlot(3), 3);
     EXPECT_THROW(db.importText(dir.write("in.csv", "B,M,one\nB,M,two\nB,M,three\n")), TinstListOverflowException);
     EXPECT_EQ(db[3].commandText() + db[4].commandText() + db[7].commandText(), "oneusedtwo");
     EXPECT_THROW(db.importText(dir.write("in.csv", "B,M,x\n")), TinstListOverflowException);
@@ -145,8 +132,23 @@ TEST_F(CsvImport, ExportWritesEveryRecordAndReimportDuplicates)
     EXPECT_EQ(db.exportText(dir / "no" / "dir" / "x.csv"), -1);
 }
 
-TEST(OpCodeNames, LookUpsNeedKnownLettersAndARecordOfAnUnknownOneBecomesAnEmptyMeasure)
+// Unknown op codes become the marker (category 0 does not exempt one; an empty one passes).
+TEST(OpCodeNames, UnknownOpCodesAreRepairedAndNamesNeedKnownLetters)
 {
+    TInstrDatabase db;
+    db[0].assign('B', 'M', "known");
+    db[1].assign('C', 'Z', "unknown");
+    db[2].category = 0;
+    db[2].opCode = 'Z';
+    db[3].category = 'A';
+    db[3].opCode = 0;
+    EXPECT_TRUE(db.repairUnknownOpCodes(table({{'M', "M - Measure"}, {'L', "L - Limits"}})));
+    const std::string marker = checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         ");
+    EXPECT_EQ(bytes(db.slots()).substr(0, 4 * 44),
+              checkitem('B', 'M', "known") + marker + marker + std::string("A\0", 2) + std::string(42, '\xFF'));
+    EXPECT_FALSE(db.repairUnknownOpCodes(table({{'M', "M"}, {'L', "L"}})));
+
+    // A record of an unknown one becomes an empty measure.
     TInstrDatabase::setNames(table({{'M', "M - Measure"}, {'P', "P - Pass/Fail"}}));
     EXPECT_EQ(TInstrDatabase::nameOf('P'), "P - Pass/Fail");
     EXPECT_THROW(TInstrDatabase::nameOf('Q'), std::runtime_error);
@@ -155,20 +157,4 @@ TEST(OpCodeNames, LookUpsNeedKnownLettersAndARecordOfAnUnknownOneBecomesAnEmptyM
     EXPECT_EQ(bytes({record}), std::string("BM") + std::string(42, '\0'));
     TInstrDatabase::clearNames();
     EXPECT_THROW(TInstrDatabase::nameOf('M'), std::runtime_error);
-}
-
-TEST(OpCodeRepair, ReplacesUnknownOpCodesWithTheMarker)
-{
-    TInstrDatabase db;
-    db[0].assign('B', 'M', "known");
-    db[1].assign('C', 'Z', "unknown");
-    db[2].category = 0;
-    db[2].opCode = 'Z'; // category 0 does not exempt an unknown op code
-    db[3].category = 'A';
-    db[3].opCode = 0; // an empty op code passes
-    EXPECT_TRUE(db.repairUnknownOpCodes(table({{'M', "M - Measure"}, {'L', "L - Limits"}})));
-    const std::string marker = checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         ");
-    EXPECT_EQ(bytes(db.slots()).substr(0, 4 * 44),
-              checkitem('B', 'M', "known") + marker + marker + std::string("A\0", 2) + std::string(42, '\xFF'));
-    EXPECT_FALSE(db.repairUnknownOpCodes(table({{'M', "M"}, {'L', "L"}})));
 }
