@@ -1,12 +1,7 @@
 // Which application folder a program works on, where plug-ins and help come from,
 // and the first-start copy of the shipped defaults into a per-user folder.
+#include "CoreTest.h"
 #include "AppDir.h"
-#include "TempDir.h"
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <thread>
-
-namespace fs = std::filesystem;
 
 namespace {
 class AppDirTest : public ::testing::Test {

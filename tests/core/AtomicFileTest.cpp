@@ -1,38 +1,5 @@
+#include "CoreTest.h"
 #include "AtomicFile.h"
-#include "TempDir.h"
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <set>
-#include <sys/stat.h>
-#include <unistd.h>
-
-namespace fs = std::filesystem;
-
-namespace {
-struct stat statOf(const fs::path &path)
-{
-    struct stat st {};
-    EXPECT_EQ(::lstat(path.c_str(), &st), 0) << path;
-    return st;
-}
-
-// Every entry below folder, links not followed: "name=content", "name->target", "name/" or "name|" (a FIFO).
-std::string tree(const fs::path &folder)
-{
-    std::set<std::string> entries;
-    for (const auto &e : fs::recursive_directory_iterator(folder)) {
-        const std::string name = e.path().lexically_relative(folder).string();
-        entries.insert(e.is_symlink() ? name + "->" + fs::read_symlink(e.path()).string()
-                           : e.is_directory()  ? name + "/"
-                           : e.is_fifo()       ? name + "|"
-                                               : name + "=" + TempDir::read(e.path()));
-    }
-    std::string out;
-    for (const std::string &entry : entries)
-        out += entry + " ";
-    return out;
-}
-}
 
 // A chain of links is followed and kept; a dangling link creates the file it names.
 TEST(AtomicWriteTarget, LinksAreFollowedAndKept)
@@ -48,7 +15,7 @@ TEST(AtomicWriteTarget, LinksAreFollowedAndKept)
     EXPECT_EQ(tree(dir.path()), "Data/ Data/mit.dat=new Data/new.csv=a,b\n elsewhere/ elsewhere/dangling->"
                                     + (dir / "Data/new.csv").string() + " elsewhere/first->../Data/mit.dat "
                                     "elsewhere/second->first ");
-    EXPECT_EQ(statOf(dir / "Data/new.csv").st_mode & 0777, 0600u);
+    EXPECT_EQ(modeOf(dir / "Data/new.csv"), 0600u);
 }
 
 // Nothing is written and no temporary file stays behind.
@@ -106,7 +73,8 @@ TEST(AtomicWriteOwnership, ReplacedFileKeepsOwnerGroupAndMode)
     ASSERT_EQ(::chmod(file.c_str(), 0640), 0);
     ASSERT_EQ(writeFileAtomically(file, "new"), AtomicWriteResult::Ok);
     EXPECT_EQ(TempDir::read(file), "new");
-    struct stat st = statOf(file);
+    struct stat st {};
+    ASSERT_EQ(::stat(file.c_str(), &st), 0);
     EXPECT_EQ(std::tuple(st.st_uid, st.st_gid, st.st_mode & 07777), std::tuple(12345u, 12346u, 0640u));
 }
 

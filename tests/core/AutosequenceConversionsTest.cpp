@@ -1,9 +1,6 @@
+#include "CoreTest.h"
 #include "AutosequenceConversions.h"
-#include "ByteBuilder.h"
-#include <cstring>
-#include <gtest/gtest.h>
 
-using namespace ByteBuilder;
 namespace conv = AutosequenceConversions;
 using Items = std::vector<std::uint16_t>;
 
@@ -28,10 +25,6 @@ Items unterminated(Items items, std::size_t count = 24)
 {
     items.resize(count, 0xFFFF);
     return items;
-}
-std::string memory(const Tautosequence &s)
-{
-    return std::string(reinterpret_cast<const char *>(&s), sizeof s);
 }
 
 TautosequenceFileStorage record(const std::string &t1, const std::string &t2, std::uint16_t setting, Items items)
@@ -89,8 +82,8 @@ TEST(InspectionConversion, WritesTwentyFourItemsAnd180ByteRecordsAndReadsThemBac
     std::vector<Tautosequence> back{Tautosequence()};
     conv::fileToInspections(file, back);
     ASSERT_EQ(back.size(), 3u);
-    EXPECT_EQ(memory(back[0]) + memory(back[1]) + memory(back[2]),
-              memory(inspections[0]) + memory(inspections[1]) + memory("A title far longer ", "t2", 0x20, rule({5, 9})));
+    EXPECT_EQ(bytes(back[0]) + bytes(back[1]) + bytes(back[2]),
+              bytes(inspections[0]) + bytes(inspections[1]) + memory("A title far longer ", "t2", 0x20, rule({5, 9})));
 }
 
 TEST(UserTesterConversion, NameBecomesSubtitleCutTo63)
@@ -106,7 +99,7 @@ TEST(UserTesterConversion, NameBecomesSubtitleCutTo63)
     TuserTester back = conv::fileToUserTester(file);
     EXPECT_EQ(back.name, std::string(63, 'T'));
     ASSERT_EQ(back.sequences.size(), 2u);
-    EXPECT_EQ(memory(back.sequences[1]), memory(tester.sequences[1]));
+    EXPECT_EQ(bytes(back.sequences[1]), bytes(tester.sequences[1]));
 
     std::vector<TautosequenceFile> files;
     conv::userTestersToFiles({tester, tester}, files);
@@ -127,7 +120,7 @@ TEST(UserTesterConversion, FewerThanFiveFilesAddTestersFromTheLastIndex)
     for (const TuserTester &tester : testers)
         names += tester.name + "/" + std::to_string(tester.sequences.size()) + " "; // short files are not padded
     EXPECT_EQ(names, "Bench 0/1 Bench 1/1 Bench 2/1 USER TESTER #2/12 USER TESTER #3/12 USER TESTER #4/12 ");
-    EXPECT_EQ(memory(testers[3].sequences[11]), memory("", "", 0, positions({})));
+    EXPECT_EQ(bytes(testers[3].sequences[11]), memory("", "", 0, positions({})));
     conv::filesToUserTesters(std::vector<TautosequenceFile>(7), testers);
     EXPECT_EQ(testers.size(), 5u);
 }

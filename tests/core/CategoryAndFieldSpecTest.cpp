@@ -1,9 +1,6 @@
+#include "CoreTest.h"
 #include "CategoryDescriptors.h"
 #include "FieldSpec.h"
-#include "TempDir.h"
-#include "Thrown.h"
-#include <gtest/gtest.h>
-#include <sstream>
 
 // The rest of a line past 4095 characters is read as the next line; a line ends at a NUL.
 TEST(CategoryDescriptors, ParsesLetterCommaText)

@@ -1,19 +1,10 @@
 // Saves that meet another writer's changes, an interrupted save, an unreadable file,
 // a busy folder, and the restore points of the actions that replace the set.
-#include "ByteBuilder.h"
-#include "RecordingMessageSink.h"
+#include "CoreTest.h"
 #include "TdataFolderLock.h"
 #include "TdataSet.h"
-#include "TempDir.h"
 #include "TrestorePoints.h"
-#include <fcntl.h>
-#include <set>
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <unistd.h>
-
-using namespace ByteBuilder;
-namespace fs = std::filesystem;
 
 namespace {
 std::string inspectionFile(const std::string &title)
@@ -27,18 +18,6 @@ std::string firstTitle(const TdataSet &set)
 {
     const std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
     return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
-// The names in a folder, and the content of those that are not autosequence files.
-std::string namesIn(const fs::path &folder)
-{
-    std::set<std::string> names;
-    for (const auto &e : fs::directory_iterator(folder))
-        names.insert(e.path().filename().string() + (e.path().extension() == ".asq" ? "" : "=" + TempDir::read(e)));
-    std::string out;
-    for (const std::string &name : names)
-        out += name + " ";
-    return out;
 }
 
 struct DataFolder : ::testing::Test {
@@ -107,7 +86,7 @@ TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilled
         }
         data.loadAll();
         EXPECT_EQ(firstTitle(data), recorded ? "NEW" : "OLD");
-        EXPECT_EQ(namesIn(dir / "Data"), "inspection.asq mit.dat=" + std::string(recorded ? "new mit " : "old mit "));
+        EXPECT_EQ(tree(dir / "Data"), "inspection.asq mit.dat=" + std::string(recorded ? "new mit " : "old mit "));
     }
 }
 
@@ -191,6 +170,6 @@ TEST(RestorePoints, ALinkPlantedAsTheRestoreFolderGetsNoCopiesAndOffersNothingTo
     EXPECT_EQ(why, "The restore point folder " + (data / ".restore").string() + " is not a folder of your own.");
     EXPECT_TRUE(points.list().empty());
     EXPECT_FALSE(points.restore(1, why));
-    EXPECT_EQ(namesIn(data.path()) + namesIn(elsewhere / "20261123-141503-1"),
-              ".lock= .restore= mit.dat=mine action=download\n mit.dat=planted ");
+    EXPECT_EQ(tree(data.path()) + tree(elsewhere.path()), ".lock= .restore->" + elsewhere.path().string()
+                  + " mit.dat=mine 20261123-141503-1/ 20261123-141503-1/action=download\n 20261123-141503-1/mit.dat=planted ");
 }

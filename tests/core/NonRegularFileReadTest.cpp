@@ -1,14 +1,10 @@
 // Every reader of the data set treats a folder, a FIFO or a device where a
 // data file should be as a file that cannot be opened.
+#include "CoreTest.h"
 #include "CategoryDescriptors.h"
 #include "OpCodeDefinitions.h"
 #include "TInstrDatabase.h"
-#include "TempDir.h"
 #include "autosequenceFileStructs.h"
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 // Not a regular file: a folder, a FIFO without a writer (opening it would

@@ -1,7 +1,5 @@
+#include "CoreTest.h"
 #include "OpCodeDefinitions.h"
-#include "RecordingMessageSink.h"
-#include "TempDir.h"
-#include <gtest/gtest.h>
 
 namespace {
 const char CorruptTail[] = ".\nThe file is corrupt.  Please contact your product's distributor immediately.";

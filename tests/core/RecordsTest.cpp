@@ -1,15 +1,7 @@
+#include "CoreTest.h"
 #include "TInstr.h"
 #include "TTestProc.h"
 #include "Tautosequence.h"
-#include <cstring>
-#include <gtest/gtest.h>
-
-namespace {
-template <typename R> std::string bytes(const R &record)
-{
-    return std::string(reinterpret_cast<const char *>(&record), sizeof record);
-}
-}
 
 TEST(Records, CheckitemAssignCutsAndTerminates)
 {

@@ -1,10 +1,5 @@
-#include "ByteBuilder.h"
+#include "CoreTest.h"
 #include "TInstrDatabase.h"
-#include "TempDir.h"
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-using namespace ByteBuilder;
 
 namespace {
 std::string slots(int count)

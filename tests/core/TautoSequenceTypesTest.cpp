@@ -1,8 +1,7 @@
 // The autosequence types of the "A" definition file: the lines that make a type,
 // the ones that do not, and finding the file among the others.
+#include "CoreTest.h"
 #include "TautoSequenceTypes.h"
-#include "TempDir.h"
-#include <gtest/gtest.h>
 
 TEST(AutoSequenceTypes, EachLineIsCodeTextAndAWholeCountElseTheListFails)
 {

@@ -1,9 +1,5 @@
+#include "CoreTest.h"
 #include "TdataFolderSession.h"
-#include "TempDir.h"
-#include <gtest/gtest.h>
-#include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 TEST(DataFolderSession, ASecondSessionIsToldWhoHasTheFolderAndAPlantedFifoNeverBlocks)
 {

@@ -1,15 +1,5 @@
-#include "ByteBuilder.h"
-#include "RecordingMessageSink.h"
+#include "CoreTest.h"
 #include "TdataSet.h"
-#include "TempDir.h"
-#include <cstring>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
-using namespace ByteBuilder;
-using Messages = std::vector<Message>;
 
 inline bool operator==(const Tautosequence &a, const Tautosequence &b)
 {
@@ -106,17 +96,11 @@ TEST_F(DataSet, HugeCheckitemFileLoadsItsFirstSlotsWithoutReadingTheRest)
 #endif
     writeCompleteSet();
     std::filesystem::resize_file(dir / "Data/mit.dat", std::uintmax_t(1) << 30); // sparse zeros after the items
-    const auto loadWithinCap = [this] {
-        std::size_t pages = 0;
-        std::ifstream("/proc/self/statm") >> pages;
-        const rlim_t cap = pages * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(256) << 20);
-        const rlimit limit{cap, cap};
-        setrlimit(RLIMIT_AS, &limit);
+    const auto loaded = [this] {
         data.loadAll();
-        std::_Exit(sink.messages.empty() && data.checkitems.size() == 1044u && data.checkitems[9].commandText() == "item"
-                       ? 0 : 1);
+        return sink.messages.empty() && data.checkitems.size() == 1044u && data.checkitems[9].commandText() == "item";
     };
-    EXPECT_EXIT(loadWithinCap(), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(exitWithinAddressCap(loaded), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(DataSet, AMissingTruncatedOrEmptyTesterFileGetsTheDefaultTesterOfItsPlace)

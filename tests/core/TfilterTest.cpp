@@ -1,8 +1,7 @@
+#include "CoreTest.h"
 #include "TInstrDatabase.h"
 #include "Tfilter.h"
 #include "Twindows1252.h"
-#include <gtest/gtest.h>
-#include <numeric>
 
 namespace {
 using Indexes = std::vector<std::uint32_t>;

@@ -1,6 +1,6 @@
+#include "CoreTest.h"
 #include "TlistTexts.h"
 #include "TtypedText.h"
-#include <gtest/gtest.h>
 
 TEST(TlistTexts, RomanNumeralsFrom1To38AndNothingOutside)
 {

@@ -1,12 +1,8 @@
 // Links are followed only where protected_symlinks would follow them: a link of
 // the user's own, or of the owner of the folder that holds it.
+#include "CoreTest.h"
 #include "RegularFile.h"
-#include "TempDir.h"
 #include "TrustedLinks.h"
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 constexpr uid_t Stranger = 4242;

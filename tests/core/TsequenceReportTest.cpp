@@ -1,7 +1,7 @@
 // What the autosequence printout is made of: titles, setting, and one row per
 // checkitem with the names the grids show.
+#include "CoreTest.h"
 #include "TsequenceReport.h"
-#include <gtest/gtest.h>
 
 namespace {
 struct SequenceReportTest : ::testing::Test {
