@@ -18,8 +18,8 @@ TsimProcess::TsimProcess(const std::vector<std::string> &arguments)
     if (::pipe2(pipeFds, O_CLOEXEC) != 0)
         return;
     std::string program = std::string(KT930_TEST_APPDIR) + "/kt930sim";
-    std::vector<char *> argv{program.data()};
     std::vector<std::string> copies = arguments;
+    std::vector<char *> argv{program.data()};
     for (std::string &argument : copies)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
@@ -62,9 +62,8 @@ bool TsimProcess::waitForLog(const std::string &text)
 
 int TsimProcess::stop()
 {
-    if (m_pid < 0)
-        return -1;
-    ::kill(m_pid, SIGTERM);
+    if (m_pid > 0)
+        ::kill(m_pid, SIGTERM);
     return waitExit();
 }
 
