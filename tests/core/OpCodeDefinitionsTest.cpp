@@ -1,9 +1,6 @@
 #include "CoreTest.h"
 #include "OpCodeDefinitions.h"
 
-namespace {
-const char CorruptTail[] = ".\nThe file is corrupt.  Please contact your product's distributor immediately.";
-}
 
 TEST(OpCodeHeader, ReadsLetterNameFlagAndListOrderOrIsCorrupt)
 {
@@ -55,29 +52,21 @@ TEST(OpCodeLoad, FirstFileWinsALetter)
     EXPECT_TRUE(sink.messages.empty());
 }
 
-// The checkitem database wording is the data set's, checked there.
-TEST(OpCodeLoad, ReportsMissingFilesInTheInstructionListWording)
+// Missing files in the instruction list wording (the checkitem database's is the data set's,
+// checked there); a corrupt file with its full path, then the load throws.
+TEST(OpCodeLoad, MissingAndCorruptFilesAreReported)
 {
     TempDir dir;
     RecordingMessageSink sink;
     TopCodeTable table;
     EXPECT_EQ(OpCodeDefinitions::load(dir / "none", table, sink, OpCodeDefinitions::Wording::InstructionList), -1);
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"ERROR!",
-                                                    "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\n"
-                                                    "Please restart program.\nIf this problem persists, contact your "
-                                                    "software vendor.",
-                                                    MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}}));
-}
-
-TEST(OpCodeLoad, CorruptFileIsReportedWithItsFullPathThenThrows)
-{
-    TempDir dir;
     dir.write("a.in", "A - Autosequence\nN\n");
     auto bad = dir.write("q.in", "Q\n");
-    RecordingMessageSink sink;
-    TopCodeTable table;
     EXPECT_THROW(OpCodeDefinitions::load(dir.path(), table, sink), TopCodeFileCorrupt);
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"ERROR", "An unexpected error occured while processing "
-                                                                 + bad.string() + CorruptTail,
-                                                    MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}}));
+    EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\n"
+                                                  "Please restart program.\nIf this problem persists, contact your "
+                                                  "software vendor.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task},
+                                       {"ERROR", "An unexpected error occured while processing " + bad.string() + ".\nThe "
+                                                 "file is corrupt.  Please contact your product's distributor immediately.",
+                                        MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}}));
 }
