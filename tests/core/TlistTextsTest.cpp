@@ -2,44 +2,35 @@
 #include "TlistTexts.h"
 #include "TtypedText.h"
 
-TEST(TlistTexts, RomanNumeralsFrom1To38AndNothingOutside)
+// Blank is not unused: it shows its empty titles. A set setting makes "(UNUSED)" a title again.
+TEST(TlistTexts, SequenceRowsTrimTitlesAndMarkUnused)
+{
+    Tautosequence sequence, blank, unused;
+    Tautosequence::setTitle(sequence.title1, "  Earth Bond");
+    Tautosequence::setTitle(sequence.title2, "Class I");
+    unused.makeUnused();
+    std::string rows = TlistTexts::inspectionRow(sequence) + "|" + TlistTexts::testerChild(11, sequence) + "|"
+        + TlistTexts::inspectionRow(blank) + "|" + TlistTexts::inspectionRow(unused) + "|"
+        + TlistTexts::testerChild(0, unused) + "|";
+    unused.setting = 9;
+    EXPECT_EQ(rows + TlistTexts::inspectionRow(unused),
+              "Earth Bond - Class I|12. Earth Bond - Class I| - |<unused>|1. <unused>|(UNUSED) - ");
+}
+
+// Roman numerals from 1 to 38 and nothing outside; a blank tester is named in memory, a
+// repaired name keeps its number.
+TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
 {
     std::string all;
     for (int n = -1; n <= 39; ++n)
         all += TlistTexts::romanNumeral(n) + " ";
     EXPECT_EQ(all, "  i ii iii iv v vi vii viii ix x xi xii xiii xiv xv xvi xvii xviii xix xx xxi xxii xxiii xxiv xxv "
                    "xxvi xxvii xxviii xxix xxx xxxi xxxii xxxiii xxxiv xxxv xxxvi xxxvii xxxviii  ");
-}
-
-TEST(TlistTexts, SequenceRowsTrimTitlesAndMarkUnused)
-{
-    Tautosequence sequence;
-    Tautosequence::setTitle(sequence.title1, "  Earth Bond");
-    Tautosequence::setTitle(sequence.title2, "Class I");
-    EXPECT_EQ(TlistTexts::inspectionRow(sequence), "Earth Bond - Class I");
-    EXPECT_EQ(TlistTexts::testerChild(11, sequence), "12. Earth Bond - Class I");
-
-    Tautosequence blank; // blank is not unused: it shows its empty titles
-    EXPECT_EQ(TlistTexts::inspectionRow(blank), " - ");
-
-    Tautosequence unused;
-    unused.makeUnused();
-    EXPECT_EQ(TlistTexts::inspectionRow(unused), "<unused>");
-    EXPECT_EQ(TlistTexts::testerChild(0, unused), "1. <unused>");
-    unused.setting = 9; // no longer unused by the record's own test
-    EXPECT_EQ(TlistTexts::inspectionRow(unused), "(UNUSED) - ");
-}
-
-TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
-{
-    TuserTester named{"WORKSHOP", {}};
-    EXPECT_EQ(TlistTexts::testerRoot(4, named), "v. WORKSHOP");
-    TuserTester blank{"   ", {}};
-    EXPECT_EQ(TlistTexts::testerRoot(2, blank), "iii. USER TESTER 3");
+    TuserTester named{"WORKSHOP", {}}, blank{"   ", {}}, repaired{"USER TESTER 8", {}};
+    EXPECT_EQ(TlistTexts::testerRoot(4, named) + "|" + TlistTexts::testerRoot(2, blank) + "|"
+                  + TlistTexts::testerRoot(3, repaired),
+              "v. WORKSHOP|iii. USER TESTER 3|iv. USER TESTER 8");
     EXPECT_EQ(blank.name, "USER TESTER 3");
-
-    TuserTester repaired{"USER TESTER 8", {}}; // not blank: keeps its number
-    EXPECT_EQ(TlistTexts::testerRoot(3, repaired), "iv. USER TESTER 8");
 }
 
 // Names typed or pasted by a user: inner control characters become blanks, the ends
