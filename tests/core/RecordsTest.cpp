@@ -3,7 +3,7 @@
 #include "TTestProc.h"
 #include "Tautosequence.h"
 
-TEST(Records, CheckitemAssignCutsAndTerminates)
+TEST(Records, CheckitemAssignCutsAndTerminatesAndAutosequenceTitlesAreCleanedAndCut)
 {
     TInstr record;
     EXPECT_TRUE(record.isFree());
@@ -12,10 +12,7 @@ TEST(Records, CheckitemAssignCutsAndTerminates)
     EXPECT_EQ(bytes(record), "BM" + std::string(41, 'x') + '\0');
     record.assign('B', 'M', "ab");
     EXPECT_EQ(bytes(record), "BMab" + std::string(40, '\0'));
-}
 
-TEST(Records, AutosequenceSpecialValuesAndTitles)
-{
     Tautosequence s;
     EXPECT_FALSE(s.isUnused());
     s.makeUnused();
@@ -27,7 +24,7 @@ TEST(Records, AutosequenceSpecialValuesAndTitles)
     EXPECT_EQ(TesterSetting::make(0, 3), 0);
 }
 
-TEST(Records, ChecklistFromSourceCleansTitleAndEndsItems)
+TEST(Records, ChecklistFromSourceCleansTitleAndEndsItemsAndNewTablesHoldBlankRecords)
 {
     TEST_PROCEDURE source;
     std::memset(&source, 0, sizeof source);
@@ -46,15 +43,12 @@ TEST(Records, ChecklistFromSourceCleansTitleAndEndsItems)
     EXPECT_EQ(list.size(), 500u);
     EXPECT_EQ(list.items[0].titleText(), "(UNUSED)                                 ");
     EXPECT_EQ(list.at(500), nullptr);
-}
 
-// New tables hold 500 blank checklists and five testers named from zero with twelve blank sequences.
-TEST(DefaultContainers, HoldBlankRecords)
-{
-    const TTestProcList list;
-    ASSERT_EQ(list.size(), 500u);
-    for (std::size_t i = 0; i < list.size(); ++i)
-        ASSERT_EQ(bytes(*list.at(i)), bytes(TTestProc())) << i;
+    // New tables hold 500 blank checklists and five testers named from zero with twelve blank sequences.
+    const TTestProcList fresh;
+    ASSERT_EQ(fresh.size(), 500u);
+    for (std::size_t i = 0; i < fresh.size(); ++i)
+        ASSERT_EQ(bytes(*fresh.at(i)), bytes(TTestProc())) << i;
     std::string testers;
     for (const TuserTester &tester : TuserTester::defaultList())
         for (const Tautosequence &sequence : tester.sequences)
