@@ -18,7 +18,7 @@ TEST(CategoryDescriptors, ParsesLetterCommaText)
 }
 
 // Only named letters A to Z are saved, in key order, with their names cleaned as typed names are.
-TEST(CategoryDescriptors, SavesNamedLettersInKeyOrderCleanedAndReadsBack)
+TEST(CategoryDescriptors, SavesNamedLettersInKeyOrderCleanedAndReadsBackAndShowsTheLetterForNoName)
 {
     TempDir dir;
     TcategoryMap map{{'\x01', "shifted key"}, {' ', "blank"}, {'@', "before A"}, {'[', "after Z"},
@@ -30,19 +30,16 @@ TEST(CategoryDescriptors, SavesNamedLettersInKeyOrderCleanedAndReadsBack)
     ASSERT_EQ(CategoryDescriptors::load(dir / "catdes.dat", back), 0);
     EXPECT_EQ(back, (TcategoryMap{{'B', "Line one Z, injected"}, {'E', "Doors"}, {'K', "Leakage"}}));
     EXPECT_EQ(CategoryDescriptors::save(map, dir / "none" / "catdes.dat"), -1);
-}
 
-// No name, or a name the category editor cleared: the letter itself.
-TEST(CategoryDescriptors, DisplayTextFallsBackToTheLetter)
-{
-    TcategoryMap map{{'B', "Electrical tests"}, {'D', ""}};
+    // No name, or a name the category editor cleared: the letter itself.
+    back['D'] = "";
     std::string shown;
     for (char letter : {'B', 'C', 'D', '\0', ' '})
-        shown += CategoryDescriptors::displayText(map, letter) + "|";
-    EXPECT_EQ(shown, "Electrical tests|C|D|<empty>||");
+        shown += CategoryDescriptors::displayText(back, letter) + "|";
+    EXPECT_EQ(shown, "Line one Z, injected|C|D|<empty>||");
 }
 
-TEST(FieldSpec, AcceptsBareTypesAndRanges)
+TEST(FieldSpec, AcceptsBareTypesAndRangesAndThrowsCodeSixOnGrammarViolations)
 {
     // Left and right label, type letter and tag, and the range when there is one.
     const std::pair<const char *, std::string> cases[] = {
@@ -61,10 +58,7 @@ TEST(FieldSpec, AcceptsBareTypesAndRanges)
             shown << " " << f.range.minimum << ".." << f.range.maximum;
         EXPECT_EQ(shown.str(), expected) << line;
     }
-}
 
-TEST(FieldSpec, GrammarViolationsThrowCodeSix)
-{
     const char *bad[] = {
         "\"a\"\t\"b\"",                 // two tokens
         "\"a\"\t\"b\"\t\"N\"\t\"x\"",   // four tokens
