@@ -86,7 +86,7 @@ TEST(InspectionConversion, WritesTwentyFourItemsAnd180ByteRecordsAndReadsThemBac
               bytes(inspections[0]) + bytes(inspections[1]) + memory("A title far longer ", "t2", 0x20, rule({5, 9})));
 }
 
-TEST(UserTesterConversion, NameBecomesSubtitleCutTo63)
+TEST(UserTesterConversion, NameBecomesSubtitleCutTo63AndMissingTestersAreAddedFromTheLastIndex)
 {
     TuserTester tester{std::string(70, 'T'), {sequence("One", {1}), sequence("Two", {2, 3})}};
     TautosequenceFile file;
@@ -105,50 +105,45 @@ TEST(UserTesterConversion, NameBecomesSubtitleCutTo63)
     conv::userTestersToFiles({tester, tester}, files);
     ASSERT_EQ(files.size(), 2u);
     EXPECT_EQ(files[1].serialize(), expected);
-}
 
-TEST(UserTesterConversion, FewerThanFiveFilesAddTestersFromTheLastIndex)
-{
-    std::vector<TautosequenceFile> files(3);
+    // Fewer than five files add testers from the last index; short files are not padded.
+    files.resize(3);
     for (int i = 0; i < 3; ++i) {
         files[i].setSubtitle("Bench " + std::to_string(i));
-        files[i].records.push_back(record("s", "", 0, {1, 0}));
+        files[i].records = {record("s", "", 0, {1, 0})};
     }
     std::vector<TuserTester> testers(1);
     conv::filesToUserTesters(files, testers);
     std::string names;
     for (const TuserTester &tester : testers)
-        names += tester.name + "/" + std::to_string(tester.sequences.size()) + " "; // short files are not padded
+        names += tester.name + "/" + std::to_string(tester.sequences.size()) + " ";
     EXPECT_EQ(names, "Bench 0/1 Bench 1/1 Bench 2/1 USER TESTER #2/12 USER TESTER #3/12 USER TESTER #4/12 ");
     EXPECT_EQ(bytes(testers[3].sequences[11]), memory("", "", 0, positions({})));
     conv::filesToUserTesters(std::vector<TautosequenceFile>(7), testers);
     EXPECT_EQ(testers.size(), 5u);
 }
 
+// The item rule on 96 positions is checked with the rule itself.
 TEST(ChecklistConversion, TitlesItemsAndSettingRoundTrip)
 {
     TautosequenceFile file;
-    file.records.push_back(record("Annual test of a class I device", "ignored", 0x1234, Items(100, 12)));
-    file.records.push_back(record("Short", "", 7, {3, 4, 0, 9}));
-    file.records.push_back(record("Unterminated", "", 0, {3}));
+    file.records = {record("Annual test of a class I device", "ignored", 0x1234, Items(100, 12)),
+                    record("Short", "", 7, {3, 4, 0, 9})};
     TTestProcList list;
     list.makeUnused();
     conv::fileToChecklists(file, list);
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list.items[0].titleText(), "Annual test of a class I device");
-    EXPECT_EQ(list.items[0].setting, 0x1234);
-    const auto items = [&](int i) { return Items(std::begin(list.items[i].items), std::end(list.items[i].items)); };
-    EXPECT_EQ(items(0), Items(96, 12));
-    EXPECT_EQ(items(1), positions({3, 4}, 96));
-    EXPECT_EQ(items(2), unterminated({3}, 96));
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list.items[0].titleText() + "|" + std::to_string(list.items[0].setting),
+              "Annual test of a class I device|4660");
+    EXPECT_EQ(Items(std::begin(list.items[0].items), std::end(list.items[0].items)), Items(96, 12));
+    EXPECT_EQ(Items(std::begin(list.items[1].items), std::end(list.items[1].items)), positions({3, 4}, 96));
 
-    TTestProcList one;
-    one.items.resize(1);
-    std::memcpy(one.items[0].title, "Checklist one", 13);
-    std::copy_n(positions({8}, 96).begin(), 96, one.items[0].items);
-    one.items[0].setting = 2;
+    list.items.assign(1, TTestProc());
+    std::memcpy(list.items[0].title, "Checklist one", 13);
+    std::copy_n(positions({8}, 96).begin(), 96, list.items[0].items);
+    list.items[0].setting = 2;
     TautosequenceFile out;
-    conv::checklistsToFile(one, out);
-    EXPECT_EQ(out.serialize(),
-              asqHeader("", "", 1) + asqRecord("Checklist one" + std::string(28, ' '), "", 2, positions({8}, 96)));
+    conv::checklistsToFile(list, out);
+    EXPECT_EQ(out.serialize(), asqHeader("", "", 1) + asqRecord("Checklist one" + std::string(28, ' '), "", 2,
+                                                               positions({8}, 96)));
 }
