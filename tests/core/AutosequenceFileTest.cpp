@@ -1,12 +1,11 @@
 #include "CoreTest.h"
 #include "autosequenceFileStructs.h"
 
-TEST(AsqRead, ReadsHeaderRecordsAndDeclaredItemCountsOrSaysWhyNot)
+TEST(AsqRead, ReadsHeaderRecordsAndDeclaredItemCountsOrSaysWhyNotAndEachShortReadHasItsOwnNumber)
 {
     TempDir dir;
     std::vector<std::uint16_t> thirty(30);
-    for (int i = 0; i < 30; ++i)
-        thirty[i] = static_cast<std::uint16_t>(i + 1);
+    std::iota(thirty.begin(), thirty.end(), 1);
     const std::string whole = asqHeader("Physical Inspections", "", 2)
         + asqRecord("Cord check", "Class I", 0x0B, {5, 0x1234, 0}) + asqRecord("Long", "", 0, thirty);
     TautosequenceFile asq;
@@ -18,23 +17,18 @@ TEST(AsqRead, ReadsHeaderRecordsAndDeclaredItemCountsOrSaysWhyNot)
     EXPECT_EQ(asq.read(dir.write("empty.asq", asqHeader("User Tester Autosequences", "Bench", 0))), -2);
     EXPECT_TRUE(asq.records.empty());
     EXPECT_EQ(asq.subtitle(), "Bench");
-}
 
-TEST(AsqRead, EachShortReadHasItsOwnNumber)
-{
-    std::string whole = asqHeader("T", "S", 1) + asqRecord("a", "b", 3, {7, 0});
     // Cut points and the read that comes up short there.
+    const std::string small = asqHeader("T", "S", 1) + asqRecord("a", "b", 3, {7, 0});
     const std::pair<std::size_t, int> cuts[] = {
         {0, 1}, {63, 1}, {100, 2}, {129, 3}, {130 + 10, 4}, {130 + 64 + 63, 5},
         {130 + 128 + 1, 6}, {130 + 131, 7}, {130 + 132 + 3, 8},
     };
     for (auto [length, which] : cuts) {
-        TautosequenceFile asq;
-        auto e = thrown<TInvalidRead>([&] { asq.parse(whole.substr(0, length)); });
+        auto e = thrown<TInvalidRead>([&] { asq.parse(small.substr(0, length)); });
         EXPECT_EQ(e ? e->which : 0, which) << "cut at " << length;
     }
-    TautosequenceFile asq;
-    EXPECT_EQ(asq.parse(whole), 0);
+    EXPECT_EQ(asq.parse(small), 0);
 }
 
 TEST(AsqWrite, RecomputesCountsAndWritesTheLayoutOrRefusesAndKeepsTheTarget)
