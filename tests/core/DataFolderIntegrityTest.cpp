@@ -57,11 +57,9 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
         EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile(kept));
         EXPECT_EQ(firstTitle(data), kept);
     }
-}
-
-// The checkitem editor's sync saves through a data set of its own into the table the frame holds.
-TEST_F(DataFolder, ASaveOfThisProcessIsNotAnotherProgramsChange)
-{
+    // The checkitem editor's sync saves through a data set of its own into the table the frame holds:
+    // a save of this process is not another program's change.
+    sink.messages.clear();
     TdataSet editorSync(dir.path(), sink);
     editorSync.checkitems[0] = TInstr('C', 'M', "synced");
     ASSERT_TRUE(editorSync.saveCheckitems(TsaveAction::Sync));
