@@ -7,7 +7,6 @@
 #include "ProgramRun.h"
 #include <algorithm>
 #include <chrono>
-#include <functional>
 #include <fstream>
 #include <csignal>
 #include <random>
@@ -78,7 +77,7 @@ std::chrono::microseconds oneSaveTakes(const fs::path &appDir)
     RecordingMessageSink sink;
     TdataSet set(appDir, sink);
     FullDataSet::fill(set, 0);
-    auto start = std::chrono::steady_clock::now();
+    const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 3; ++i)
         set.backup();
     return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start) / 3;
@@ -93,23 +92,6 @@ std::vector<std::pair<std::string, std::string>> fileErrorTexts()
         texts.emplace_back("usertester" + std::to_string(t) + ".asq",
                            "An error occured while backing up the data for User Tester Sequence " + std::to_string(t));
     return texts;
-}
-
-// Runs action with writes limited to limit bytes per file, as a full disk would refuse them.
-void withFileSizeLimit(std::size_t limit, const std::function<void()> &action)
-{
-    // Ignored, SIGXFSZ no longer ends the process: the write fails with EFBIG instead.
-    struct sigaction ignore {}, old {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGXFSZ, &ignore, &old);
-    rlimit saved{};
-    ::getrlimit(RLIMIT_FSIZE, &saved);
-    rlimit starved = saved;
-    starved.rlim_cur = limit;
-    ::setrlimit(RLIMIT_FSIZE, &starved);
-    action();
-    ::setrlimit(RLIMIT_FSIZE, &saved);
-    ::sigaction(SIGXFSZ, &old, nullptr);
 }
 
 }
@@ -207,7 +189,17 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
         RecordingMessageSink sink;
         TdataSet set(appDir.path(), sink);
         FullDataSet::fill(set, 1);
-        withFileSizeLimit(limit, [&] { set.backup(); });
+        // Past the limit a write fails with EFBIG, as on a full disk; ignored, SIGXFSZ does not end the process.
+        struct sigaction ignore {}, old {};
+        ignore.sa_handler = SIG_IGN;
+        ::sigaction(SIGXFSZ, &ignore, &old);
+        rlimit saved{};
+        ::getrlimit(RLIMIT_FSIZE, &saved);
+        const rlimit starved{limit, saved.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &starved);
+        set.backup();
+        ::setrlimit(RLIMIT_FSIZE, &saved);
+        ::sigaction(SIGXFSZ, &old, nullptr);
         ++figures.saves;
         int others = 0;
         const Files found = readFiles(appDir / "Data", others);

@@ -5,6 +5,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 extern char **environ;
 
@@ -72,8 +73,7 @@ int TsimProcess::waitExit()
     if (m_pid < 0)
         return -1;
     int status = 0;
-    ::waitpid(m_pid, &status, 0);
-    m_pid = -1;
+    ::waitpid(std::exchange(m_pid, -1), &status, 0);
     // Keep what it logged while stopping.
     char buffer[4096];
     for (ssize_t n; (n = ::read(m_stderr, buffer, sizeof buffer)) > 0;)

@@ -30,6 +30,14 @@ template <typename R> std::string bytes(const R &record)
     return std::string(reinterpret_cast<const char *>(&record), sizeof record);
 }
 
+inline std::string clearedSlots(std::size_t count)
+{
+    std::string out;
+    while (count--)
+        out += clearedCheckitem();
+    return out;
+}
+
 inline unsigned modeOf(const fs::path &path)
 {
     struct stat st {};

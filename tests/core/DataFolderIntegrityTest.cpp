@@ -7,17 +7,14 @@
 #include <sys/file.h>
 
 namespace {
+// A title as a save writes it and a load shows it: padded to the record's 18 characters.
+std::string padded(const std::string &title)
+{
+    return title + std::string(18 - title.size(), ' ');
+}
 std::string inspectionFile(const std::string &title)
 {
-    // As a save writes it: the title padded to the record's 18 characters.
-    return asqHeader("Physical Inspections", "", 1)
-        + asqRecord(title + std::string(18 - title.size(), ' '), "", 0, positions({1}));
-}
-
-std::string firstTitle(const TdataSet &set)
-{
-    const std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
-    return text.substr(0, text.find_last_not_of(' ') + 1);
+    return asqHeader("Physical Inspections", "", 1) + asqRecord(padded(title), "", 0, positions({1}));
 }
 
 struct DataFolder : ::testing::Test {
@@ -55,7 +52,7 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
         data.saveInspections();
         EXPECT_EQ(sink.messages, changedHere ? std::vector<Message>{question} : std::vector<Message>{});
         EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile(kept));
-        EXPECT_EQ(firstTitle(data), kept);
+        EXPECT_EQ(Tautosequence::titleText(data.inspections[0].title1), padded(kept));
     }
     // The checkitem editor's sync saves through a data set of its own into the table the frame holds:
     // a save of this process is not another program's change.
@@ -83,7 +80,7 @@ TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilled
                           + file("mit.dat").string() + "\0"s);
         }
         data.loadAll();
-        EXPECT_EQ(firstTitle(data), recorded ? "NEW" : "OLD");
+        EXPECT_EQ(Tautosequence::titleText(data.inspections[0].title1), padded(recorded ? "NEW" : "OLD"));
         EXPECT_EQ(tree(dir / "Data"), "inspection.asq mit.dat=" + std::string(recorded ? "new mit " : "old mit "));
     }
 }
@@ -103,11 +100,9 @@ TEST_F(DataFolder, AFileThatFailedToLoadIsKeptBeforeASaveReplacesIt)
         if (entry.path().filename().string().rfind("inspection.asq.unreadable-", 0) == 0)
             kept = entry.path();
     EXPECT_EQ(TempDir::read(kept), cut);
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Unreadable File Kept",
-                                                    "The file " + file("inspection.asq").string()
-                                                        + " could not be read. Its original content was kept as\n"
-                                                        + kept.string() + "\nbefore it was replaced.",
-                                                    MsgIcon::Information}}));
+    EXPECT_EQ(sink.messages, (Messages{{"Unreadable File Kept", "The file " + file("inspection.asq").string()
+                                            + " could not be read. Its original content was kept as\n" + kept.string()
+                                            + "\nbefore it was replaced.", MsgIcon::Information}}));
     EXPECT_TRUE(data.folderWarnings().empty());
 }
 
@@ -121,10 +116,9 @@ TEST_F(DataFolder, ABusyFolderIsNamedWithItsHolderAndNothingIsSaved)
     EXPECT_FALSE(data.saveInspections());
     TdataFolderLock::setWaitForTests(std::chrono::milliseconds(-1));
     ::close(held);
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Data Folder Busy",
-                                                    "The data folder " + (dir / "Data").string()
-                                                        + " is being saved by process 4242, which has not finished. "
-                                                          "Try again later.\nNothing was saved."}}));
+    EXPECT_EQ(sink.messages, (Messages{{"Data Folder Busy", "The data folder " + (dir / "Data").string()
+                                            + " is being saved by process 4242, which has not finished. "
+                                              "Try again later.\nNothing was saved."}}));
     EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("OURS"));
 }
 

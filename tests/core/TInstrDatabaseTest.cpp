@@ -10,26 +10,10 @@ std::string slots(int count)
     return out;
 }
 
-// The whole table's bytes from slot `from` on.
-std::string bytes(const std::vector<TInstr> &table, std::size_t from = 0)
+// The whole table's bytes.
+std::string bytes(const std::vector<TInstr> &table)
 {
-    return std::string(reinterpret_cast<const char *>(table.data() + from), (table.size() - from) * sizeof(TInstr));
-}
-
-std::string cleared(std::size_t count)
-{
-    std::string out;
-    while (count--)
-        out += clearedCheckitem();
-    return out;
-}
-
-TopCodeTable table(std::initializer_list<std::pair<char, const char *>> entries)
-{
-    TopCodeTable t;
-    for (auto [letter, name] : entries)
-        t[letter] = TinstStruct{name, letter, false, 1024};
-    return t;
+    return std::string(reinterpret_cast<const char *>(table.data()), table.size() * sizeof(TInstr));
 }
 }
 
@@ -56,7 +40,7 @@ TEST(MasterTable, LoadsWholeRecordsAndSavesEverySlotAsFortyFourBytes)
     ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "mit.dat"), 0);
     EXPECT_EQ(TempDir::read(dir / "mit.dat"),
               checkitem('C', 'P', "Check the cord") + clearedCheckitem() + checkitem(' ', 'M', std::string(41, 'x'))
-                  + cleared(1041));
+                  + clearedSlots(1041));
     EXPECT_EQ(TInstrDatabase::saveMasterTable(db.slots(), dir / "no" / "such" / "mit.dat"), -1);
 }
 
@@ -89,7 +73,7 @@ TEST_F(CsvImport, EachLineFillsTheNextSlotCleaned)
     for (const auto &c : cases) {
         TInstrDatabase db;
         ASSERT_EQ(db.importText(dir.write("in.csv", c.text)), 0);
-        EXPECT_EQ(bytes(db.slots()), c.records + cleared(1044 - c.records.size() / 44)) << c.text.substr(0, 20);
+        EXPECT_EQ(bytes(db.slots()), c.records + clearedSlots(1044 - c.records.size() / 44)) << c.text.substr(0, 20);
     }
 }
 
@@ -131,14 +115,14 @@ TEST(OpCodeNames, UnknownOpCodesAreRepairedAndNamesNeedKnownLetters)
     db[2].opCode = 'Z';
     db[3].category = 'A';
     db[3].opCode = 0;
-    EXPECT_TRUE(db.repairUnknownOpCodes(table({{'M', "M - Measure"}, {'L', "L - Limits"}})));
+    EXPECT_TRUE(db.repairUnknownOpCodes({{'M', {"M - Measure", 'M'}}, {'L', {"L - Limits", 'L'}}}));
     const std::string marker = checkitem(' ', 'L', "**!!**UNRECOGNIZED OP CODE**!!**         ");
     EXPECT_EQ(bytes(db.slots()).substr(0, 4 * 44),
               checkitem('B', 'M', "known") + marker + marker + std::string("A\0", 2) + std::string(42, '\xFF'));
-    EXPECT_FALSE(db.repairUnknownOpCodes(table({{'M', "M"}, {'L', "L"}})));
+    EXPECT_FALSE(db.repairUnknownOpCodes({{'M', {"M", 'M'}}, {'L', {"L", 'L'}}}));
 
     // A record of an unknown one becomes an empty measure.
-    TInstrDatabase::setNames(table({{'M', "M - Measure"}, {'P', "P - Pass/Fail"}}));
+    TInstrDatabase::setNames({{'M', {"M - Measure", 'M'}}, {'P', {"P - Pass/Fail", 'P'}}});
     EXPECT_EQ(TInstrDatabase::nameOf('P'), "P - Pass/Fail");
     EXPECT_THROW(TInstrDatabase::nameOf('Q'), std::runtime_error);
     TInstr record('B', 'Q', "text");

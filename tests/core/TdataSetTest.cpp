@@ -64,10 +64,7 @@ TEST_F(DataSet, EmptyFolderGivesFourBoxesAndDefaultsAndAReloadGivesThemInItsOwnO
     sink.messages.clear();
     data.backup();
     EXPECT_TRUE(sink.messages.empty());
-    std::string cleared;
-    for (int i = 0; i < 1044; ++i)
-        cleared += clearedCheckitem();
-    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat"), cleared);
+    EXPECT_EQ(TempDir::read(dir / "Data/mit.dat"), clearedSlots(1044));
     const std::string unused = "(UNUSED)          ", blank(18, ' ');
     EXPECT_EQ(TempDir::read(dir / "Data/inspection.asq"),
               asqFile("Physical Inspections", "", 18, unused, positions({}), blank));

@@ -10,11 +10,8 @@ class FilterTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        TopCodeTable names;
-        for (auto [letter, name] : {std::pair{'A', "A - Autosequence"}, {'M', "M - Measure"},
-                                    {'P', "P - Pass/Fail"}, {'L', "L - Meas. w Limits"}})
-            names[letter] = TinstStruct{name, letter, false, 1024};
-        TInstrDatabase::setNames(names);
+        TInstrDatabase::setNames({{'A', {"A - Autosequence", 'A'}}, {'M', {"M - Measure", 'M'}},
+                                  {'P', {"P - Pass/Fail", 'P'}}, {'L', {"L - Meas. w Limits", 'L'}}});
         db.resize(12);
     }
     void TearDown() override { TInstrDatabase::clearNames(); }
