@@ -29,8 +29,7 @@ TEST(OpCodeFiles, ReadLinesStripsLineEndsAndSplitsAt1024)
     auto file = dir.write("l.in", "one\r\ntwo\n" + std::string(1500, 'x') + "\r\n" + std::string(1024, 'y')
                                       + "\r\n" + std::string(1024, 'z') + "\r" + "\"A\"\n"
                                       + std::string("nul\0rest\n", 9) + "last");
-    auto lines = OpCodeDefinitions::readLines(file);
-    EXPECT_EQ(lines, (std::vector<std::string>{"one", "two", std::string(1024, 'x'), std::string(476, 'x'),
+    EXPECT_EQ(OpCodeDefinitions::readLines(file), (std::vector<std::string>{"one", "two", std::string(1024, 'x'), std::string(476, 'x'),
                                                std::string(1024, 'y'), std::string(1024, 'z'), "\r\"A\"", "nul",
                                                "last"}));
 }
@@ -45,8 +44,7 @@ TEST(OpCodeLoad, FirstFileWinsALetter)
     dir.write("0.inx", "x");
     dir.write("0mit.dat", "x");
     RecordingMessageSink sink;
-    TopCodeTable table;
-    table['X'] = TinstStruct{"X - stale", 'X', false, 1024};
+    TopCodeTable table{{'X', {"X - stale", 'X'}}};
     ASSERT_EQ(OpCodeDefinitions::load(dir.path(), table, sink), 0);
     ASSERT_EQ(table.size(), 2u);
     EXPECT_EQ(table['M'].name + (table['M'].yFlag ? " Y " : " N ") + table['P'].name, "M - Measure Y P - Pass/Fail");
