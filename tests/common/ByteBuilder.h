@@ -14,7 +14,10 @@ inline void putText(std::string &image, std::size_t offset, const std::string &t
 {
     image.replace(offset, text.size(), text);
 }
-inline void putWord(std::string &image, std::size_t offset, std::uint16_t value) { putText(image, offset, le16(value)); }
+inline void putWord(std::string &image, std::size_t offset, std::uint16_t value)
+{
+    putText(image, offset, le16(value));
+}
 
 // A text field of `width` bytes: the text, then zeros.
 inline std::string field(const std::string &text, std::size_t width)

@@ -115,7 +115,8 @@ TEST_F(AppDirTest, ProgramsSeedingOneNewFolderAtOnceAllSucceedWithTheWholePrivat
 
         EXPECT_EQ(tree(xdg), "kt930pc/ kt930pc/Data/ kt930pc/Data/catdes.dat=shipped categories "
                              "kt930pc/Data/passfail.in=shipped definitions ");
-        for (const char *path : {"", "/kt930pc", "/kt930pc/Data", "/kt930pc/Data/catdes.dat", "/kt930pc/Data/passfail.in"})
+        for (const char *path :
+             {"", "/kt930pc", "/kt930pc/Data", "/kt930pc/Data/catdes.dat", "/kt930pc/Data/passfail.in"})
             EXPECT_EQ(modeOf(xdg.string() + path), fs::is_directory(xdg.string() + path) ? 0700u : 0600u) << path;
     }
 }

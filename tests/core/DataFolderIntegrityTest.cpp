@@ -40,8 +40,8 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
                                  "No loads the file's new content instead; the changes made here to it are dropped.",
                            MsgIcon::Question, MsgButtons::YesNo};
     // Unchanged here there is nothing to lose: theirs is taken without a question.
-    for (const auto &[changedHere, answer, kept] : {std::tuple{false, MsgAnswer::Yes, "THEIRS"},
-                                                    {true, MsgAnswer::Yes, "EDITED"}, {true, MsgAnswer::No, "THEIRS"}}) {
+    for (const auto &[changedHere, answer, kept] :
+         {std::tuple{false, MsgAnswer::Yes, "THEIRS"}, {true, MsgAnswer::Yes, "EDITED"}, {true, MsgAnswer::No, "THEIRS"}}) {
         dir.write("Data/inspection.asq", inspectionFile("OURS"));
         data.loadInspections();
         dir.write("Data/inspection.asq", inspectionFile("THEIRS"));
@@ -136,7 +136,8 @@ TEST_F(DataFolder, DownloadAndSyncKeepRestorePointsThatPutTheSetBack)
     const auto shown = [&] {
         std::string out;
         for (const auto &point : points.list())
-            out += point.action + ":" + point.files.at(0) + "=" + TempDir::read(point.folder / "mit.dat").substr(2, 4) + " ";
+            out += point.action + ":" + point.files.at(0) + "=" + TempDir::read(point.folder / "mit.dat").substr(2, 4)
+                + " ";
         return out;
     };
     EXPECT_EQ(shown(), "sync:mit.dat=down download:mit.dat=item ");
@@ -162,6 +163,7 @@ TEST(RestorePoints, ALinkPlantedAsTheRestoreFolderGetsNoCopiesAndOffersNothingTo
     EXPECT_EQ(why, "The restore point folder " + (data / ".restore").string() + " is not a folder of your own.");
     EXPECT_TRUE(points.list().empty());
     EXPECT_FALSE(points.restore(1, why));
-    EXPECT_EQ(tree(data.path()) + tree(elsewhere.path()), ".lock= .restore->" + elsewhere.path().string()
-                  + " mit.dat=mine 20261123-141503-1/ 20261123-141503-1/action=download\n 20261123-141503-1/mit.dat=planted ");
+    EXPECT_EQ(tree(data.path()) + tree(elsewhere.path()),
+              ".lock= .restore->" + elsewhere.path().string() + " mit.dat=mine 20261123-141503-1/ "
+                  + "20261123-141503-1/action=download\n 20261123-141503-1/mit.dat=planted ");
 }

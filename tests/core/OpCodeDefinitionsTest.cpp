@@ -29,9 +29,9 @@ TEST(OpCodeFiles, ReadLinesStripsLineEndsAndSplitsAt1024)
     auto file = dir.write("l.in", "one\r\ntwo\n" + std::string(1500, 'x') + "\r\n" + std::string(1024, 'y')
                                       + "\r\n" + std::string(1024, 'z') + "\r" + "\"A\"\n"
                                       + std::string("nul\0rest\n", 9) + "last");
-    EXPECT_EQ(OpCodeDefinitions::readLines(file), (std::vector<std::string>{"one", "two", std::string(1024, 'x'), std::string(476, 'x'),
-                                               std::string(1024, 'y'), std::string(1024, 'z'), "\r\"A\"", "nul",
-                                               "last"}));
+    EXPECT_EQ(OpCodeDefinitions::readLines(file),
+              (std::vector<std::string>{"one", "two", std::string(1024, 'x'), std::string(476, 'x'),
+                                        std::string(1024, 'y'), std::string(1024, 'z'), "\r\"A\"", "nul", "last"}));
 }
 
 // Only *.in files are read, in name order: anything else would be corrupt here.
@@ -65,8 +65,9 @@ TEST(OpCodeLoad, MissingAndCorruptFilesAreReported)
     EXPECT_EQ(sink.messages, (Messages{{"ERROR!", "Warning!\nInstruction List Files Cannot Be Found Or Are Corrupt!\n"
                                                   "Please restart program.\nIf this problem persists, contact your "
                                                   "software vendor.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task},
-                                       {"ERROR", "An unexpected error occured while processing " + bad.string() + ".\nThe "
-                                                 "file is corrupt.  Please contact your product's distributor immediately.",
+                                       {"ERROR", "An unexpected error occured while processing " + bad.string()
+                                                     + ".\nThe file is corrupt.  Please contact your product's "
+                                                       "distributor immediately.",
                                         MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task}}));
 }
 

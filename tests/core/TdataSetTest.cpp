@@ -142,7 +142,8 @@ TEST_F(DataSet, ValidatingOpCodesRepairsUnknownCodesWithOneWarningOrStopsAtMissi
         "representative.";
     EXPECT_EQ(sink.messages,
               (Messages{stop("ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\n"
-                                       "Please restart program.\nIf this problem persists, contact your software vendor."),
+                                       "Please restart program.\nIf this problem persists, contact your software "
+                                       "vendor."),
                         stop("ERROR", "An unexpected error occured while processing b.in.\nThe file is corrupt.  "
                                       "Please contact your product's distributor immediately."),
                         {"UNRECOGNIZED OP CODE", text, MsgIcon::Exclamation, MsgButtons::Ok, MsgModality::Task}}));
