@@ -40,8 +40,9 @@ TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
                                  "No loads the file's new content instead; the changes made here to it are dropped.",
                            MsgIcon::Question, MsgButtons::YesNo};
     // Unchanged here there is nothing to lose: theirs is taken without a question.
-    for (const auto &[changedHere, answer, kept] :
-         {std::tuple{false, MsgAnswer::Yes, "THEIRS"}, {true, MsgAnswer::Yes, "EDITED"}, {true, MsgAnswer::No, "THEIRS"}}) {
+    for (const auto &[changedHere, answer, kept] : {std::tuple{false, MsgAnswer::Yes, "THEIRS"},
+                                                    {true, MsgAnswer::Yes, "EDITED"},
+                                                    {true, MsgAnswer::No, "THEIRS"}}) {
         dir.write("Data/inspection.asq", inspectionFile("OURS"));
         data.loadInspections();
         dir.write("Data/inspection.asq", inspectionFile("THEIRS"));
