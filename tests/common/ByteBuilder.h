@@ -7,17 +7,13 @@
 #include <vector>
 
 namespace ByteBuilder {
-inline std::string le16(std::uint16_t v)
-{
-    return std::string{static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)};
-}
+inline std::string le16(std::uint16_t v) { return std::string{static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)}; }
 
 // Writes bytes over an image at an offset (the image is already sized).
 inline void putText(std::string &image, std::size_t offset, const std::string &text)
 {
     image.replace(offset, text.size(), text);
 }
-
 inline void putWord(std::string &image, std::size_t offset, std::uint16_t value)
 {
     putText(image, offset, le16(value));
@@ -39,8 +35,7 @@ inline std::string asqHeader(const std::string &title, const std::string &subtit
 inline std::string asqRecord(const std::string &title1, const std::string &title2, std::uint16_t setting,
                              const std::vector<std::uint16_t> &items)
 {
-    std::string out = field(title1, 64) + field(title2, 64) + le16(setting)
-        + le16(static_cast<std::uint16_t>(items.size()));
+    std::string out = field(title1, 64) + field(title2, 64) + le16(setting) + le16(std::uint16_t(items.size()));
     for (std::uint16_t item : items)
         out += le16(item);
     return out;
@@ -58,13 +53,8 @@ inline std::vector<std::uint16_t> positions(std::initializer_list<std::uint16_t>
 
 inline std::string checkitem(char category, char op, const std::string &text)
 {
-    std::string out{category, op};
-    out += field(text.substr(0, 41), 42);
-    return out;
+    return std::string{category, op} + field(text.substr(0, 41), 42);
 }
 
-inline std::string clearedCheckitem()
-{
-    return std::string(2, '\0') + std::string(42, '\xFF');
-}
+inline std::string clearedCheckitem() { return std::string(2, '\0') + std::string(42, '\xFF'); }
 }

@@ -1,6 +1,6 @@
 #pragma once
-// Records what a worker reports; can cancel itself, or run a hook, when the worker
-// reaches a stage or a bar position.
+// Records what a worker reports; can cancel itself at a bar position, or run a hook
+// when the worker reaches a stage.
 #include "ProgressSink.h"
 #include <atomic>
 #include <functional>
@@ -27,8 +27,6 @@ public:
         }
         if (percent == cancelAtPosition)
             cancelled = true;
-        if (percent == hookAtPosition && hook)
-            hook();
     }
     bool isCancelled() const override { return cancelled; }
     void setCancelled() override { cancelled = true; }
@@ -44,7 +42,6 @@ public:
     int cancelAtPosition = -1;
     std::function<void()> hook;
     std::string hookAtStage;
-    int hookAtPosition = -1;
 
 private:
     std::mutex m_mutex;

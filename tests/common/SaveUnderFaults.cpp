@@ -49,8 +49,7 @@ void writeFiles(const fs::path &folder, const Files &files)
 Files loadedFiles(const fs::path &appDir, int &others)
 {
     RecordingMessageSink sink;
-    TdataSet loader(appDir, sink);
-    loader.loadAll();
+    TdataSet(appDir, sink).loadAll();
     return readFiles(TappDir::dataFolder(appDir), others);
 }
 
@@ -63,17 +62,11 @@ pid_t startSaver(const fs::path &program, const fs::path &appDir, bool once)
     pid_t pid = ::fork();
     if (pid == 0) {
         ::dup2(out[1], STDOUT_FILENO);
-        ::close(out[0]);
-        ::close(out[1]);
-        if (once)
-            ::execl(program.c_str(), program.c_str(), appDir.c_str(), "--once", nullptr);
-        else
-            ::execl(program.c_str(), program.c_str(), appDir.c_str(), nullptr);
+        ::execl(program.c_str(), program.c_str(), appDir.c_str(), once ? "--once" : nullptr, nullptr);
         ::_exit(127);
     }
     ::close(out[1]);
-    char c = 0;
-    while (::read(out[0], &c, 1) == 1 && c != '\n') {
+    for (char c = 0; ::read(out[0], &c, 1) == 1 && c != '\n';) {
     }
     ::close(out[0]);
     return pid;
@@ -84,11 +77,23 @@ std::chrono::microseconds oneSaveTakes(const fs::path &appDir)
     RecordingMessageSink sink;
     TdataSet set(appDir, sink);
     FullDataSet::fill(set, 0);
-    auto start = std::chrono::steady_clock::now();
+    const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 3; ++i)
         set.backup();
     return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start) / 3;
 }
+// The "File Error" text of each data file, in the order a save reports them.
+std::vector<std::pair<std::string, std::string>> fileErrorTexts()
+{
+    std::vector<std::pair<std::string, std::string>> texts{
+        {"mit.dat", "An error occured while backing up the master checkitem database"},
+        {"inspection.asq", "An error occured while backing up the data for Physical Inspections"}};
+    for (int t = 1; t <= TdataSet::UserTesterCount; ++t)
+        texts.emplace_back("usertester" + std::to_string(t) + ".asq",
+                           "An error occured while backing up the data for User Tester Sequence " + std::to_string(t));
+    return texts;
+}
+
 }
 
 Files savedFiles(int variant)
@@ -105,17 +110,6 @@ Files savedFiles(int variant)
     return readFiles(scratch / "Data", others);
 }
 
-std::vector<std::pair<std::string, std::string>> fileErrorTexts()
-{
-    std::vector<std::pair<std::string, std::string>> texts{
-        {"mit.dat", "An error occured while backing up the master checkitem database"},
-        {"inspection.asq", "An error occured while backing up the data for Physical Inspections"}};
-    for (int t = 1; t <= TdataSet::UserTesterCount; ++t)
-        texts.emplace_back("usertester" + std::to_string(t) + ".asq",
-                           "An error occured while backing up the data for User Tester Sequence " + std::to_string(t));
-    return texts;
-}
-
 KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
 {
     const Files variants[2] = {savedFiles(0), savedFiles(1)};
@@ -128,38 +122,29 @@ KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
 
     std::mt19937 random(seed);
     KilledFigures figures;
-    for (int k = 0; k < kills; ++k) {
+    int others = 0, status = 0;
+    for (; figures.kills < kills; ++figures.kills) {
         pid_t pid = startSaver(program, appDir.path(), false);
         // The kill moment is the point of the test, so this sleep waits for nothing.
         std::this_thread::sleep_for(std::chrono::microseconds(random() % std::uint64_t(spread.count() + 1)));
         ::kill(pid, SIGKILL);
-        int status = 0;
         ::waitpid(pid, &status, 0);
-        ++figures.kills;
-
         // The set is judged as the next program to load it sees it.
-        int others = 0;
         const Files found = loadedFiles(appDir.path(), others);
         figures.leftoversAfterKill += others;
-        bool sawOld = false, sawNew = false;
+        bool seen[2] = {false, false};
         for (const auto &[name, bytes] : variants[0]) {
             ++figures.filesChecked;
             auto it = found.find(name);
-            if (it == found.end() || (it->second != bytes && it->second != variants[1].at(name))) {
+            if (it == found.end() || (it->second != bytes && it->second != variants[1].at(name)))
                 ++figures.torn;
-                continue;
-            }
-            (it->second == bytes ? sawNew : sawOld) = true;
+            else
+                seen[it->second == bytes] = true;
         }
-        if (sawOld && sawNew)
-            ++figures.killedBetweenFiles;
+        figures.killedBetweenFiles += seen[0] && seen[1];
     }
-    pid_t pid = startSaver(program, appDir.path(), true);
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    int others = 0;
-    readFiles(data, others);
-    figures.leftoversAtEnd = others;
+    ::waitpid(startSaver(program, appDir.path(), true), &status, 0);
+    readFiles(data, figures.leftoversAtEnd);
     return figures;
 }
 
@@ -178,7 +163,7 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
         throw std::runtime_error("the command failed without a kill: " + whole.err);
     int others = 0;
     const Files after = readFiles(data, others);
-    for (int rename = 1;; ++rename) {
+    for (int rename = 1;; ++rename, ++figures.kills) {
         startFromBefore();
         // The leak checker stops the world with ptrace, which a traced program cannot.
         std::vector<std::string> traced{"-f", "-o", "/dev/null", "-E", "ASAN_OPTIONS=detect_leaks=0",
@@ -188,28 +173,10 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
         const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
         const Files found = loadedFiles(appDir, others);
         figures.leftovers += others;
-        if (found != before && found != after)
-            ++figures.mixed;
+        figures.mixed += found != before && found != after;
         if (run.exitCode == 0)
             return figures;
-        ++figures.kills;
     }
-}
-
-void withFileSizeLimit(std::size_t limit, const std::function<void()> &action)
-{
-    // Ignored, SIGXFSZ no longer ends the process: the write fails with EFBIG instead.
-    struct sigaction ignore {}, old {};
-    ignore.sa_handler = SIG_IGN;
-    ::sigaction(SIGXFSZ, &ignore, &old);
-    rlimit saved{};
-    ::getrlimit(RLIMIT_FSIZE, &saved);
-    rlimit starved = saved;
-    starved.rlim_cur = limit;
-    ::setrlimit(RLIMIT_FSIZE, &starved);
-    action();
-    ::setrlimit(RLIMIT_FSIZE, &saved);
-    ::sigaction(SIGXFSZ, &old, nullptr);
 }
 
 StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
@@ -222,9 +189,17 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
         RecordingMessageSink sink;
         TdataSet set(appDir.path(), sink);
         FullDataSet::fill(set, 1);
-
-        withFileSizeLimit(limit, [&] { set.backup(); });
-
+        // Past the limit a write fails with EFBIG, as on a full disk; ignored, SIGXFSZ does not end the process.
+        struct sigaction ignore {}, old {};
+        ignore.sa_handler = SIG_IGN;
+        ::sigaction(SIGXFSZ, &ignore, &old);
+        rlimit saved{};
+        ::getrlimit(RLIMIT_FSIZE, &saved);
+        const rlimit starved{limit, saved.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &starved);
+        set.backup();
+        ::setrlimit(RLIMIT_FSIZE, &saved);
+        ::sigaction(SIGXFSZ, &old, nullptr);
         ++figures.saves;
         int others = 0;
         const Files found = readFiles(appDir / "Data", others);
@@ -232,16 +207,13 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
         std::vector<Message> expected;
         for (const auto &[name, text] : fileErrorTexts()) {
             const bool fits = after.at(name).size() <= limit;
-            if (!fits) {
-                ++figures.filesFailed;
+            if (!fits)
                 expected.push_back({"File Error", text, MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
-            }
             auto it = found.find(name);
-            if (it == found.end() || it->second != (fits ? after : before).at(name))
-                ++figures.changedByFailure;
+            figures.changedByFailure += it == found.end() || it->second != (fits ? after : before).at(name);
         }
-        if (sink.messages != expected)
-            ++figures.wrongMessages;
+        figures.filesFailed += int(expected.size());
+        figures.wrongMessages += sink.messages != expected;
     }
     return figures;
 }

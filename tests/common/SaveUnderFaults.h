@@ -2,7 +2,6 @@
 // Saves of the full data set that are killed or starved of disk space, and what
 // they leave in the data folder. The tests run a few of each; scripts/soak many.
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -48,10 +47,4 @@ struct StarvedFigures {
 // writes), once per limit; every file must be old or new as its size decides.
 StarvedFigures starveSaves(const std::vector<std::size_t> &limits);
 
-// Runs action with writes limited to limit bytes per file (RLIMIT_FSIZE), as a
-// full disk would refuse them: past the limit a write fails with EFBIG.
-void withFileSizeLimit(std::size_t limit, const std::function<void()> &action);
-
-// The "File Error" text of each data file, in the order a save reports them.
-std::vector<std::pair<std::string, std::string>> fileErrorTexts();
 }

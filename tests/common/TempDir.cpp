@@ -25,15 +25,13 @@ fs::path TempDir::write(const std::string &name, const std::string &bytes) const
 {
     fs::path file = m_path / name;
     fs::create_directories(file.parent_path());
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
     return file;
 }
 
 std::string TempDir::read(const fs::path &file)
 {
-    std::ifstream in(file, std::ios::binary);
     std::ostringstream s;
-    s << in.rdbuf();
+    s << std::ifstream(file, std::ios::binary).rdbuf();
     return s.str();
 }

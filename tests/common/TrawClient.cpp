@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 constexpr int GuardMs = 10000; // a failure guard, never a pause
@@ -54,10 +55,7 @@ TrawClient TrawClient::openPty(const std::string &path)
     return TrawClient(fd);
 }
 
-TrawClient::TrawClient(TrawClient &&other) noexcept : m_fd(other.m_fd)
-{
-    other.m_fd = -1;
-}
+TrawClient::TrawClient(TrawClient &&other) noexcept : m_fd(std::exchange(other.m_fd, -1)) {}
 
 TrawClient::~TrawClient()
 {
@@ -91,11 +89,9 @@ std::string TrawClient::receive(std::size_t count)
 
 bool TrawClient::waitClosed()
 {
-    std::string ignored;
-    Arrival arrival;
-    while ((arrival = readOnce(m_fd, GuardMs, 4096, ignored)) == Arrival::Data)
-        ignored.clear();
-    return arrival == Arrival::Closed;
+    for (std::string ignored;; ignored.clear())
+        if (const Arrival arrival = readOnce(m_fd, GuardMs, 4096, ignored); arrival != Arrival::Data)
+            return arrival == Arrival::Closed;
 }
 
 std::string TrawClient::pending()

@@ -5,6 +5,7 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 extern char **environ;
 
@@ -18,8 +19,8 @@ TsimProcess::TsimProcess(const std::vector<std::string> &arguments)
     if (::pipe2(pipeFds, O_CLOEXEC) != 0)
         return;
     std::string program = std::string(KT930_TEST_APPDIR) + "/kt930sim";
-    std::vector<char *> argv{program.data()};
     std::vector<std::string> copies = arguments;
+    std::vector<char *> argv{program.data()};
     for (std::string &argument : copies)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
@@ -62,9 +63,8 @@ bool TsimProcess::waitForLog(const std::string &text)
 
 int TsimProcess::stop()
 {
-    if (m_pid < 0)
-        return -1;
-    ::kill(m_pid, SIGTERM);
+    if (m_pid > 0)
+        ::kill(m_pid, SIGTERM);
     return waitExit();
 }
 
@@ -73,8 +73,7 @@ int TsimProcess::waitExit()
     if (m_pid < 0)
         return -1;
     int status = 0;
-    ::waitpid(m_pid, &status, 0);
-    m_pid = -1;
+    ::waitpid(std::exchange(m_pid, -1), &status, 0);
     // Keep what it logged while stopping.
     char buffer[4096];
     for (ssize_t n; (n = ::read(m_stderr, buffer, sizeof buffer)) > 0;)

@@ -1,12 +1,7 @@
 // Which application folder a program works on, where plug-ins and help come from,
 // and the first-start copy of the shipped defaults into a per-user folder.
+#include "CoreTest.h"
 #include "AppDir.h"
-#include "TempDir.h"
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <thread>
-
-namespace fs = std::filesystem;
 
 namespace {
 class AppDirTest : public ::testing::Test {
@@ -30,91 +25,77 @@ protected:
 
 TEST_F(AppDirTest, ApplicationPluginHelpAndDefaultsFoldersFollowTheLayoutAndEnvironment)
 {
-    const fs::path bin = install(), usr = temp / "usr", xdg = temp / "xdg";
+    install();
     for (const char *spelling : {"Data", "data"})
         fs::create_directories(temp / spelling / "app" / spelling);
     fs::create_directories(temp / "bin");
-    const std::string own = "the program's folder holds Data/ and is writable (a build folder or a portable copy)";
-    const std::string installed = "the program is installed: the per-user data folder in ";
+    const std::string x = (temp / "xdg").string(), own = "| the program's folder holds Data/ and is writable (a "
+                                                         "build folder or a portable copy)";
+    const std::string installed = "usr/lib/kt930pc/plugins usr/share/kt930pc usr/share/kt930pc/Data | ";
+    const std::string perUser = installed + "the program is installed: the per-user data folder in ";
+    // Application, plug-in, help and defaults folders (below the test's folder: relative) | reason.
     const struct {
-        fs::path exe;
-        std::string xdg, override, home;
-        fs::path application, plugins, help, defaults;
-        std::string reason;
+        std::string exe, xdg, override, folders;
     } cases[] = {
-        {temp / "Data/app", xdg, "", "", temp / "Data/app", temp / "Data/app/Plugins", temp / "Data/app", {}, own},
-        {temp / "data/app", xdg, "", "", temp / "data/app", temp / "data/app/Plugins", temp / "data/app", {}, own},
-        {bin, xdg, "", "", xdg / "kt930pc", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
-         usr / "share/kt930pc/Data", installed + "$XDG_DATA_HOME"},
+        {"Data/app", x, "", "Data/app Data/app/Plugins Data/app  " + own},
+        {"data/app", x, "", "data/app data/app/Plugins data/app  " + own},
+        {"usr/bin", x, "", "xdg/kt930pc " + perUser + "$XDG_DATA_HOME"},
         // An unset or relative XDG_DATA_HOME is ignored, as the base directory rules say.
-        {bin, "", "", "", temp / "home/.local/share/kt930pc", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
-         usr / "share/kt930pc/Data", installed + "~/.local/share"},
-        {bin, "relative/dir", "", "", temp / "home/.local/share/kt930pc", usr / "lib/kt930pc/plugins",
-         usr / "share/kt930pc", usr / "share/kt930pc/Data", installed + "~/.local/share"},
+        {"usr/bin", "", "", "home/.local/share/kt930pc " + perUser + "~/.local/share"},
+        {"usr/bin", "relative/dir", "", "home/.local/share/kt930pc " + perUser + "~/.local/share"},
         // Without HOME there is no per-user folder; the plug-ins are still the installed ones.
-        {bin, "", "", "none", bin, usr / "lib/kt930pc/plugins", usr / "share/kt930pc", usr / "share/kt930pc/Data",
-         "the program's folder"},
-        {temp / "bin", xdg, "", "", temp / "bin", temp / "bin/Plugins", temp / "bin", {}, "the program's folder"},
+        {"usr/bin", "", "no home", "usr/bin " + installed + "the program's folder"},
+        {"bin", x, "", "bin bin/Plugins bin  | the program's folder"},
         // The override never moves an installed program's plug-ins.
-        {bin, xdg, "/srv/bench", "", "/srv/bench", usr / "lib/kt930pc/plugins", usr / "share/kt930pc",
-         usr / "share/kt930pc/Data", "KT930PC_APPDIR is set"},
-        {temp / "Data/app", "", "/srv/bench", "", "/srv/bench", "/srv/bench/Plugins", "/srv/bench", {},
-         "KT930PC_APPDIR is set"},
+        {"usr/bin", x, "/srv/bench", "/srv/bench " + installed + "KT930PC_APPDIR is set"},
+        {"Data/app", "", "/srv/bench", "/srv/bench /srv/bench/Plugins /srv/bench  | KT930PC_APPDIR is set"},
+    };
+    const std::string root = temp.path().string() + "/";
+    const auto shown = [&](const fs::path &path) {
+        const std::string text = path.string();
+        return (text.rfind(root, 0) == 0 ? text.substr(root.size()) : text) + " ";
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.exe.string() + " " + c.xdg + " " + c.override + " " + c.home);
-        TappEnvironment environment = this->environment(c.exe, c.xdg, c.override);
-        if (c.home == "none")
+        const bool home = c.override != "no home";
+        TappEnvironment environment = this->environment(temp / c.exe, c.xdg, home ? c.override : "");
+        if (!home)
             environment.home.clear();
-        const TappFolders folders = TappDir::resolve(environment);
-        EXPECT_EQ(folders.application, c.application);
-        EXPECT_EQ(folders.plugins, c.plugins);
-        EXPECT_EQ(folders.help, c.help);
-        EXPECT_EQ(folders.defaults, c.defaults);
-        EXPECT_EQ(folders.reason, c.reason);
+        const TappFolders f = TappDir::resolve(environment);
+        EXPECT_EQ(shown(f.application) + shown(f.plugins) + shown(f.help) + shown(f.defaults) + "| " + f.reason,
+                  c.folders) << c.exe << " " << c.xdg << " " << c.override;
     }
     // Not installed: nothing to seed from, and nothing is made.
     std::string message;
-    EXPECT_EQ(TappDir::seed(TappDir::resolve(environment(temp / "bin", xdg.string())), message),
-              TappDir::Seeding::Present);
+    EXPECT_EQ(TappDir::seed(TappDir::resolve(environment(temp / "bin", x)), message), TappDir::Seeding::Present);
     EXPECT_EQ(message, "");
     EXPECT_FALSE(fs::exists(temp / "bin/Data"));
 }
 
+// A folder that cannot be made is reported and left as it was; once it can, the first start
+// copies the shipped defaults, writable, and later starts keep the user's data.
 TEST_F(AppDirTest, FirstStartCopiesTheShippedDefaultsWritableAndLaterStartsKeepTheUsersData)
 {
     const fs::path bin = install();
     fs::permissions(temp / "usr/share/kt930pc/Data/catdes.dat", fs::perms::owner_read | fs::perms::group_read);
     const TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
-
+    temp.write("xdg", "a file where the folder should be");
     std::string message;
+    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Failed);
+    EXPECT_EQ(message.rfind("The data folder " + (temp / "xdg/kt930pc/Data").string() + " could not be created from "
+                                + (temp / "usr/share/kt930pc/Data").string() + ": ", 0), 0u) << message;
+    EXPECT_EQ(TempDir::read(temp / "xdg"), "a file where the folder should be");
+
+    fs::remove(temp / "xdg");
     ASSERT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Created);
     EXPECT_EQ(message, "Your data folder " + (temp / "xdg/kt930pc").string()
                            + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.");
-    const fs::path data = temp / "xdg/kt930pc/Data";
-    EXPECT_EQ(TempDir::read(data / "catdes.dat"), "shipped categories");
-    EXPECT_EQ(TempDir::read(data / "passfail.in"), "shipped definitions");
-    EXPECT_NE(fs::status(data / "catdes.dat").permissions() & fs::perms::owner_write, fs::perms::none);
-    EXPECT_FALSE(fs::exists(temp / "xdg/kt930pc/Data.partial"));
-
+    EXPECT_EQ(tree(temp / "xdg"), "kt930pc/ kt930pc/Data/ kt930pc/Data/catdes.dat=shipped categories "
+                                  "kt930pc/Data/passfail.in=shipped definitions ");
+    EXPECT_EQ(modeOf(temp / "xdg/kt930pc/Data/catdes.dat"), 0600u);
     temp.write("xdg/kt930pc/Data/catdes.dat", "the user's categories");
     EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Present);
     EXPECT_EQ(message, "");
-    EXPECT_EQ(TempDir::read(data / "catdes.dat"), "the user's categories");
-}
-
-TEST_F(AppDirTest, AFolderThatCannotBeMadeIsReportedAndLeavesNothingBehind)
-{
-    const fs::path bin = install();
-    temp.write("xdg", "a file where the folder should be");
-    const TappFolders folders = TappDir::resolve(environment(bin, (temp / "xdg").string()));
-    std::string message;
-    EXPECT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Failed);
-    const std::string expected = "The data folder " + (temp / "xdg/kt930pc/Data").string()
-        + " could not be created from " + (temp / "usr/share/kt930pc/Data").string() + ": ";
-    EXPECT_EQ(message.rfind(expected, 0), 0u)
-        << message;
-    EXPECT_EQ(TempDir::read(temp / "xdg"), "a file where the folder should be");
+    EXPECT_EQ(TempDir::read(temp / "xdg/kt930pc/Data/catdes.dat"), "the user's categories");
 }
 
 TEST_F(AppDirTest, ProgramsSeedingOneNewFolderAtOnceAllSucceedWithTheWholePrivateSet)
@@ -124,24 +105,18 @@ TEST_F(AppDirTest, ProgramsSeedingOneNewFolderAtOnceAllSucceedWithTheWholePrivat
         const fs::path xdg = temp / ("xdg" + std::to_string(round));
         const TappFolders folders = TappDir::resolve(environment(bin, xdg.string()));
         std::vector<TappDir::Seeding> results(8);
-        std::vector<std::thread> programs;
-        for (TappDir::Seeding &result : results)
-            programs.emplace_back([&] {
-                std::string message;
-                result = TappDir::seed(folders, message);
-            });
-        for (std::thread &program : programs)
-            program.join();
+        {
+            std::vector<std::jthread> programs;
+            for (TappDir::Seeding &result : results)
+                programs.emplace_back([&] { std::string message; result = TappDir::seed(folders, message); });
+        }
         EXPECT_EQ(std::count(results.begin(), results.end(), TappDir::Seeding::Created), 1);
         EXPECT_EQ(std::count(results.begin(), results.end(), TappDir::Seeding::Present), 7);
 
-        std::vector<std::string> left;
-        for (const auto &entry : fs::recursive_directory_iterator(xdg / "kt930pc"))
-            left.push_back(entry.path().lexically_relative(xdg / "kt930pc").string() + " "
-                           + std::to_string(static_cast<unsigned>(entry.status().permissions())));
-        std::sort(left.begin(), left.end());
-        EXPECT_EQ(left, (std::vector<std::string>{"Data 448", "Data/catdes.dat 384", "Data/passfail.in 384"}));
-        EXPECT_EQ(fs::status(xdg).permissions(), fs::perms::owner_all);
-        EXPECT_EQ(TempDir::read(xdg / "kt930pc/Data/passfail.in"), "shipped definitions");
+        EXPECT_EQ(tree(xdg), "kt930pc/ kt930pc/Data/ kt930pc/Data/catdes.dat=shipped categories "
+                             "kt930pc/Data/passfail.in=shipped definitions ");
+        for (const char *path :
+             {"", "/kt930pc", "/kt930pc/Data", "/kt930pc/Data/catdes.dat", "/kt930pc/Data/passfail.in"})
+            EXPECT_EQ(modeOf(xdg.string() + path), fs::is_directory(xdg.string() + path) ? 0700u : 0600u) << path;
     }
 }

@@ -1,27 +1,34 @@
+#include "CoreTest.h"
 #include "AutosequenceConversions.h"
-#include "ByteBuilder.h"
 #include "TitemList.h"
-#include <cstring>
-#include <gtest/gtest.h>
 
-using namespace ByteBuilder;
 namespace conv = AutosequenceConversions;
+using Items = std::vector<std::uint16_t>;
 
 namespace {
-std::vector<std::uint16_t> rule(const std::vector<std::uint16_t> &source, int positions = 24)
+Items rule(const Items &source, int positions = 24)
 {
-    std::vector<std::uint16_t> out(static_cast<std::size_t>(positions), 0x5555);
+    Items out(static_cast<std::size_t>(positions), 0x5555);
     TitemList(out).assignFileItems(source);
     return out;
 }
 
-std::vector<std::uint16_t> itemsOf(const Tautosequence &s)
+// The 88 bytes of an autosequence in memory: two 19-byte titles, 24 items, the setting.
+std::string memory(const std::string &title1, const std::string &title2, std::uint16_t setting, const Items &items)
 {
-    return {std::begin(s.items), std::end(s.items)};
+    std::string out = field(title1, 19) + field(title2, 19);
+    for (std::uint16_t item : items)
+        out += le16(item);
+    return out + le16(setting);
+}
+// Items that are not followed by a 0: 0xFFFF fills the rest.
+Items unterminated(Items items, std::size_t count = 24)
+{
+    items.resize(count, 0xFFFF);
+    return items;
 }
 
-TautosequenceFileStorage record(const std::string &t1, const std::string &t2, std::uint16_t setting,
-                                std::vector<std::uint16_t> items)
+TautosequenceFileStorage record(const std::string &t1, const std::string &t2, std::uint16_t setting, Items items)
 {
     TautosequenceFileStorage r;
     std::strncpy(r.title1, t1.c_str(), 63);
@@ -32,132 +39,112 @@ TautosequenceFileStorage record(const std::string &t1, const std::string &t2, st
     return r;
 }
 
-Tautosequence sequence(const std::string &t1, const std::string &t2, std::initializer_list<std::uint16_t> items)
+Tautosequence sequence(const std::string &t1, std::initializer_list<std::uint16_t> items, std::uint16_t setting = 0)
 {
     Tautosequence s;
     Tautosequence::setTitle(s.title1, t1);
-    Tautosequence::setTitle(s.title2, t2);
+    Tautosequence::setTitle(s.title2, t1.empty() ? "" : "Class I");
     auto positions24 = positions(items);
     std::copy(positions24.begin(), positions24.end(), s.items);
+    s.setting = setting;
     return s;
 }
 }
 
 TEST(ItemRule, TerminatorsFillersAndLongRecords)
 {
-    std::vector<std::uint16_t> unterminated(24, 0xFFFF); // no 0 after the last item
-    unterminated[0] = 5;
-    unterminated[1] = 9;
-    EXPECT_EQ(rule({5, 9}), unterminated);
-    EXPECT_EQ(rule({5, 0, 7}), positions({5}));
-    EXPECT_EQ(rule({5, 0xFFFF, 7}), positions({5}));
-    EXPECT_EQ(rule({}), std::vector<std::uint16_t>(24, 0xFFFF));
-
-    std::vector<std::uint16_t> thirty(30);
+    Items thirty(30);
     for (int i = 0; i < 30; ++i)
         thirty[i] = static_cast<std::uint16_t>(i == 3 ? 0 : 100 + i);
-    EXPECT_EQ(rule(thirty), std::vector<std::uint16_t>(thirty.begin(), thirty.begin() + 24));
-
-    std::vector<std::uint16_t> hundred(100, 3);
-    EXPECT_EQ(rule(hundred, 96), std::vector<std::uint16_t>(96, 3));
-    EXPECT_EQ(rule({8, 0}, 96), positions({8}, 96));
+    const std::pair<Items, Items> cases[] = {
+        {rule({5, 9}), unterminated({5, 9})},
+        {rule({5, 0, 7}), positions({5})},
+        {rule({5, 0xFFFF, 7}), positions({5})},
+        {rule({}), unterminated({})},
+        {rule(thirty), Items(thirty.begin(), thirty.begin() + 24)},
+        {rule(Items(100, 3), 96), Items(96, 3)},
+        {rule({8, 0}, 96), positions({8}, 96)},
+    };
+    for (const auto &[got, expected] : cases)
+        EXPECT_EQ(got, expected);
 }
 
 TEST(InspectionConversion, WritesTwentyFourItemsAnd180ByteRecordsAndReadsThemBackByTheItemRule)
 {
-    std::vector<Tautosequence> inspections{sequence("Cord check", "Class I", {4, 5}), Tautosequence()};
-    inspections[0].setting = 0x0B;
+    std::vector<Tautosequence> inspections{sequence("Cord check", {4, 5}, 0x0B), sequence("", {})};
     TautosequenceFile file;
     conv::inspectionsToFile(inspections, file);
+    const std::string blank(18, ' ');
     EXPECT_EQ(file.serialize(), asqHeader("Physical Inspections", "", 2)
                                     + asqRecord("Cord check        ", "Class I           ", 0x0B, positions({4, 5}))
-                                    + asqRecord(std::string(18, ' '), std::string(18, ' '), 0, positions({})));
+                                    + asqRecord(blank, blank, 0, positions({})));
 
     file.records.push_back(record("A title far longer than nineteen", "t2", 0x20, {5, 9}));
     std::vector<Tautosequence> back{Tautosequence()};
     conv::fileToInspections(file, back);
     ASSERT_EQ(back.size(), 3u);
-    EXPECT_EQ(std::memcmp(&back[0], &inspections[0], sizeof(Tautosequence)), 0);
-    EXPECT_EQ(std::memcmp(&back[1], &inspections[1], sizeof(Tautosequence)), 0);
-    EXPECT_EQ(std::string(back[2].title1, 19), "A title far longer ");
-    EXPECT_EQ(std::string(back[2].title2, 19), std::string("t2") + std::string(17, '\0'));
-    EXPECT_EQ(back[2].setting, 0x20);
-    EXPECT_EQ(itemsOf(back[2]), rule({5, 9}));
+    EXPECT_EQ(bytes(back[0]) + bytes(back[1]) + bytes(back[2]),
+              bytes(inspections[0]) + bytes(inspections[1]) + memory("A title far longer ", "t2", 0x20, rule({5, 9})));
 }
 
-TEST(UserTesterConversion, NameBecomesSubtitleCutTo63)
+TEST(UserTesterConversion, NameBecomesSubtitleCutTo63AndMissingTestersAreAddedFromTheLastIndex)
 {
-    TuserTester tester{std::string(70, 'T'), {sequence("One", "", {1}), sequence("Two", "", {2, 3})}};
+    TuserTester tester{std::string(70, 'T'), {sequence("One", {1}), sequence("Two", {2, 3})}};
     TautosequenceFile file;
     conv::userTesterToFile(tester, file);
-    std::string expected = asqHeader("User Tester Autosequences", std::string(63, 'T'), 2)
-        + asqRecord("One               ", std::string(18, ' '), 0, positions({1}))
-        + asqRecord("Two               ", std::string(18, ' '), 0, positions({2, 3}));
+    const std::string expected = asqHeader("User Tester Autosequences", std::string(63, 'T'), 2)
+        + asqRecord("One               ", "Class I           ", 0, positions({1}))
+        + asqRecord("Two               ", "Class I           ", 0, positions({2, 3}));
     EXPECT_EQ(file.serialize(), expected);
 
     TuserTester back = conv::fileToUserTester(file);
     EXPECT_EQ(back.name, std::string(63, 'T'));
     ASSERT_EQ(back.sequences.size(), 2u);
-    EXPECT_EQ(itemsOf(back.sequences[1]), positions({2, 3}));
+    EXPECT_EQ(bytes(back.sequences[1]), bytes(tester.sequences[1]));
 
     std::vector<TautosequenceFile> files;
     conv::userTestersToFiles({tester, tester}, files);
     ASSERT_EQ(files.size(), 2u);
     EXPECT_EQ(files[1].serialize(), expected);
-}
 
-TEST(UserTesterConversion, FewerThanFiveFilesAddTestersFromTheLastIndex)
-{
-    std::vector<TautosequenceFile> files(3);
+    // Fewer than five files add testers from the last index; short files are not padded.
+    files.resize(3);
     for (int i = 0; i < 3; ++i) {
         files[i].setSubtitle("Bench " + std::to_string(i));
-        files[i].records.push_back(record("s", "", 0, {1, 0}));
+        files[i].records = {record("s", "", 0, {1, 0})};
     }
     std::vector<TuserTester> testers(1);
     conv::filesToUserTesters(files, testers);
-    ASSERT_EQ(testers.size(), 6u);
-    const char *names[] = {"Bench 0", "Bench 1", "Bench 2", "USER TESTER #2", "USER TESTER #3", "USER TESTER #4"};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(testers[i].name, names[i]);
-    ASSERT_EQ(testers[3].sequences.size(), 12u);
-    const Tautosequence &added = testers[3].sequences[11];
-    EXPECT_EQ(std::string(added.title1, 19), std::string(19, '\0'));
-    EXPECT_EQ(std::string(added.title2, 19), std::string(19, '\0'));
-    EXPECT_EQ(added.setting, 0);
-    EXPECT_EQ(itemsOf(added), positions({}));
-    EXPECT_EQ(testers[0].sequences.size(), 1u); // short files are not padded
+    std::string names;
+    for (const TuserTester &tester : testers)
+        names += tester.name + "/" + std::to_string(tester.sequences.size()) + " ";
+    EXPECT_EQ(names, "Bench 0/1 Bench 1/1 Bench 2/1 USER TESTER #2/12 USER TESTER #3/12 USER TESTER #4/12 ");
+    EXPECT_EQ(bytes(testers[3].sequences[11]), memory("", "", 0, positions({})));
     conv::filesToUserTesters(std::vector<TautosequenceFile>(7), testers);
     EXPECT_EQ(testers.size(), 5u);
 }
 
+// The item rule on 96 positions is checked with the rule itself.
 TEST(ChecklistConversion, TitlesItemsAndSettingRoundTrip)
 {
     TautosequenceFile file;
-    std::vector<std::uint16_t> hundred(100, 12);
-    file.records.push_back(record("Annual test of a class I device", "ignored", 0x1234, hundred));
-    file.records.push_back(record("Short", "", 7, {3, 4, 0, 9}));
-    file.records.push_back(record("Unterminated", "", 0, {3}));
+    file.records = {record("Annual test of a class I device", "ignored", 0x1234, Items(100, 12)),
+                    record("Short", "", 7, {3, 4, 0, 9})};
     TTestProcList list;
     list.makeUnused();
     conv::fileToChecklists(file, list);
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_EQ(list.items[0].titleText(), "Annual test of a class I device");
-    EXPECT_EQ(list.items[0].setting, 0x1234);
-    EXPECT_EQ(std::vector<std::uint16_t>(std::begin(list.items[0].items), std::end(list.items[0].items)),
-              std::vector<std::uint16_t>(96, 12));
-    EXPECT_EQ(std::vector<std::uint16_t>(std::begin(list.items[1].items), std::end(list.items[1].items)),
-              positions({3, 4}, 96));
-    EXPECT_EQ(list.items[2].items[0], 3);
-    EXPECT_EQ(list.items[2].items[1], 0xFFFF);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list.items[0].titleText() + "|" + std::to_string(list.items[0].setting),
+              "Annual test of a class I device|4660");
+    EXPECT_EQ(Items(std::begin(list.items[0].items), std::end(list.items[0].items)), Items(96, 12));
+    EXPECT_EQ(Items(std::begin(list.items[1].items), std::end(list.items[1].items)), positions({3, 4}, 96));
 
-    TTestProcList one;
-    one.items.resize(1);
-    std::memcpy(one.items[0].title, "Checklist one", 13);
-    one.items[0].items[0] = 8;
-    one.items[0].items[1] = 0;
-    one.items[0].setting = 2;
+    list.items.assign(1, TTestProc());
+    std::memcpy(list.items[0].title, "Checklist one", 13);
+    std::copy_n(positions({8}, 96).begin(), 96, list.items[0].items);
+    list.items[0].setting = 2;
     TautosequenceFile out;
-    conv::checklistsToFile(one, out);
-    std::string title = "Checklist one" + std::string(28, ' ');
-    EXPECT_EQ(out.serialize(), asqHeader("", "", 1) + asqRecord(title, "", 2, positions({8}, 96)));
+    conv::checklistsToFile(list, out);
+    EXPECT_EQ(out.serialize(), asqHeader("", "", 1) + asqRecord("Checklist one" + std::string(28, ' '), "", 2,
+                                                               positions({8}, 96)));
 }

@@ -1,66 +1,37 @@
-#include "ByteBuilder.h"
-#include "TempDir.h"
-#include "Thrown.h"
+#include "CoreTest.h"
 #include "autosequenceFileStructs.h"
-#include <cstring>
-#include <gtest/gtest.h>
-#include <set>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
-using namespace ByteBuilder;
-
-TEST(AsqRead, ReadsHeaderRecordsAndDeclaredItemCountsOrSaysWhyNot)
+TEST(AsqRead, ReadsHeaderRecordsAndDeclaredItemCountsOrSaysWhyNotAndEachShortReadHasItsOwnNumber)
 {
     TempDir dir;
     std::vector<std::uint16_t> thirty(30);
-    for (int i = 0; i < 30; ++i)
-        thirty[i] = static_cast<std::uint16_t>(i + 1);
-    auto file = dir.write("x.asq", asqHeader("Physical Inspections", "", 2)
-                                      + asqRecord("Cord check", "Class I", 0x0B, {5, 0x1234, 0})
-                                      + asqRecord("Long", "", 0, thirty) + "trailing");
+    std::iota(thirty.begin(), thirty.end(), 1);
+    const std::string whole = asqHeader("Physical Inspections", "", 2)
+        + asqRecord("Cord check", "Class I", 0x0B, {5, 0x1234, 0}) + asqRecord("Long", "", 0, thirty);
     TautosequenceFile asq;
-    ASSERT_EQ(asq.read(file), 0);
-    EXPECT_EQ(asq.title(), "Physical Inspections");
-    EXPECT_EQ(asq.subtitle(), "");
-    EXPECT_EQ(asq.header.recordCount, 2);
-    ASSERT_EQ(asq.records.size(), 2u);
-    EXPECT_STREQ(asq.records[0].title1, "Cord check");
-    EXPECT_STREQ(asq.records[0].title2, "Class I");
-    EXPECT_EQ(asq.records[0].setting, 0x0B);
-    EXPECT_EQ(asq.records[0].items, (std::vector<std::uint16_t>{5, 0x1234, 0}));
-    EXPECT_EQ(asq.records[1].itemCount, 30);
-    EXPECT_EQ(asq.records[1].items, thirty);
+    ASSERT_EQ(asq.read(dir.write("x.asq", whole + "trailing")), 0);
+    EXPECT_EQ(asq.title() + "|" + asq.subtitle() + "|" + std::to_string(asq.records.size()), "Physical Inspections||2");
+    EXPECT_EQ(asq.serialize(), whole);
 
     EXPECT_EQ(asq.read(dir / "missing.asq"), -1);
-    std::string empty = asqHeader("User Tester Autosequences", "Bench", 0);
-    ASSERT_EQ(empty.size(), 130u);
-    EXPECT_EQ(asq.read(dir.write("empty.asq", empty)), -2);
+    EXPECT_EQ(asq.read(dir.write("empty.asq", asqHeader("User Tester Autosequences", "Bench", 0))), -2);
     EXPECT_TRUE(asq.records.empty());
     EXPECT_EQ(asq.subtitle(), "Bench");
-}
 
-TEST(AsqRead, EachShortReadHasItsOwnNumber)
-{
-    std::string whole = asqHeader("T", "S", 1) + asqRecord("a", "b", 3, {7, 0});
     // Cut points and the read that comes up short there.
+    const std::string small = asqHeader("T", "S", 1) + asqRecord("a", "b", 3, {7, 0});
     const std::pair<std::size_t, int> cuts[] = {
         {0, 1}, {63, 1}, {100, 2}, {129, 3}, {130 + 10, 4}, {130 + 64 + 63, 5},
         {130 + 128 + 1, 6}, {130 + 131, 7}, {130 + 132 + 3, 8},
     };
-    std::set<int> seen;
     for (auto [length, which] : cuts) {
-        TautosequenceFile asq;
-        auto e = thrown<TInvalidRead>([&] { asq.parse(whole.substr(0, length)); });
+        auto e = thrown<TInvalidRead>([&] { asq.parse(small.substr(0, length)); });
         EXPECT_EQ(e ? e->which : 0, which) << "cut at " << length;
-        seen.insert(e ? e->which : 0);
     }
-    EXPECT_EQ(seen.size(), 8u);
-    TautosequenceFile asq;
-    EXPECT_EQ(asq.parse(whole), 0);
+    EXPECT_EQ(asq.parse(small), 0);
 }
 
-TEST(AsqWrite, RecomputesCountsAndWritesTheLayout)
+TEST(AsqWrite, RecomputesCountsAndWritesTheLayoutOrRefusesAndKeepsTheTarget)
 {
     TempDir dir;
     TautosequenceFile asq;
@@ -73,28 +44,14 @@ TEST(AsqWrite, RecomputesCountsAndWritesTheLayout)
     record.itemCount = 7;
     record.items = {0x0102, 0xFFFF};
     ASSERT_EQ(asq.write(dir / "out.asq"), 0);
-    std::string expected = asqHeader("User Tester Autosequences", std::string(63, 'n'), 1)
-        + asqRecord("Earth bond", "", 0x13, {0x0102, 0xFFFF});
-    EXPECT_EQ(TempDir::read(dir / "out.asq"), expected);
-    EXPECT_EQ(asq.header.recordCount, 1);
-    EXPECT_EQ(asq.records[0].itemCount, 2);
-    struct stat st {};
-    ASSERT_EQ(::stat((dir / "out.asq").c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 0777, 0600u);
-}
+    EXPECT_EQ(TempDir::read(dir / "out.asq"), asqHeader("User Tester Autosequences", std::string(63, 'n'), 1)
+                                                  + asqRecord("Earth bond", "", 0x13, {0x0102, 0xFFFF}));
 
-TEST(AsqWrite, RefusesReadOnlyTargetAndMissingFolder)
-{
-    TempDir dir;
     auto file = dir.write("ro.asq", "keep me");
     ::chmod(file.c_str(), 0444);
-    TautosequenceFile asq;
-    asq.records.emplace_back();
     EXPECT_EQ(asq.write(file), -1);
     EXPECT_EQ(TempDir::read(file), "keep me");
     EXPECT_EQ(asq.write(dir / "none" / "x.asq"), -1);
-    // No temporary file is left behind.
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
 }
 
 TEST(AsqReferences, ListsEachRecordUsingTheNumberOnce)
@@ -110,8 +67,6 @@ TEST(AsqReferences, ListsEachRecordUsingTheNumberOnce)
 
     lines.clear();
     EXPECT_FALSE(TautosequenceFile::findReferences(file, 77, lines));
-    EXPECT_TRUE(lines.empty());
-
     EXPECT_FALSE(TautosequenceFile::findReferences(dir / "gone.asq", 4, lines));
     EXPECT_EQ(lines, (std::vector<std::string>{"Unable to open autosequence file - " + (dir / "gone.asq").string()}));
 }
@@ -124,17 +79,8 @@ TEST(AsqRead, HugeFileWithOneDeclaredRecordStaysSmall)
     TempDir dir;
     auto file = dir.write("inspection.asq", asqHeader("Physical Inspections", "", 1) + asqRecord("Cord", "", 0, {0}));
     std::filesystem::resize_file(file, std::uintmax_t(1) << 30); // sparse: costs no disk
-    auto readUnderALimit = [&file] {
-        // Far less than the file: reading it whole would fail.
-        const rlimit limit{256u << 20, 256u << 20};
-        ::setrlimit(RLIMIT_AS, &limit);
-        TautosequenceFile asq;
-        try {
-            std::_Exit(asq.read(file) == 0 && asq.records.size() == 1 ? 0 : 1);
-        } catch (...) {
-            std::_Exit(2);
-        }
-    };
-    EXPECT_EXIT(readUnderALimit(), ::testing::ExitedWithCode(0), "");
+    TautosequenceFile asq;
+    EXPECT_EXIT(exitWithinAddressCap([&] { return asq.read(file) == 0 && asq.records.size() == 1; }),
+                ::testing::ExitedWithCode(0), "");
 #endif
 }

@@ -1,38 +1,20 @@
 // Saves that meet another writer's changes, an interrupted save, an unreadable file,
 // a busy folder, and the restore points of the actions that replace the set.
-#include "ByteBuilder.h"
-#include "RecordingMessageSink.h"
+#include "CoreTest.h"
 #include "TdataFolderLock.h"
 #include "TdataSet.h"
-#include "TempDir.h"
 #include "TrestorePoints.h"
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <unistd.h>
-
-using namespace ByteBuilder;
-namespace fs = std::filesystem;
 
 namespace {
+// A title as a save writes it and a load shows it: padded to the record's 18 characters.
+std::string padded(const std::string &title)
+{
+    return title + std::string(18 - title.size(), ' ');
+}
 std::string inspectionFile(const std::string &title)
 {
-    return asqHeader("Physical Inspections", "", 1) + asqRecord(title, "", 0, positions({1}));
-}
-
-std::string firstTitle(const TdataSet &set)
-{
-    std::string text = Tautosequence::titleText(set.inspections.at(0).title1);
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
-std::vector<std::string> namesIn(const fs::path &folder)
-{
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
+    return asqHeader("Physical Inspections", "", 1) + asqRecord(padded(title), "", 0, positions({1}));
 }
 
 struct DataFolder : ::testing::Test {
@@ -52,54 +34,37 @@ struct DataFolder : ::testing::Test {
 
 TEST_F(DataFolder, AFileAnotherProgramChangedIsNeverOverwrittenWithoutAsking)
 {
-    const std::string question = "The file\n" + file("inspection.asq").string()
-        + "\nwas changed by another program after it was loaded here.\n\n"
-          "Yes keeps the version shown here and replaces the file.\n"
-          "No loads the file's new content instead; the changes made here to it are dropped.";
-    const struct {
-        bool changedHere;
-        MsgAnswer answer;
-        int questions;
-        std::string fileAfter, titleAfter;
-    } cases[] = {
-        {false, MsgAnswer::Yes, 0, "THEIRS", "THEIRS"}, // nothing to lose here: theirs is taken
-        {true, MsgAnswer::Yes, 1, "EDITED", "EDITED"},
-        {true, MsgAnswer::No, 1, "THEIRS", "THEIRS"},
-    };
-    for (const auto &c : cases) {
+    const Message question{"Data File Changed", "The file\n" + file("inspection.asq").string()
+                               + "\nwas changed by another program after it was loaded here.\n\n"
+                                 "Yes keeps the version shown here and replaces the file.\n"
+                                 "No loads the file's new content instead; the changes made here to it are dropped.",
+                           MsgIcon::Question, MsgButtons::YesNo};
+    // Unchanged here there is nothing to lose: theirs is taken without a question.
+    for (const auto &[changedHere, answer, kept] : {std::tuple{false, MsgAnswer::Yes, "THEIRS"},
+                                                    {true, MsgAnswer::Yes, "EDITED"},
+                                                    {true, MsgAnswer::No, "THEIRS"}}) {
         dir.write("Data/inspection.asq", inspectionFile("OURS"));
         data.loadInspections();
         dir.write("Data/inspection.asq", inspectionFile("THEIRS"));
-        if (c.changedHere)
+        if (changedHere)
             Tautosequence::setTitle(data.inspections[0].title1, "EDITED");
         sink.messages.clear();
-        sink.answers = {c.answer};
+        sink.answers = {answer};
         data.saveInspections();
-        ASSERT_EQ(int(sink.messages.size()), c.questions);
-        if (c.questions) {
-            EXPECT_EQ(sink.messages[0], (Message{"Data File Changed", question, MsgIcon::Question, MsgButtons::YesNo}));
-        }
-        RecordingMessageSink quiet;
-        TdataSet reread(dir.path(), quiet);
-        reread.loadInspections();
-        EXPECT_EQ(firstTitle(reread), c.fileAfter);
-        EXPECT_EQ(firstTitle(data), c.titleAfter);
-        if (c.fileAfter == "THEIRS") {
-            EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("THEIRS"));
-        }
+        EXPECT_EQ(sink.messages, changedHere ? std::vector<Message>{question} : std::vector<Message>{});
+        EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile(kept));
+        EXPECT_EQ(Tautosequence::titleText(data.inspections[0].title1), padded(kept));
     }
-}
-
-// The checkitem editor's sync saves through a data set of its own into the table the frame holds.
-TEST_F(DataFolder, ASaveOfThisProcessIsNotAnotherProgramsChange)
-{
+    // The checkitem editor's sync saves through a data set of its own into the table the frame holds:
+    // a save of this process is not another program's change.
+    sink.messages.clear();
     TdataSet editorSync(dir.path(), sink);
     editorSync.checkitems[0] = TInstr('C', 'M', "synced");
     ASSERT_TRUE(editorSync.saveCheckitems(TsaveAction::Sync));
     data.checkitems[0] = TInstr('C', 'M', "synced, then edited");
     ASSERT_TRUE(data.saveCheckitems());
     EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(TempDir::read(file("mit.dat")).substr(0, 44), std::string(reinterpret_cast<const char *>(&data.checkitems[0]), 44));
+    EXPECT_EQ(TempDir::read(file("mit.dat")).substr(0, 44), checkitem('C', 'M', "synced, then edited"));
 }
 
 TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilledBefore)
@@ -116,9 +81,8 @@ TEST_F(DataFolder, TheNextLoadFinishesASaveKilledAfterItsRecordAndDropsOneKilled
                           + file("mit.dat").string() + "\0"s);
         }
         data.loadAll();
-        EXPECT_EQ(TempDir::read(file("mit.dat")), recorded ? "new mit" : "old mit");
-        EXPECT_EQ(firstTitle(data), recorded ? "NEW" : "OLD");
-        EXPECT_EQ(namesIn(dir / "Data"), (std::vector<std::string>{"inspection.asq", "mit.dat"}));
+        EXPECT_EQ(Tautosequence::titleText(data.inspections[0].title1), padded(recorded ? "NEW" : "OLD"));
+        EXPECT_EQ(tree(dir / "Data"), "inspection.asq mit.dat=" + std::string(recorded ? "new mit " : "old mit "));
     }
 }
 
@@ -136,14 +100,10 @@ TEST_F(DataFolder, AFileThatFailedToLoadIsKeptBeforeASaveReplacesIt)
     for (const auto &entry : fs::directory_iterator(dir / "Data"))
         if (entry.path().filename().string().rfind("inspection.asq.unreadable-", 0) == 0)
             kept = entry.path();
-    ASSERT_FALSE(kept.empty());
     EXPECT_EQ(TempDir::read(kept), cut);
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0], (Message{"Unreadable File Kept",
-                                         "The file " + file("inspection.asq").string()
-                                             + " could not be read. Its original content was kept as\n" + kept.string()
-                                             + "\nbefore it was replaced.",
-                                         MsgIcon::Information}));
+    EXPECT_EQ(sink.messages, (Messages{{"Unreadable File Kept", "The file " + file("inspection.asq").string()
+                                            + " could not be read. Its original content was kept as\n" + kept.string()
+                                            + "\nbefore it was replaced.", MsgIcon::Information}}));
     EXPECT_TRUE(data.folderWarnings().empty());
 }
 
@@ -157,10 +117,9 @@ TEST_F(DataFolder, ABusyFolderIsNamedWithItsHolderAndNothingIsSaved)
     EXPECT_FALSE(data.saveInspections());
     TdataFolderLock::setWaitForTests(std::chrono::milliseconds(-1));
     ::close(held);
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Data Folder Busy",
-                                                    "The data folder " + (dir / "Data").string()
-                                                        + " is being saved by process 4242, which has not finished. "
-                                                          "Try again later.\nNothing was saved."}}));
+    EXPECT_EQ(sink.messages, (Messages{{"Data Folder Busy", "The data folder " + (dir / "Data").string()
+                                            + " is being saved by process 4242, which has not finished. "
+                                              "Try again later.\nNothing was saved."}}));
     EXPECT_EQ(TempDir::read(file("inspection.asq")), inspectionFile("OURS"));
 }
 
@@ -169,26 +128,43 @@ TEST_F(DataFolder, DownloadAndSyncKeepRestorePointsThatPutTheSetBack)
     const std::string original = TempDir::read(file("mit.dat"));
     data.checkitems[0] = TInstr('C', 'M', "downloaded");
     ASSERT_TRUE(data.saveCheckitems(TsaveAction::Download));
-    const std::string downloaded = TempDir::read(file("mit.dat"));
     data.checkitems[0] = TInstr('C', 'M', "synced");
     ASSERT_TRUE(data.saveCheckitems(TsaveAction::Sync));
+    const std::string synced = TempDir::read(file("mit.dat"));
     data.saveInspections(); // an edit keeps none
 
     TrestorePoints points(dir / "Data");
-    auto list = points.list();
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[0].action, "sync");
-    EXPECT_EQ(list[1].action, "download");
-    EXPECT_EQ(list[1].files, std::vector<std::string>{"mit.dat"});
-    EXPECT_EQ(TempDir::read(list[1].folder / "mit.dat"), original);
-
+    const auto shown = [&] {
+        std::string out;
+        for (const auto &point : points.list())
+            out += point.action + ":" + point.files.at(0) + "=" + TempDir::read(point.folder / "mit.dat").substr(2, 4)
+                + " ";
+        return out;
+    };
+    EXPECT_EQ(shown(), "sync:mit.dat=down download:mit.dat=item ");
     std::string why;
     ASSERT_TRUE(points.restore(2, why)) << why;
     EXPECT_EQ(TempDir::read(file("mit.dat")), original);
-    list = points.list();
-    ASSERT_EQ(list.size(), 3u);
-    EXPECT_NE(TempDir::read(list[0].folder / "mit.dat"), downloaded); // the synced table it replaced
+    EXPECT_EQ(TempDir::read(points.list().at(0).folder / "mit.dat"), synced); // the table the restore replaced
     for (int i = 0; i < 25; ++i)
         ASSERT_TRUE(points.create("import", {"mit.dat"}, why));
     EXPECT_EQ(points.list().size(), TrestorePoints::Kept);
+}
+
+TEST(RestorePoints, ALinkPlantedAsTheRestoreFolderGetsNoCopiesAndOffersNothingToRestore)
+{
+    TempDir data, elsewhere;
+    data.write("mit.dat", "mine");
+    elsewhere.write("20261123-141503-1/mit.dat", "planted");
+    elsewhere.write("20261123-141503-1/action", "download\n");
+    fs::create_symlink(elsewhere.path(), data / ".restore");
+    TrestorePoints points(data.path());
+    std::string why;
+    EXPECT_FALSE(points.create("import", {"mit.dat"}, why));
+    EXPECT_EQ(why, "The restore point folder " + (data / ".restore").string() + " is not a folder of your own.");
+    EXPECT_TRUE(points.list().empty());
+    EXPECT_FALSE(points.restore(1, why));
+    EXPECT_EQ(tree(data.path()) + tree(elsewhere.path()),
+              ".lock= .restore->" + elsewhere.path().string() + " mit.dat=mine 20261123-141503-1/ "
+                  + "20261123-141503-1/action=download\n 20261123-141503-1/mit.dat=planted ");
 }

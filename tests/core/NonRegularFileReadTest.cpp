@@ -1,42 +1,42 @@
-// Every reader of the data set treats a folder, a FIFO or a device where a
-// data file should be as a file that cannot be opened.
-#include "CategoryDescriptors.h"
-#include "OpCodeDefinitions.h"
-#include "TInstrDatabase.h"
-#include "TempDir.h"
-#include "autosequenceFileStructs.h"
-#include <gtest/gtest.h>
-#include <sys/stat.h>
+// A folder, a FIFO without a writer (opening it would block) or a device that never ends
+// where a data file should be cannot be opened. Every reader opens through openRegularFile;
+// the data set is the one wiring checked.
+#include "CoreTest.h"
+#include "RegularFile.h"
+#include "TdataFolderSession.h"
+#include "TdataSet.h"
 
-namespace fs = std::filesystem;
-
-namespace {
-// Not a regular file: a folder, a FIFO without a writer (opening it would
-// block), and a device that never ends.
-std::vector<fs::path> oddTargets(const TempDir &dir)
-{
-    fs::create_directories(dir / "folder");
-    ::mkfifo((dir / "fifo").c_str(), 0600);
-    return {dir / "folder", dir / "fifo", "/dev/zero"};
-}
-}
-
-TEST(NonRegularFile, EveryReaderGivesCannotOpen)
+TEST(NonRegularFile, CannotBeOpenedAndTheDataSetTakesItAsCorrupt)
 {
     TempDir dir;
-    for (const fs::path &target : oddTargets(dir)) {
-        SCOPED_TRACE(target);
-        std::vector<TInstr> table(3);
-        EXPECT_EQ(TInstrDatabase::loadMasterTable(table, target), -1);
-        EXPECT_EQ(table.size(), 3u);
-        TInstrDatabase db;
-        EXPECT_EQ(db.importText(target), -1);
-        TcategoryMap map{{'B', "kept"}};
-        EXPECT_EQ(CategoryDescriptors::load(target, map), -1);
-        EXPECT_EQ(map.size(), 1u);
-        TautosequenceFile asq;
-        EXPECT_EQ(asq.read(target), -1);
-        EXPECT_THROW(OpCodeDefinitions::readHeader(target), TopCodeFileCorrupt);
-        EXPECT_THROW(OpCodeDefinitions::readLines(target), TopCodeFileCorrupt);
+    fs::create_directories(dir / "Data/mit.dat");
+    ASSERT_EQ(::mkfifo((dir / "Data/inspection.asq").c_str(), 0600), 0);
+    fs::create_symlink("/dev/zero", dir / "Data/testProc.asq");
+    for (const fs::path &target : {dir / "Data/mit.dat", dir / "Data/inspection.asq", dir / "Data/testProc.asq"}) {
+        std::ifstream in;
+        EXPECT_FALSE(openRegularFile(in, target)) << target;
     }
+    RecordingMessageSink sink;
+    TdataSet(dir.path(), sink).loadAll();
+    std::string captions;
+    for (const Message &message : sink.messages)
+        captions += message.caption + "|";
+    EXPECT_EQ(captions, "Instruction List Error|Inspection Data Error|User Tester Sequences Error|Checklist Error|");
+}
+
+TEST(DataFolderSession, ASecondSessionIsToldWhoHasTheFolderAndAPlantedFifoNeverBlocks)
+{
+    TempDir dir;
+    std::optional<TdataFolderSession> first(std::in_place, dir.path());
+    EXPECT_FALSE(first->inUse());
+    // A second open file description conflicts as a second process would.
+    TdataFolderSession second(dir.path());
+    EXPECT_TRUE(second.inUse());
+    EXPECT_EQ(second.holder(), long(::getpid()));
+    first.reset();
+    EXPECT_FALSE(TdataFolderSession(dir.path()).inUse());
+
+    TempDir planted;
+    ASSERT_EQ(::mkfifo((planted / ".session").c_str(), 0600), 0);
+    EXPECT_FALSE(TdataFolderSession(planted.path()).inUse());
 }

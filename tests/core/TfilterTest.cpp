@@ -1,7 +1,7 @@
+#include "CoreTest.h"
 #include "TInstrDatabase.h"
 #include "Tfilter.h"
 #include "Twindows1252.h"
-#include <gtest/gtest.h>
 
 namespace {
 using Indexes = std::vector<std::uint32_t>;
@@ -10,21 +10,23 @@ class FilterTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        TopCodeTable names;
-        for (auto [letter, name] : {std::pair{'A', "A - Autosequence"}, {'M', "M - Measure"},
-                                    {'P', "P - Pass/Fail"}, {'L', "L - Meas. w Limits"}})
-            names[letter] = TinstStruct{name, letter, false, 1024};
-        TInstrDatabase::setNames(names);
+        TInstrDatabase::setNames({{'A', {"A - Autosequence", 'A'}}, {'M', {"M - Measure", 'M'}},
+                                  {'P', {"P - Pass/Fail", 'P'}}, {'L', {"L - Meas. w Limits", 'L'}}});
         db.resize(12);
     }
     void TearDown() override { TInstrDatabase::clearNames(); }
-
+    // Category and op code per slot, three characters a slot; a blank op code leaves the slot cleared.
+    void fill(const std::string &records)
+    {
+        db.assign(12, TInstr());
+        for (std::size_t i = 0; 3 * i + 1 < records.size(); ++i)
+            if (records[3 * i + 1] != ' ')
+                db[i].assign(records[3 * i], records[3 * i + 1], "");
+    }
     Indexes run()
     {
         Indexes out{999};
         filter.apply(db, out, categories);
-        EXPECT_EQ(filter.database, nullptr);
-        EXPECT_EQ(filter.categoryDescriptors, nullptr);
         return out;
     }
 
@@ -34,48 +36,35 @@ protected:
 };
 }
 
+// A lower-case or digit category is no candidate; 'A' is an autosequence call.
 TEST_F(FilterTest, CandidatesAndSelection)
 {
+    fill("bM 1M");
     EXPECT_TRUE(run().empty());
-    db[0].assign('b', 'M', "lower-case category is no candidate");
-    db[1].assign('1', 'M', "neither is a digit");
-    EXPECT_TRUE(run().empty());
-    db[0].assign('B', 'M', "");
-    db[1].assign(' ', 'P', "");
-    db[2].assign('C', 'A', ""); // autosequence call
-    db[3].assign('C', 'M', "");
-    db[4].assign('D', 'L', "");
+    fill("BM  P CA CM DL");
     EXPECT_EQ(run(), (Indexes{0, 1, 3, 4}));
-
     filter.opSet = {'M', 'A'};
     EXPECT_EQ(run(), (Indexes{0, 3}));
     filter.checklistMode = true;
     EXPECT_EQ(run(), (Indexes{0, 2, 3}));
-
     filter.opSet.clear();
     filter.categorySet = {'C', 'D'};
     EXPECT_EQ(run(), (Indexes{2, 3, 4}));
     filter.opSet = {'L', 'P'};
     EXPECT_EQ(run(), (Indexes{4}));
-
     // All 26 letters no longer admit checkitems without a category.
     filter.opSet.clear();
-    filter.categorySet.clear();
-    for (char c = 'A'; c <= 'Z'; ++c)
-        filter.categorySet.push_back(c);
+    filter.categorySet.resize(26);
+    std::iota(filter.categorySet.begin(), filter.categorySet.end(), 'A');
     EXPECT_EQ(run(), (Indexes{0, 2, 3, 4}));
-
     filter.reset();
     EXPECT_TRUE(filter.categorySet.empty());
     EXPECT_TRUE(filter.checklistMode); // reset keeps mode and sort
-}
-
-TEST_F(FilterTest, OnlyTheFirst250SlotsAreConsidered)
-{
+    // Only the first 250 slots are considered.
     db.assign(300, TInstr('B', 'M', "x"));
-    Indexes out = run();
-    ASSERT_EQ(out.size(), 250u);
-    EXPECT_EQ(out.back(), 249u);
+    Indexes first250(250);
+    std::iota(first250.begin(), first250.end(), 0u);
+    EXPECT_EQ(run(), first250);
 }
 
 // Categories: D "CORD", C "CASE", B "ELECTRICAL", ' ' "" (sorts first); op names M < P < L's "L - Meas...".
@@ -83,7 +72,7 @@ TEST_F(FilterTest, OrdersAreStableMergeSortsOfTheirKeys)
 {
     const std::string sixSame = "CM CM CM CM CM CM";
     const struct {
-        std::string records; // category and op code per slot
+        std::string records;
         int sort;
         Indexes expected;
     } cases[] = {
@@ -100,23 +89,13 @@ TEST_F(FilterTest, OrdersAreStableMergeSortsOfTheirKeys)
         {sixSame, 0, {0, 1, 2, 3, 4, 5}},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.records + " sort " + std::to_string(c.sort));
-        db.assign(12, TInstr());
-        for (std::size_t i = 0; 3 * i + 1 < c.records.size(); ++i)
-            if (c.records[3 * i + 1] != ' ')
-                db[i].assign(c.records[3 * i], c.records[3 * i + 1], "");
+        fill(c.records);
         filter.setSort(c.sort);
-        EXPECT_EQ(run(), c.expected);
+        EXPECT_EQ(run(), c.expected) << c.records + " sort " + std::to_string(c.sort);
     }
-}
-
-TEST_F(FilterTest, CategoryOrderUpperCasesWindows1252Letters)
-{
+    // Category names are upper-cased in Windows-1252: ÉLECTRIQUE < ÉTAGE, ŒIL < ŒUVRE.
     categories = {{'E', "\xC9TAGE"}, {'F', "\xE9lectrique"}, {'G', "\x8CUVRE"}, {'H', "\x9Cil"}};
-    db[0].assign('E', 'M', ""); // ÉTAGE
-    db[1].assign('F', 'M', ""); // électrique: ÉLECTRIQUE < ÉTAGE
-    db[2].assign('G', 'M', ""); // ŒUVRE
-    db[3].assign('H', 'M', ""); // œil: ŒIL < ŒUVRE
+    fill("EM FM GM HM");
     filter.setSort(3);
     EXPECT_EQ(run(), (Indexes{3, 2, 1, 0}));
 }
