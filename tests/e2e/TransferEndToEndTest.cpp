@@ -57,9 +57,10 @@ TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithAResto
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
     EXPECT_EQ(run.progress.stages, stagesFor("Getting ", selection()));
     const auto &p = run.progress.positions; // each get moves the bar through 25, 50 and 90
-    if (selection() == SelectAll)
+    if (selection() == SelectAll) {
         EXPECT_EQ((std::vector{p.at(0), p.at(1), p.at(2), p.at(3), p.at(4), p.at(p.size() - 2), p.back()}),
                   (std::vector{25, 50, 90, 25, 50, 90, 100}));
+    }
     TdataSet expected({}, run.messages);
     KnownDataSet::fill(expected, selected(analyzer, pc));
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == KnownDataSet::snapshot(expected)) << "containers differ";

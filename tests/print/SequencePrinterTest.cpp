@@ -11,7 +11,7 @@ const std::string Indent = "    "; // the 200-unit margin at 6 points a column
 
 TsequenceReport report(int rows)
 {
-    TsequenceReport r{.date = "March 04 2027 - 09:15:02", .title1 = "EARTH BOND", .title2 = "CLASS I", .port = 3, .baudRate = 9600};
+    TsequenceReport r{.date = "March 04 2027 - 09:15:02", .title1 = "EARTH BOND", .title2 = "CLASS I", .port = 3, .baudRate = 9600, .rows = {}};
     for (int n = 1; n <= rows; ++n)
         r.rows.push_back({n % 2 ? "Electrical" : "Visual", n % 2 ? "M - Measure" : "P - Pass/Fail", "Step " + std::to_string(n) + "\xBB" "0.1"});
     return r;

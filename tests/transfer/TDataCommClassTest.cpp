@@ -77,8 +77,9 @@ TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
         EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data), blocks), result) << acks;
         EXPECT_EQ(link.fake.script->written, "PTSP\r" + data.substr(0, blocksSent * 264)) << acks;
         EXPECT_EQ(link.module.isOpen(), result ? TgenericCommmunicationsModule::Idle : TgenericCommmunicationsModule::Connected) << acks;
-        if (blocks == 3)
+        if (blocks == 3) {
             EXPECT_EQ(link.progress.positions, (std::vector<int>{30, 63, 76, 90}));
+        }
     }
     const std::string data = pattern(3);
     EngineLink link("*\rC\rC\r*\r");
