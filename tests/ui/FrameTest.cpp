@@ -62,23 +62,22 @@ struct FrameFixture : ::testing::Test, FrameHost {
         return child<QTreeWidget>(frame, "LstUTS");
     }
     std::string read(const std::string &name) const { return appDir.readData(name); }
+    // The name form's caption, label and name.
+    static QString saysAndShows(QWidget *form)
+    {
+        return form->windowTitle() + "|" + child<QLabel>(form, "Label1")->text() + "|" + child<QLineEdit>(form, "sequenceTitle")->text();
+    }
 };
 } // namespace
 
-// The boxes' texts and order are the data set's, checked there.
-TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesAndUsesDefaults)
+// The boxes, the defaults and the row texts are the data set's and the list texts', checked there.
+TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesShowsTheDefaultsAndWritesNothing)
 {
     auto frame = makeFrame();
     EXPECT_EQ(sink.messages.size(), 4u);
-    EXPECT_EQ(frame->dataSet().checkitems.size(), 1044u);
-    EXPECT_EQ(frame->dataSet().checklists.size(), 500u);
     EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    EXPECT_EQ(tree->topLevelItem(4)->child(11)->text(0), "12. <unused>");
-    EXPECT_TRUE(tree->topLevelItem(4)->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
                                                    "iv. USER TESTER 6", "v. USER TESTER 8"}));
-    // Nothing is written at load time.
     EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
 }
 
@@ -87,13 +86,10 @@ TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
     auto frame = makeSampleFrame();
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "<unused>", "INSULATION - "}));
-    // A blank name is repaired in memory with the one-based number.
-    EXPECT_EQ(frame->dataSet().userTesters[1].name, "USER TESTER 2");
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    QTreeWidgetItem *first = tree->topLevelItem(0);
+    EXPECT_EQ(rootTexts(frame.get())[1], "ii. USER TESTER 2");
+    QTreeWidgetItem *first = child<QTreeWidget>(frame.get(), "LstUTS")->topLevelItem(0);
     ASSERT_EQ(first->childCount(), 12);
-    EXPECT_EQ(first->child(0)->text(0), "1. LEAKAGE - CLASS 1");
-    EXPECT_EQ(first->child(11)->text(0), "12. <unused>");
+    EXPECT_EQ(first->child(0)->text(0) + "|" + first->child(11)->text(0), "1. LEAKAGE - CLASS 1|12. <unused>");
     EXPECT_FALSE(first->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_TRUE(first->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_EQ(child<QListWidget>(frame.get(), "lstIP")->currentRow(), -1);
@@ -102,13 +98,11 @@ TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
 TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
 {
     const QColor silver(192, 192, 192), white(255, 255, 255), black(0, 0, 0);
-    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", true), silver);
-    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", false), silver);
-    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", true), white);
-    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", false), black);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(true, true), silver);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, true), white);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, false), black);
+    EXPECT_EQ((QList<QColor>{TlistRowDelegate::fontColour("<unused>", true), TlistRowDelegate::fontColour("<unused>", false),
+                             TlistRowDelegate::fontColour("A - B", true), TlistRowDelegate::fontColour("A - B", false),
+                             TtreeNodeDelegate::fontColour(true, true), TtreeNodeDelegate::fontColour(false, true),
+                             TtreeNodeDelegate::fontColour(false, false)}),
+              (QList<QColor>{silver, silver, white, black, silver, white, black}));
 }
 
 // The Edit button on a tester: OK keeps a stored name longer than the form takes,
@@ -123,12 +117,9 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     tree->setCurrentItem(tree->topLevelItem(3));
     QString shown;
-    whenModal([&](QWidget *form) {
-        shown = child<QLineEdit>(form, "sequenceTitle")->text();
-        click(form, "Button2");
-    });
+    whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button2"); });
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(shown, QString::fromStdString(names[3]));
+    EXPECT_EQ(shown, QString::fromStdString("Tester Name Editor|Tester Name|" + names[3]));
     EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
     EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
 
@@ -149,27 +140,18 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     EXPECT_TRUE(focused);
     EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
 
-    QString caption, label;
     whenModal([&](QWidget *form) {
-        caption = form->windowTitle();
-        label = child<QLabel>(form, "Label1")->text();
         child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")); // pasted
         click(form, "Button2");
     });
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(caption, "Tester Name Editor");
-    EXPECT_EQ(label, "Tester Name");
     EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU CAF\xC9");
     EXPECT_EQ(tree->topLevelItem(2)->text(0), QString::fromUtf8("iii. ICU CAF\u00c9"));
     EXPECT_TRUE(sink.messages.empty());
 
-    // Written from the documented layouts: the tester files carry the names.
-    const TdataSet &data = frame->dataSet();
-    EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU CAF\xC9", data.userTesters[2].sequences));
-    EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
-    EXPECT_EQ(read("usertester4.asq"), asqBytes("User Tester Autosequences", names[3], data.userTesters[3].sequences));
-    EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
-    EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
+    // The save's layout is checked with the return button; here the names reach the files.
+    EXPECT_EQ(read("usertester3.asq").substr(64, 8) + read("usertester4.asq").substr(64, 30), "ICU CAF\xC9" + names[3]);
+    EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")) && std::filesystem::exists(appDir.data("inspection.asq")));
 }
 
 TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerNameStays)
@@ -179,26 +161,19 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     auto *edit = form.findChild<QLineEdit *>("sequenceTitle");
     QTest::keyClicks(edit, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
     EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
-
-    QApplication::clipboard()->setText("12345678901234567890123");
-    edit->selectAll();
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), "12345678901234567890");
-    EXPECT_EQ(edit->cursorPosition(), 20);
-
-    // Into the middle of a shorter name: the start of the pasted text, up to the limit.
-    edit->setText("WARD  EAST");
-    edit->setCursorPosition(5);
-    QApplication::clipboard()->setText("NUMBER 12 AND MORE");
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), "WARD NUMBER 12  EAST");
-    EXPECT_EQ(edit->cursorPosition(), 15);
-
-    // A name is saved in Windows-1252: what it cannot hold is refused, not saved as a blank.
-    edit->setText("BAY");
-    QApplication::clipboard()->setText(QString::fromUtf8(" \u0394\u00C4\u03A9"));
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), QString::fromUtf8("BAY \u00C4"));
+    // Over all, into the middle of a shorter name (the start of the pasted text, up to the limit), and
+    // in Windows-1252, where what it cannot hold is refused, not saved as a blank.
+    const struct { QString before; int caret; QString pasted, after; int caretAfter; } pastes[] = {
+        {"ABC", -1, "12345678901234567890123", "12345678901234567890", 20},
+        {"WARD  EAST", 5, "NUMBER 12 AND MORE", "WARD NUMBER 12  EAST", 15},
+        {"BAY", 3, QString::fromUtf8(" \u0394\u00C4\u03A9"), QString::fromUtf8("BAY \u00C4"), 5}};
+    for (const auto &p : pastes) {
+        edit->setText(p.before);
+        p.caret < 0 ? edit->selectAll() : edit->setCursorPosition(p.caret);
+        QApplication::clipboard()->setText(p.pasted);
+        QTest::keySequence(edit, QKeySequence::Paste);
+        EXPECT_EQ(edit->text() + "|" + QString::number(edit->cursorPosition()), p.after + "|" + QString::number(p.caretAfter));
+    }
 
     // A longer stored name stays whole and may shrink, but not grow.
     const QString stored = "A NAME OF TWENTY-FIVE CHR";
@@ -207,12 +182,10 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     EXPECT_EQ(longer.text(), stored);
     longEdit->end(false);
     QTest::keyClick(longEdit, Qt::Key_X);
-    EXPECT_EQ(longEdit->text(), stored);
     QApplication::clipboard()->setText("XYZ");
     QTest::keySequence(longEdit, QKeySequence::Paste);
     EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
-    EXPECT_EQ(longEdit->text(), stored.left(24));
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored.left(24));
 }
@@ -229,47 +202,30 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     const QRect row = tree->visualItemRect(root);
     const QPoint label(row.left() + 4, row.center().y()), button(row.left() - tree->indentation() / 2, row.center().y());
 
-    QString caption, labelText, shown;
+    QString shown;
     whenModal([&](QWidget *form) {
-        caption = form->windowTitle();
-        labelText = child<QLabel>(form, "Label1")->text();
+        shown = saysAndShows(form);
         child<QLineEdit>(form, "sequenceTitle")->setText("changed");
         click(form, "Button1"); // Cancel
     });
     // What a real double click delivers: press, release, then the double-click event.
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, label);
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, label);
-    EXPECT_EQ(caption, "Tester Name Editor");
-    EXPECT_EQ(labelText, "Tester Name:");
+    EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|WARD A");
     EXPECT_EQ(frame->dataSet().userTesters[0].name, "WARD A");
     EXPECT_FALSE(root->isExpanded());
     EXPECT_EQ(read("usertester1.asq"), before);
 
     tree->setCurrentItem(tree->topLevelItem(1));
-    whenModal([&](QWidget *form) {
-        shown = child<QLineEdit>(form, "sequenceTitle")->text();
-        click(form, "Button1");
-    });
+    whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button1"); });
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
     EXPECT_TRUE(root->isExpanded()); // the first click of the two opens the node
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, button);
     const bool expandedAfterDoubleClick = root->isExpanded();
     QApplication::processEvents(); // the edit follows the tree's own handling
-    EXPECT_EQ(shown, "USER TESTER 2");
+    EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|USER TESTER 2");
     EXPECT_EQ(root->isExpanded(), expandedAfterDoubleClick);
     EXPECT_TRUE(sink.messages.empty());
-}
-
-TEST_F(FrameFixture, HelpButtonShowsTheQuestionMarkIconAtEverySize)
-{
-    auto frame = makeFrame();
-    const QIcon icon = child<QPushButton>(frame.get(), "BtnHelp")->icon();
-    for (int size : {16, 24, 32, 48}) {
-        const QImage drawn(QStringLiteral(":/icons/help-%1.png").arg(size));
-        ASSERT_FALSE(drawn.isNull()) << size;
-        EXPECT_EQ(icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
-                  drawn.convertToFormat(QImage::Format_ARGB32_Premultiplied)) << size;
-    }
 }
 
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
