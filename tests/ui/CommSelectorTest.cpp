@@ -151,15 +151,11 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
     QTest::keyClick(ip4, Qt::Key_Home);
     // Delete as an X11 keyboard sends it, with DEL as its text.
     QTest::sendKeyEvent(QTest::Click, ip4, Qt::Key_Delete, QStringLiteral("\x7f"), Qt::NoModifier);
-    EXPECT_EQ(ip4->text(), "2");
-    QTest::keyClick(ip4, Qt::Key_End);
-    QTest::keyClick(ip4, Qt::Key_Left);
-    QTest::keyClick(ip4, Qt::Key_4);
-    EXPECT_EQ(ip4->text(), "42");
-    QTest::keyClick(ip4, Qt::Key_End);
-    QTest::keyClick(ip4, Qt::Key_Left, Qt::ShiftModifier);
-    QTest::keyClick(ip4, Qt::Key_5);
-    EXPECT_EQ(ip4->text(), "45");
+    QStringList steps{ip4->text()};
+    for (const auto &[key, modifier] : {std::pair{Qt::Key_End, Qt::NoModifier}, {Qt::Key_Left, Qt::NoModifier}, {Qt::Key_4, Qt::NoModifier},
+                                        {Qt::Key_End, Qt::NoModifier}, {Qt::Key_Left, Qt::ShiftModifier}, {Qt::Key_5, Qt::NoModifier}})
+        QTest::keyClick(ip4, key, modifier), steps << ip4->text();
+    EXPECT_EQ(steps, (QStringList{"2", "2", "2", "42", "42", "42", "45"}));
     EXPECT_TRUE(sink.messages.empty());
 }
 
@@ -167,49 +163,26 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
 // and leave the stored choice alone; a method the user picks or connects with is stored.
 TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailableButStoresAPickedOne)
 {
-    auto storeSerialWithoutFreePorts = [&] {
-        std::vector<std::pair<QString, QVariant>> values{{"COMM/DEFAULTCOMMMETHOD", 3}, {"COMM/DEFAULTSERIAL", 7}};
-        for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
-            values.emplace_back(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
-        store(values, true);
-    };
-    auto method = [&] {
-        return std::make_pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt());
-    };
-
-    storeSerialWithoutFreePorts();
-    {
+    std::vector<std::pair<QString, QVariant>> serialWithoutFreePorts{{"COMM/DEFAULTCOMMMETHOD", 3}, {"COMM/DEFAULTSERIAL", 7}};
+    for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
+        serialWithoutFreePorts.emplace_back(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
+    const auto method = [&] { return std::pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt()); };
+    const struct { bool fresh; std::function<void(TcomSelectFrm &)> act; int result; std::pair<int, int> method; } runs[] = {
+        {true, [](TcomSelectFrm &form) { click(&form, "btnCancel"); }, 2, {3, 7}},
+        {false, [](TcomSelectFrm &form) { form.show(); QTest::keyClick(&form, Qt::Key_Escape); }, 2, {3, 7}},
+        {false, [](TcomSelectFrm &form) { click(&form, "btnConnect"); }, 1, {1, 7}},
+        {true, [](TcomSelectFrm &form) { click(&form, "radEthernet"); click(&form, "btnCancel"); }, 2, {2, 7}}};
+    for (const auto &run : runs) {
+        if (run.fresh)
+            store(serialWithoutFreePorts, true);
         TcomSelectFrm form(nullptr, false, &sink);
         EXPECT_FALSE(child<QRadioButton>(&form, "radSerial")->isEnabled());
         EXPECT_EQ(child<QComboBox>(&form, "serialPortSelector")->currentText(), "<No Free Ports>");
         EXPECT_TRUE(child<QRadioButton>(&form, "radUSB")->isChecked());
-        click(&form, "btnCancel");
-        EXPECT_EQ(form.result(), 2);
+        run.act(form);
+        EXPECT_EQ(form.result(), run.result);
+        EXPECT_EQ(method(), run.method);
     }
-    EXPECT_EQ(method(), std::make_pair(3, 7));
-    {
-        TcomSelectFrm form(nullptr, false, &sink);
-        form.show();
-        QTest::keyClick(&form, Qt::Key_Escape);
-        EXPECT_EQ(form.result(), 2);
-    }
-    EXPECT_EQ(method(), std::make_pair(3, 7));
-    {
-        TcomSelectFrm form(nullptr, false, &sink);
-        click(&form, "btnConnect");
-        EXPECT_EQ(form.result(), 1);
-    }
-    EXPECT_EQ(method().first, 1);
-
-    storeSerialWithoutFreePorts();
-    {
-        TcomSelectFrm form(nullptr, false, &sink);
-        click(&form, "radEthernet");
-        EXPECT_TRUE(child<QLineEdit>(&form, "IP1")->isEnabled());
-        click(&form, "btnCancel");
-        EXPECT_EQ(form.result(), 2);
-    }
-    EXPECT_EQ(method().first, 2);
     EXPECT_EQ(stored("COMM/IP1").toString(), "127");
     EXPECT_TRUE(sink.messages.empty());
 }
