@@ -108,16 +108,37 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
     EXPECT_TRUE(sink.messages.empty());
 }
 
-// A double click edits without saving; closing the window saves what it left.
-TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItAndClosingTheWindowSaves)
+// A double click, Return or the keypad's Enter edits without saving; Edit Sequence saves; closing the window saves.
+TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButtonSaves)
 {
-    QString shown;
-    addAndConfirm(&shown);
-    doubleClickInspection(1);
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
-    EXPECT_EQ(listTexts(frame.get())[1], "(UNUSED) - EDITED");
-    EXPECT_TRUE(writtenFiles().empty());
+    auto *list = get<QListWidget>("lstIP");
+    QTreeWidget *tree = testerTree();
+    tree->expandItem(tree->topLevelItem(3));
+    QApplication::processEvents();
+    QTreeWidgetItem *node = tree->topLevelItem(3)->child(0), *unusedNode = tree->topLevelItem(4)->child(5);
+    TdataSet &data = frame->dataSet();
+    const struct { std::function<void()> open; QString shown; const std::uint16_t *items; int added; bool saves; } ways[] = {
+        {[&] { doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()}); },
+         "LEAKAGE", data.userTesters[3].sequences[0].items, 1, false},
+        {[&] { tree->setCurrentItem(unusedNode); QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier); },
+         "(UNUSED)", data.userTesters[4].sequences[5].items, 0, false},
+        {[&] { click(frame.get(), "BtnUTSEdit"); }, "(UNUSED)", data.userTesters[4].sequences[5].items, 1, true},
+        {[&] { get<QTabWidget>("PageControl1")->setCurrentIndex(0); list->setCurrentRow(1); QTest::keyClick(list, Qt::Key_Return); },
+         "(UNUSED)", data.inspections[1].items, 0, false},
+        {[&] { doubleClickInspection(2); }, "INSULATION", data.inspections[2].items, 2, false}};
+    for (const auto &way : ways) {
+        QString shown;
+        addAndConfirm(&shown);
+        way.open();
+        EXPECT_EQ(shown, way.shown);
+        EXPECT_EQ(way.items[way.added], 1) << shown.toStdString();
+        EXPECT_EQ(writtenFiles(), way.saves ? Files : std::vector<std::string>{}) << shown.toStdString();
+        for (const std::string &file : Files)
+            std::filesystem::remove(appDir.data(file));
+    }
+    EXPECT_EQ(data.userTesters[2].sequences[0].items[1], 0);
+    EXPECT_EQ(node->text(0) + "|" + unusedNode->text(0), "1. LEAKAGE - EDITED|6. (UNUSED) - EDITED");
+    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "(UNUSED) - EDITED", "INSULATION - EDITED"}));
     frame->close();
     EXPECT_EQ(writtenFiles(), Files);
     expectFilesHoldTheDataSet();
@@ -138,57 +159,6 @@ TEST_F(FrameEditFixture, TheEditorsSaveOperationWritesTheAutosequencesButNotTheC
     const std::vector<std::string> autosequenceFiles(Files.begin() + 1, Files.end());
     EXPECT_EQ(writtenWhileOpen, autosequenceFiles);
     EXPECT_EQ(writtenFiles(), autosequenceFiles);
-}
-
-TEST_F(FrameEditFixture, DoubleClickOnATesterSequenceEditsThatSequenceWithoutSaving)
-{
-    QTreeWidget *tree = testerTree();
-    QTreeWidgetItem *node = tree->topLevelItem(3)->child(0);
-    tree->expandItem(tree->topLevelItem(3));
-    QApplication::processEvents();
-    QString shown;
-    addAndConfirm(&shown);
-    doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()});
-    EXPECT_EQ(shown, "LEAKAGE");
-    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
-    EXPECT_EQ(frame->dataSet().userTesters[2].sequences[0].items[1], 0);
-    EXPECT_EQ(node->text(0), "1. LEAKAGE - EDITED");
-    EXPECT_TRUE(writtenFiles().empty());
-}
-
-// Return and the keypad's Enter open the selected entry as a double click does, and save nothing either.
-TEST_F(FrameEditFixture, EnterOnASelectedInspectionOrTesterSequenceEditsItWithoutSaving)
-{
-    auto *list = get<QListWidget>("lstIP");
-    list->setCurrentRow(1);
-    QString shown;
-    addAndConfirm(&shown);
-    QTest::keyClick(list, Qt::Key_Return);
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
-
-    QTreeWidget *tree = testerTree();
-    tree->setCurrentItem(tree->topLevelItem(3)->child(0));
-    addAndConfirm(&shown);
-    QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier);
-    EXPECT_EQ(shown, "LEAKAGE");
-    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
-    EXPECT_TRUE(writtenFiles().empty());
-}
-
-TEST_F(FrameEditFixture, EditSequenceOnATesterSequenceEditsItAndSavesAllThree)
-{
-    QTreeWidget *tree = testerTree();
-    QTreeWidgetItem *node = tree->topLevelItem(4)->child(5);
-    tree->setCurrentItem(node);
-    QString shown;
-    addAndConfirm(&shown);
-    click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().userTesters[4].sequences[5].items[0], 1);
-    EXPECT_EQ(node->text(0), "6. (UNUSED) - EDITED");
-    EXPECT_EQ(writtenFiles(), Files);
-    expectFilesHoldTheDataSet();
 }
 
 TEST_F(FrameEditFixture, MissingDefinitionFilesStopTheEditorWithItsMessage)
