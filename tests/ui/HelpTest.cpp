@@ -25,8 +25,7 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     mouseClick(frame.get(), "BtnHelp");
     ASSERT_EQ(helpWindows().size(), 1);
     QPointer<THelpWindow> window = helpWindows().first();
-    EXPECT_TRUE(window->topicLoaded());
-    EXPECT_TRUE(window->toPlainText().contains("Upload To KT930 and Download From KT930"));
+    EXPECT_TRUE(window->topicLoaded() && window->toPlainText().contains("Upload To KT930 and Download From KT930"));
     EXPECT_TRUE(frame->screen()->availableGeometry().contains(window->frameGeometry()));
 
     // The user goes back to the frame, then minimises the help window.
@@ -34,17 +33,14 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
     window->showMinimized();
     mouseClick(frame.get(), "BtnHelp");
-    ASSERT_EQ(helpWindows().size(), 1);
-    EXPECT_EQ(helpWindows().first(), window.data());
-    EXPECT_FALSE(window->isMinimized());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.data()));
+    EXPECT_EQ(helpWindows(), QList<THelpWindow *>{window.data()});
+    EXPECT_TRUE(!window->isMinimized() && QTest::qWaitForWindowActive(window.data()));
 
     window->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     ASSERT_TRUE(window.isNull());
     mouseClick(frame.get(), "BtnHelp");
-    ASSERT_EQ(helpWindows().size(), 1);
-    window = helpWindows().first();
+    window = helpWindows().value(0);
     frame.reset();
     EXPECT_TRUE(window.isNull());
 
@@ -56,7 +52,7 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     click(editor.get(), "btnHelp");
     click(editor.get(), "btnHelp");
     ASSERT_EQ(helpWindows().size(), 1);
-    window = helpWindows().first();
+    window = helpWindows().value(0);
     editor.reset();
     EXPECT_TRUE(window.isNull());
 }
@@ -114,9 +110,8 @@ TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
     };
     for (const Step &step : steps) {
         step.act();
-        EXPECT_EQ(window.browser()->source(), step.page);
-        EXPECT_EQ(back->isEnabled(), step.backEnabled);
-        EXPECT_EQ(forward->isEnabled(), step.forwardEnabled);
+        EXPECT_EQ(std::tuple(window.browser()->source(), back->isEnabled(), forward->isEnabled()),
+                  std::tuple(step.page, step.backEnabled, step.forwardEnabled));
     }
     EXPECT_FALSE(back->icon().isNull());
 }
