@@ -25,7 +25,7 @@ struct CheckitemList : ::testing::Test {
         db[4].assign('A', 'z', "No definition");
         db[260].assign('A', 'P', "Beyond the editors' slots");
     }
-    QStringList numbers(const TcheckitemListModel &list) const
+    static QStringList numbers(const TcheckitemListModel &list)
     {
         QStringList column;
         for (const QStringList &row : TinstListingPrinter::rowsOf(list).mid(1))
@@ -73,8 +73,7 @@ TEST_F(CheckitemList, HeaderPressesSortAndResetOrderDropsFilterAndSort)
                    {3, 3, {"3", "1", "5", "2"}}};
     for (const auto &p : presses) {
         list.pressHeader(p.column);
-        EXPECT_EQ(list.sortState().number(), p.state);
-        EXPECT_EQ(numbers(list), p.numbers) << p.state;
+        EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()), p.numbers + QStringList{QString::number(p.state)});
     }
     list.filter().categorySet = {'A'};
     list.refilter();
@@ -82,6 +81,5 @@ TEST_F(CheckitemList, HeaderPressesSortAndResetOrderDropsFilterAndSort)
     list.append(2);
     EXPECT_EQ(numbers(list), (QStringList{"5", "2", "3"}));
     list.resetOrder();
-    EXPECT_EQ(list.sortState().number(), 0);
-    EXPECT_EQ(numbers(list), (QStringList{"1", "2", "3", "5"}));
+    EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()), (QStringList{"1", "2", "3", "5", "0"}));
 }

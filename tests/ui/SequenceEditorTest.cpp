@@ -63,11 +63,9 @@ TEST_F(SequenceEditorFixture, OpeningShowsBothGridsWithoutCallsAndRepairsNothing
     seq = sequence("EARTH BOND", "class i", {6, 2});
     seq.setting = 0x3F;
     open();
-    EXPECT_EQ(column("instList", 0), QStringList({"1", "2", "5", "6"}));
-    EXPECT_EQ(column("asList", 2), QStringList({"", "P - Pass/Fail"}));
-    EXPECT_EQ(std::memcmp(&db[5], &before, sizeof(TInstr)), 0);
-    EXPECT_EQ(seq.setting, 0);
-    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(column("instList", 0) + column("asList", 2), QStringList({"1", "2", "5", "6", "", "P - Pass/Fail"}));
+    EXPECT_EQ(bytesOf(db[5]), bytesOf(before));
+    EXPECT_TRUE(seq.setting == 0 && sink.messages.empty());
 }
 
 TEST_F(SequenceEditorFixture, EachItemButtonEditsTheSequenceAndMovesTheSelection)
@@ -100,9 +98,8 @@ TEST_F(SequenceEditorFixture, AddTakesTheSelectedCheckitemByButtonOrEnterAndWarn
     QTest::keyClick(get("instList"), Qt::Key_Return);
     EXPECT_EQ(column("asList", 0).last(), "5");
     click("btnAdd");
-    const Message full{"Autosequence Full", "The selected checkitem cannot be added because\nthe autosequence is full.",
-                       MsgIcon::Exclamation};
-    EXPECT_EQ(sink.messages, std::vector<Message>{full});
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Autosequence Full", "The selected checkitem cannot be added because\nthe "
+                                                                         "autosequence is full.", MsgIcon::Exclamation}}));
 }
 
 // The current cell of the grid with the focus is framed, on a selected row too.
@@ -127,8 +124,7 @@ TEST_F(SequenceEditorFixture, PortAndBaudChoicesWriteTheSettingWordAtOnce)
     QTest::keyClick(get("baudRatelst"), Qt::Key_Down);
     EXPECT_EQ(seq.setting, 0x09);
     QTest::keyClick(get("testerPortlst"), Qt::Key_Up); // no port: no baud rate
-    EXPECT_EQ(seq.setting, 0);
-    EXPECT_EQ(get<QComboBox>("baudRatelst")->currentIndex(), -1);
+    EXPECT_TRUE(seq.setting == 0 && get<QComboBox>("baudRatelst")->currentIndex() == -1);
 }
 
 TEST_F(SequenceEditorFixture, AHeaderPressSortsAndTheFilterFilters)
@@ -156,8 +152,7 @@ TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenReloadsAndRefre
     });
     click("btnEditInst");
     EXPECT_EQ(sink.messages.back(), (Message{"ERROR", CategoryDescriptors::loadErrorText()}));
-    EXPECT_EQ(column("instList", 1)[1], "C"); // no names without descriptors
-    EXPECT_EQ(column("asList", 1), QStringList({"C", "B"}));
+    EXPECT_EQ(column("instList", 1)[1] + column("asList", 1).join(""), "CCB"); // no names without descriptors
 }
 
 TEST_F(SequenceEditorFixture, OkStoresTheTitlesUpperCasedButKeepsAnUnusedOne)
