@@ -2,10 +2,6 @@
 // the starting choice, and what OK and Cancel leave to read.
 #include "TautoSequenceSelector.h"
 #include "UiTestSupport.h"
-#include <QComboBox>
-#include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 struct AutoSequenceSelectorFixture : ::testing::Test {

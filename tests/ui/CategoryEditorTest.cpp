@@ -2,9 +2,6 @@
 // Cancel leave in the descriptor table.
 #include "TcategoryEditorForm.h"
 #include "UiTestSupport.h"
-#include <QLineEdit>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 // Runs the editor; `answer` works its controls and ends it.

@@ -4,7 +4,6 @@
 #include "TcheckitemListModel.h"
 #include "TinstListingPrinter.h"
 #include "UiTestSupport.h"
-#include <gtest/gtest.h>
 
 namespace {
 using Rows = QList<QStringList>;

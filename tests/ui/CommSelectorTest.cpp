@@ -5,14 +5,6 @@
 #include "TserialPortMap.h"
 #include "UiTestSupport.h"
 #include "communicationsSelector.h"
-#include <QApplication>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSettings>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 struct SelectorFixture : ::testing::Test {

@@ -1,10 +1,6 @@
 // The warning before a checkitem is deleted: the reference search's lines (tested in the core), "No" first, the answer.
 #include "TdeleteInstructionFrm.h"
 #include "UiTestSupport.h"
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 struct Answered { bool result = false; QString lines; bool focusOnNo = false; };

@@ -4,13 +4,6 @@
 #include "Thrown.h"
 #include "UiTestSupport.h"
 #include "asEdFilterPopup.h"
-#include <QComboBox>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 using Chars = std::vector<char>;

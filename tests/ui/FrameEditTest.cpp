@@ -4,14 +4,6 @@
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTest>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
 namespace {
 const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",

@@ -7,18 +7,6 @@
 #include "TseqTitleEditForm.h"
 #include "TtreeNodeDelegate.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QClipboard>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
 namespace {
 const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.",

@@ -10,16 +10,6 @@
 #include "TransferMessages.h"
 #include "UiTestSupport.h"
 #include "progress.h"
-#include <QApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QThread>
-#include <QTimer>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
 namespace {
 // Records like its base, but a worker's message is recorded on the GUI thread

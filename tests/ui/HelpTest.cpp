@@ -6,12 +6,6 @@
 #include "TInstrDatabase.h"
 #include "autoSequenceEditForm.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QPushButton>
-#include <QScreen>
-#include <QToolButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 // One window per frame and per sequence editor: a second press raises it, a closed
 // one is replaced, and the owner's end closes it.

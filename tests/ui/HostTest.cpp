@@ -9,19 +9,6 @@
 #include "TdataFolderSession.h"
 #include "TempDir.h"
 #include "TrestorePoints.h"
-#include <QApplication>
-#include <QLabel>
-#include <QMenu>
-#include <QMenuBar>
-#include <QDialogButtonBox>
-#include <QMessageBox>
-#include <QStatusBar>
-#include <QListWidget>
-#include <QPushButton>
-#include <QScreen>
-#include <QTimer>
-#include <functional>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;

@@ -11,17 +11,8 @@
 #include "TinstListingPrinter.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include "instEdit.h"
-#include <QApplication>
-#include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPrinter>
-#include <QProcess>
-#include <QPushButton>
-#include <QStyleHints>
-#include <QTableView>
-#include <QTest>
-#include <gtest/gtest.h>
+#include "instEdit.h"
 #include <sys/stat.h>
 
 namespace {

@@ -6,12 +6,6 @@
 #include "Thrown.h"
 #include "UiTestSupport.h"
 #include "instrpanel.h"
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTest>
-#include <gtest/gtest.h>
 #include <sstream>
 
 namespace {

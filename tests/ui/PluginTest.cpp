@@ -2,10 +2,7 @@
 // application folder, its exports called in the host's order.
 #include "UiTestSupport.h"
 #include "VAROAutoSeqEditor.h"
-#include <QListWidget>
-#include <QPushButton>
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 namespace {
 template <class T> T resolve(void *library, const char *name)

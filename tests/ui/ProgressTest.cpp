@@ -4,10 +4,6 @@
 #include "Thrown.h"
 #include "UiTestSupport.h"
 #include "progress.h"
-#include <QLabel>
-#include <QProgressBar>
-#include <QThread>
-#include <gtest/gtest.h>
 
 TEST(Progress, NullSettingsThrowTheDocumentedText)
 {

@@ -4,13 +4,8 @@
 #include "TInstrDatabase.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include <QHeaderView>
-#include <QLineEdit>
 #include <QPrinter>
-#include <QTableWidget>
-#include <QTest>
 #include <cstring>
-#include <gtest/gtest.h>
 
 namespace {
 // Prints to a PDF file where the user would have picked a printer.

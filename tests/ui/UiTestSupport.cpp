@@ -1,14 +1,6 @@
 #include "UiTestSupport.h"
 #include "ByteBuilder.h"
 #include "THelpWindow.h"
-#include <QApplication>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTableView>
-#include <QTest>
-#include <QTimer>
 #include <cstdlib>
 
 void ensureApplication()

@@ -6,9 +6,8 @@
 #include "TempDir.h"
 #include "Tautosequence.h"
 #include "VAROAutoSeqEditor.h"
-#include <QComboBox>
-#include <QStringList>
-#include <QWidget>
+#include <QTest>
+#include <QtWidgets>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
