@@ -9,6 +9,7 @@
 #include "TguiMessageSink.h"
 #include "TinstGridHeader.h"
 #include "TinstListingPrinter.h"
+#include "ProgramRun.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
 #include <QPrinter>
@@ -79,11 +80,7 @@ public:
     QString pdf;
 
 protected:
-    bool choosePrinter(QPrinter &printer) override
-    {
-        TinstListingPrinter::preparePdf(printer, pdf);
-        return true;
-    }
+    bool choosePrinter(QPrinter &printer) override { return TinstListingPrinter::preparePdf(printer, pdf), true; }
 };
 
 struct Editor : ::testing::Test {
@@ -140,8 +137,7 @@ TEST_F(Editor, OpensOnTheListWithTheOpCodesInListOrderTheTraceAndTheSilentRepair
               "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
     EXPECT_EQ(child<QPushButton>(editor.get(), "btnSync")->text(), "Sync\nWith\nKT930");
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
-    EXPECT_EQ(editor->focusWidget(), child(editor.get(), "btnNewInst"));
-    EXPECT_EQ(header(editor.get())->sortColumn(), 0);
+    EXPECT_TRUE(editor->focusWidget() == child(editor.get(), "btnNewInst") && header(editor.get())->sortColumn() == 0);
 }
 
 TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
@@ -253,9 +249,8 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
         const std::string before = mitBytes(db.slots());
         sink.messages.clear();
         click(open().get(), "btnNewInst");
-        EXPECT_EQ(sink.messages, (Messages{{"Checkitem Database Full", "Warning: checkitem database full!\nCheckitem "
-                                            "cannot be added.\n\nPlease delete one or more existing checkitems.",
-                                            MsgIcon::Exclamation}}));
+        EXPECT_EQ(sink.messages, (Messages{{"Checkitem Database Full", "Warning: checkitem database full!\nCheckitem cannot be "
+                                            "added.\n\nPlease delete one or more existing checkitems.", MsgIcon::Exclamation}}));
         EXPECT_TRUE(mitBytes(db.slots()) == before);
     }
 }
@@ -268,17 +263,13 @@ TEST_F(Editor, DeleteAsksAndTheLastOneDisablesEditAndDelete)
     clickRow(editor.get(), 2);
     QTest::mouseClick(grid(editor.get())->viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(editor.get(), 2));
     EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
-    answer("btnNo");
-    click(editor.get(), "btnDelete");
-    EXPECT_FALSE(db[2].isFree());
-    answer("btnYes");
-    click(editor.get(), "btnDelete");
-    EXPECT_TRUE(db[2].isFree());
-    std::filesystem::remove(appDir.data("inspection.asq"));
-    for (int left = 3; left > 0; --left) {
-        answer("btnNo"); // without .asq files it goes anyway
-        click(editor.get(), "btnDelete");
+    for (const char *reply : {"btnNo", "btnYes"}) {
+        answer(reply), click(editor.get(), "btnDelete");
+        EXPECT_EQ(db[2].isFree(), reply == std::string("btnYes"));
     }
+    std::filesystem::remove(appDir.data("inspection.asq"));
+    for (int left = 3; left > 0; --left)
+        answer("btnNo"), click(editor.get(), "btnDelete"); // without .asq files it goes anyway
     EXPECT_EQ(column(editor.get(), 0), QStringList{""});
     EXPECT_FALSE(child(editor.get(), "btnEditInst")->isEnabled() || child(editor.get(), "btnDelete")->isEnabled());
 }
@@ -322,8 +313,7 @@ TEST_F(Editor, ClosingAfterRenamingACategoryAsksWhetherToSaveIt)
         click(editor.get(), "btnUpdate");
         sink.answers = {reply};
         reply == MsgAnswer::No ? QTest::keyClick(editor.get(), Qt::Key_Escape) : void(editor->close());
-        EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?",
-                                                 MsgIcon::Question, MsgButtons::YesNo}));
+        EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?", MsgIcon::Question, MsgButtons::YesNo}));
         EXPECT_FALSE(editor->isVisible());
         EXPECT_EQ(appDir.readData("catdes.dat") != before, reply == MsgAnswer::Yes);
     }
@@ -359,14 +349,11 @@ TEST_F(Editor, FilterAndHeaderClicksRefillTheListAndMoveTheSortPicture)
     answer("btnOk", [](QWidget *dialog) { child<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
-    answer("btnCancel", [](QWidget *dialog) {
-        choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail"));
-    });
+    answer("btnCancel", [](QWidget *dialog) { choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail")); });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
     clickHeader(editor.get(), 0);
-    EXPECT_EQ(column(editor.get(), 0), (QStringList{"2"}));
-    EXPECT_EQ(editor->checkitemList().sortState().number(), 2);
+    EXPECT_TRUE(column(editor.get(), 0) == QStringList{"2"} && editor->checkitemList().sortState().number() == 2);
     EXPECT_TRUE(header(editor.get())->sortPicture().toImage() == QPixmap(":/instEdit/PIC_SORT_DOWN").toImage());
     EXPECT_EQ(grid(editor.get())->currentIndex().row(), 0);
 }
@@ -389,14 +376,6 @@ TEST_F(Editor, ImportAddsToFreeSlotsResetsTheOrderAndReportsMissingFileAndOverfl
                                        {"OVERFLOW", "WARNING!\n\nNot all checkitems could be imported because there\n"
                                                     "was insufficient space in the checkitem database to\ninsert all of "
                                                     "the checkitems from the specified file.", MsgIcon::Exclamation}}));
-}
-
-// The file's bytes are the database's export, checked there.
-TEST_F(Editor, ExportWritesEverySlot)
-{
-    click(open().get(), "btnExport");
-    ASSERT_EQ(db.exportText("expected.csv"), 0);
-    EXPECT_TRUE(TempDir::read("instList.csv") == TempDir::read("expected.csv"));
 }
 
 TEST_F(Editor, FrameOpensTheEditorFromBothButtonsAndSavesTheCheckitems)
@@ -436,17 +415,16 @@ TEST_F(Editor, SyncReplacesTheDatabaseResetsTheOrderAndWritesTheBackupAndAFailur
     click(editor.get(), "btnSync");
     EXPECT_EQ(sink.messages, (Messages{{"Data Timed Out.", "A communications timeout occurred.\r\rOperation Canceled.",
                                         MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
-    EXPECT_TRUE(mitBytes(db.slots()) == before);
+    EXPECT_TRUE(mitBytes(db.slots()) == before && !std::filesystem::exists(appDir.data("mit.dat")));
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"2", "1", "5", "3"}));
-    EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
     connectByEthernet(sim.address());
     click(editor.get(), "btnSync");
-    EXPECT_TRUE(mitBytes(db.slots()) == memory.checkitems);
+    EXPECT_TRUE(mitBytes(db.slots()) == memory.checkitems && TempDir::read(appDir.data("mit.dat")) == memory.checkitems);
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"1", "4"}));
-    EXPECT_TRUE(TempDir::read(appDir.data("mit.dat")) == memory.checkitems);
 }
 
-TEST_F(Editor, PrintsTheListAsItStandsAndHelpOpensInAWindowOfTheEditor)
+// The export's bytes are the database's, checked there.
+TEST_F(Editor, PrintsTheListAsItStandsExportsEverySlotAndHelpOpensInAWindowOfTheEditor)
 {
     std::filesystem::copy_file(KT930_TEST_APPDIR "/TestProcedureEditor.qch", appDir.dir().path() / "TestProcedureEditor.qch");
     db[5].assign(' ', 'A', "UT203");
@@ -454,15 +432,15 @@ TEST_F(Editor, PrintsTheListAsItStandsAndHelpOpensInAWindowOfTheEditor)
     editor->pdf = QString::fromStdString((appDir.dir().path() / "listing.pdf").string());
     clickHeader(editor.get(), 0);
     click(editor.get(), "btnPrint");
-    QProcess text;
-    text.start("pdftotext", {"-layout", editor->pdf, "-"});
-    ASSERT_TRUE(text.waitForFinished());
-    EXPECT_TRUE(QString::fromUtf8(text.readAllStandardOutput()).simplified().startsWith(
+    EXPECT_TRUE(QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.toStdString(), "-"}, ".").out).simplified().startsWith(
         "KT930pc Instruction Listing No. Category Op Code Command 6 A - Autosequence UT203 5 Functional checks C - Control AUX»1"));
     click(editor.get(), "btnHelp");
     click(editor.get(), "btnHelp"); // a second press brings the one window back
     ASSERT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
     EXPECT_EQ(editor->findChild<THelpWindow *>()->windowTitle(), "TestProcedureEditor Help");
+    click(editor.get(), "btnExport");
+    ASSERT_EQ(db.exportText("expected.csv"), 0);
+    EXPECT_TRUE(TempDir::read("instList.csv") == TempDir::read("expected.csv"));
 }
 
 TEST(EditorGuard, TheParameterlessFormOnlySaysSoAndCanOnlyBeClosed)
