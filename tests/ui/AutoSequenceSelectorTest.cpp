@@ -1,5 +1,4 @@
-// The autosequence selector: its controls, the number list following the type,
-// the starting choice, and what OK and Cancel leave to read.
+// The autosequence selector: the number list follows the type; the starting choice, OK and Cancel.
 #include "TautoSequenceSelector.h"
 #include "UiTestSupport.h"
 

@@ -1,5 +1,4 @@
-// The category editor: the letters it offers, its empty start, and what OK and
-// Cancel leave in the descriptor table.
+// The category editor: the letters it offers, its empty start, what OK and Cancel leave in the table.
 #include "TcategoryEditorForm.h"
 #include "UiTestSupport.h"
 

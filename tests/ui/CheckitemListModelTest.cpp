@@ -1,5 +1,4 @@
-// The checkitem list both editors show and the listing prints: rows chosen by the
-// filter in the sort state's order, texts read from the database as it is now.
+// The checkitem list both editors show and the listing prints: filtered, sorted, read live.
 #include "TInstrDatabase.h"
 #include "TcheckitemListModel.h"
 #include "TinstListingPrinter.h"

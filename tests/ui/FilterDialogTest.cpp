@@ -1,5 +1,4 @@
-// The checkitem filter dialog: its lists, and how every choice on either page
-// rewrites the filter's sets at once, OK and Cancel alike.
+// The checkitem filter dialog: its lists, and every choice on either page rewriting the sets at once.
 #include "TInstrDatabase.h"
 #include "Thrown.h"
 #include "UiTestSupport.h"

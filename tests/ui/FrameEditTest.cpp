@@ -1,5 +1,4 @@
-// The frame's edit paths into the sequence editor: which autosequence is edited,
-// that the lists show the result, and which files are written afterwards.
+// The frame's ways into the sequence editor: which autosequence is edited, shown and saved.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"

@@ -1,5 +1,4 @@
-// The frame's start-up, lists, clear, rename and save triggers, driven through
-// its controls by objectName, with messages recorded.
+// The frame's start-up, lists, clear, rename and save triggers, driven through its controls.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"

@@ -1,7 +1,4 @@
-// The frame's upload and download against the real simulator over loopback TCP,
-// driven through the real settings form and progress dialog: the data that
-// arrives, the files the frame writes, the op-code check, and a cancel while the
-// worker still has a message box to show.
+// The frame's upload and download against the simulator over loopback TCP, through the real forms.
 #include "../e2e/KnownDataSet.h"
 #include "../e2e/SimulatorUnderTest.h"
 #include "AutoSequenceEditorFrame.h"

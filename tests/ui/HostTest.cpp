@@ -1,7 +1,4 @@
-// The host window loading the real plug-in library: button, view swap, return,
-// ReloadData when the frame is shown again; its menus, About box, status line,
-// remembered geometry, the first-start message of a new data folder, restore
-// points and a data folder that another program has open.
+// The host window with the real plug-in library: view swap, reload, menus, geometry, folder messages.
 #include "AutosequenceConversions.h"
 #include "ThostMainWindow.h"
 #include "UiTestSupport.h"

@@ -1,5 +1,4 @@
-// The checkitem database editor clicked through once per control against the demo
-// definition files; the rules behind the controls are tested where they live.
+// The checkitem database editor clicked through once per control; the rules are tested where they live.
 #include "../e2e/SimulatorUnderTest.h"
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"

@@ -1,5 +1,4 @@
-// The plug-in library as the host sees it: loaded with dlopen from the
-// application folder, its exports called in the host's order.
+// The plug-in library as the host sees it: loaded with dlopen, its exports called in the host's order.
 #include "UiTestSupport.h"
 #include "VAROAutoSeqEditor.h"
 #include <dlfcn.h>

@@ -1,5 +1,4 @@
-// The progress dialog: argument check, start of the worker, reports from the
-// worker's thread, cancel.
+// The progress dialog: argument check, start of the worker, reports from its thread, cancel.
 #include "TcommSettings.h"
 #include "Thrown.h"
 #include "UiTestSupport.h"
