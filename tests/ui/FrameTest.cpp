@@ -186,9 +186,7 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, label);
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, label);
     EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|WARD A");
-    EXPECT_EQ(frame->dataSet().userTesters[0].name, "WARD A");
-    EXPECT_FALSE(root->isExpanded());
-    EXPECT_EQ(read("usertester1.asq"), before);
+    EXPECT_TRUE(frame->dataSet().userTesters[0].name == "WARD A" && !root->isExpanded() && read("usertester1.asq") == before);
 
     tree->setCurrentItem(tree->topLevelItem(1));
     whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button1"); });
@@ -198,8 +196,7 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     const bool expandedAfterDoubleClick = root->isExpanded();
     QApplication::processEvents(); // the edit follows the tree's own handling
     EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|USER TESTER 2");
-    EXPECT_EQ(root->isExpanded(), expandedAfterDoubleClick);
-    EXPECT_TRUE(sink.messages.empty());
+    EXPECT_TRUE(root->isExpanded() == expandedAfterDoubleClick && sink.messages.empty());
 }
 
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
@@ -256,8 +253,7 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     // Focus follows into the list and makes row 0 current without selecting it.
     ASSERT_TRUE(QApplication::focusWidget() == list && list->currentRow() == 0 && list->selectedItems().isEmpty());
     clickButton("BtnIPClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_FALSE(frame->dataSet().inspections[0].isUnused());
+    EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().inspections[0].isUnused());
 
     // Ctrl+click deselects the row it leaves current; a refresh keeps nothing selected.
     const QModelIndex last = list->model()->index(2, 0);
@@ -265,8 +261,7 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     clickRow(list, last, Qt::ControlModifier);
     ASSERT_TRUE(list->selectedItems().isEmpty() && list->currentRow() == 2);
     clickButton("BtnIPClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
+    EXPECT_TRUE(sink.messages.empty() && list->item(2)->text() == "INSULATION - ");
     frame->refreshLists(0);
     EXPECT_TRUE(list->selectedItems().isEmpty());
 
@@ -278,10 +273,8 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
     clickButton("BtnIPClear");
     EXPECT_EQ(sink.messages, (std::vector<Message>{ConfirmClear, ConfirmClear}));
-    EXPECT_EQ(list->item(2)->text(), "<unused>");
-    EXPECT_TRUE(list->item(2)->isSelected()); // the cleared row stays selected
-    const Tautosequence unused = unusedSequence();
-    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[2], &unused, sizeof unused), 0);
+    EXPECT_TRUE(list->item(2)->text() == "<unused>" && list->item(2)->isSelected()); // the cleared row stays selected
+    EXPECT_EQ(asqBytes("", "", {frame->dataSet().inspections[2]}), asqBytes("", "", {unusedSequence()}));
     EXPECT_EQ(read("inspection.asq"), before);
 }
 
@@ -292,7 +285,6 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(0))); // a tester, not a sequence
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
     tree->expandItem(tree->topLevelItem(0));
     QTreeWidgetItem *node = tree->topLevelItem(0)->child(0);
     const QModelIndex index = tree->indexFromItem(node);
@@ -302,20 +294,17 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     clickRow(tree, index, Qt::ControlModifier);
     ASSERT_TRUE(tree->currentItem() == node && tree->selectedItems().isEmpty());
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_FALSE(frame->dataSet().userTesters[0].sequences[0].isUnused());
+    EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().userTesters[0].sequences[0].isUnused());
 
     clickRow(tree, index);
     clickButton("BtnUTSClear");
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
     EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused() && frame->dataSet().userTesters[0].sequences[0].items[0] == 0);
-    EXPECT_EQ(node->text(0), "1. <unused>");
-    EXPECT_TRUE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+    EXPECT_TRUE(node->text(0) == "1. <unused>" && node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
 
     // The nodes stay as built when a reloaded tester file holds fewer sequences:
     // a node past them clears nothing.
-    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
-                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
+    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT", {sequence("A", "B", {1}), sequence("C", "D", {2})}));
     frame->ReloadData();
     ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
     EXPECT_EQ(tree->topLevelItem(0)->text(0) + "|" + tree->topLevelItem(0)->child(1)->text(0), "i. SHORT|2. C - D");
@@ -323,8 +312,7 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     ASSERT_TRUE(tree->topLevelItem(0)->child(5)->isSelected());
     sink.messages.clear();
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
+    EXPECT_TRUE(sink.messages.empty() && frame->dataSet().userTesters[0].sequences.size() == 2u);
 }
 
 // Another program writes the data folder while the frame holds its copy; which
@@ -341,7 +329,6 @@ TEST_F(FrameFixture, TheFramesSaveAsksAboutAnotherProgramsChangeAndShowsTheVersi
     sink.answers = {MsgAnswer::No};
     sink.messages.clear();
     click(frame.get(), "BtnBackup");
-    EXPECT_EQ(sink.messages.at(0).caption, "Data File Changed");
-    EXPECT_EQ(read("inspection.asq"), theirs);
+    EXPECT_TRUE(sink.messages.at(0).caption == "Data File Changed" && read("inspection.asq") == theirs);
     EXPECT_TRUE(list->item(0)->text().startsWith("THEIRS")) << list->item(0)->text().toStdString();
 }
