@@ -39,16 +39,9 @@ QList<QLineEdit *> shownFields(QWidget *editor)
             shown << box;
     return shown;
 }
-void retype(QWidget *editor, int field, const QString &keys)
-{
-    shownFields(editor).value(field)->clear();
-    QTest::keyClicks(shownFields(editor).value(field), keys);
-}
-void choose(QWidget *form, const char *list, int index) // as a user's pick
-{
-    child<QComboBox>(form, list)->setCurrentIndex(index);
-    Q_EMIT child<QComboBox>(form, list)->activated(index);
-}
+void retype(QWidget *editor, int field, const QString &keys) { shownFields(editor).value(field)->clear(), QTest::keyClicks(shownFields(editor).value(field), keys); }
+// As a user's pick.
+void choose(QWidget *form, const char *list, int index) { child<QComboBox>(form, list)->setCurrentIndex(index), Q_EMIT child<QComboBox>(form, list)->activated(index); }
 QStringList enabledControls(QWidget *editor)
 {
     QStringList enabled;
@@ -59,26 +52,15 @@ QStringList enabledControls(QWidget *editor)
 }
 QPoint rowCentre(QWidget *editor, int row) { return grid(editor)->visualRect(grid(editor)->model()->index(row, 1)).center(); }
 void clickRow(QWidget *editor, int row) { QTest::mouseClick(grid(editor)->viewport(), Qt::LeftButton, {}, rowCentre(editor, row)); }
-void clickHeader(QWidget *editor, int c)
+void clickHeader(QWidget *editor, int c) { QTest::mouseClick(header(editor)->viewport(), Qt::LeftButton, {}, QPoint(header(editor)->sectionViewportPosition(c) + 4, 5)); }
+void answer(const char *button, std::function<void(QWidget *)> before = [](QWidget *) {})
 {
-    QTest::mouseClick(header(editor)->viewport(), Qt::LeftButton, {},
-                      QPoint(header(editor)->sectionViewportPosition(c) + 4, header(editor)->height() / 2));
-}
-void answer(const char *button, std::function<void(QWidget *)> before = {})
-{
-    whenModal([=](QWidget *dialog) {
-        if (before)
-            before(dialog);
-        click(dialog, button);
-    });
+    whenModal([=](QWidget *dialog) { before(dialog), click(dialog, button); });
 }
 
-class PdfEditor : public TinstructionEditorForm { // its print dialog answered by a PDF file
-public:
+struct PdfEditor : TinstructionEditorForm { // its print dialog answered by a PDF file
     using TinstructionEditorForm::TinstructionEditorForm;
     QString pdf;
-
-protected:
     bool choosePrinter(QPrinter &printer) override { return TinstListingPrinter::preparePdf(printer, pdf), true; }
 };
 
@@ -102,8 +84,7 @@ struct Editor : ::testing::Test {
     std::unique_ptr<PdfEditor> open(bool checklistMode = false)
     {
         auto editor = std::make_unique<PdfEditor>(nullptr, checklistMode, &host, &db, &sink);
-        editor->show();
-        return editor;
+        return editor->show(), std::move(editor);
     }
     void importFile(QWidget *editor, const std::string &name)
     {
@@ -114,10 +95,7 @@ struct Editor : ::testing::Test {
         });
         click(editor, "btnImport");
     }
-    static void nameCategory(const QString &name)
-    {
-        answer("btnOK", [name](QWidget *dialog) { child<QLineEdit>(dialog, "txtName")->setText(name); });
-    }
+    static void nameCategory(const QString &name) { answer("btnOK", [name](QWidget *dialog) { child<QLineEdit>(dialog, "txtName")->setText(name); }); }
 };
 } // namespace
 
