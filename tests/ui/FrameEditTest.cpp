@@ -5,8 +5,7 @@
 #include "UiTestSupport.h"
 
 namespace {
-const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
-                                     "usertester3.asq", "usertester4.asq", "usertester5.asq"};
+const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq", "usertester4.asq", "usertester5.asq"};
 
 struct FrameEditFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
@@ -16,13 +15,15 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     {
         appDir.copyDemoDefinitions();
         appDir.writeData("catdes.dat", "A, Visual\n");
-        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(),
-                                     sequence("INSULATION", "", {1, 1})},
+        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(), sequence("INSULATION", "", {1, 1})},
                                     {"WARD A", "WARD B", "WARD C", "WARD D", "WARD E"});
         frame = std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
         frame->resize(792, 546);
         frame->show();
-        // Gone until a save writes them again.
+        removeFiles(); // until a save writes them again
+    }
+    void removeFiles() const
+    {
         for (const std::string &file : Files)
             std::filesystem::remove(appDir.data(file));
     }
@@ -42,8 +43,7 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
         EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), mitBytes(data.checkitems.slots()));
         EXPECT_EQ(TempDir::read(appDir.data("inspection.asq")), asqBytes("Physical Inspections", "", data.inspections));
         for (std::size_t i = 0; i < 5; ++i)
-            EXPECT_EQ(TempDir::read(appDir.data("usertester" + std::to_string(i + 1) + ".asq")),
-                      asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
+            EXPECT_EQ(TempDir::read(appDir.data(Files[i + 2])), asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
     }
     // In the editor: shows title 1, adds checkitem 1 and names title 2, then OK.
     void addAndConfirm(QString *shownTitle)
@@ -59,15 +59,10 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     // Selects the row, then double-clicks it, as a user opens a row.
     static void doubleClick(QAbstractItemView *view, QPoint at)
     {
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at), QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
         QApplication::processEvents();
     }
-    void doubleClickInspection(int row)
-    {
-        auto *list = get<QListWidget>("lstIP");
-        doubleClick(list, list->visualItemRect(list->item(row)).center());
-    }
+    void doubleClickInspection(int row) { doubleClick(get<QListWidget>("lstIP"), get<QListWidget>("lstIP")->visualItemRect(get<QListWidget>("lstIP")->item(row)).center()); }
     QTreeWidget *testerTree()
     {
         get<QTabWidget>("PageControl1")->setCurrentIndex(1);
@@ -81,8 +76,7 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
 {
     click(frame.get(), "BtnIPEdit"); // nothing selected: no editor (it would hang here), still a save
     EXPECT_EQ(writtenFiles(), Files);
-    for (const std::string &file : Files)
-        std::filesystem::remove(appDir.data(file));
+    removeFiles();
 
     get<QListWidget>("lstIP")->setCurrentRow(2);
     QString shown;
@@ -124,8 +118,7 @@ TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButt
         EXPECT_EQ(shown, way.shown);
         EXPECT_EQ(way.items[way.added], 1) << shown.toStdString();
         EXPECT_EQ(writtenFiles(), way.saves ? Files : std::vector<std::string>{}) << shown.toStdString();
-        for (const std::string &file : Files)
-            std::filesystem::remove(appDir.data(file));
+        removeFiles();
     }
     EXPECT_EQ(data.userTesters[2].sequences[0].items[1], 0);
     EXPECT_EQ(node->text(0) + "|" + unusedNode->text(0), "1. LEAKAGE - EDITED|6. (UNUSED) - EDITED");

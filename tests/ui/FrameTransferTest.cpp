@@ -12,15 +12,13 @@ namespace {
 // Records like its base, but a worker's message is recorded on the GUI thread
 // through a blocking queued call, the way the GUI sink shows its boxes: a GUI
 // thread that stops serving events leaves the worker hanging here.
-class GuiThreadMessageSink : public RecordingMessageSink {
-public:
+struct GuiThreadMessageSink : RecordingMessageSink {
     MsgAnswer show(const Message &message) override
     {
         if (QThread::currentThread() == qApp->thread())
             return RecordingMessageSink::show(message);
         MsgAnswer answer = MsgAnswer::Ok;
-        QMetaObject::invokeMethod(qApp, [&] { answer = RecordingMessageSink::show(message); },
-                                  Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(qApp, [&] { answer = RecordingMessageSink::show(message); }, Qt::BlockingQueuedConnection);
         return answer;
     }
 };

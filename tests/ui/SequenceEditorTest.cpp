@@ -12,11 +12,7 @@ namespace {
 struct PdfSequenceEditor : TsequenceEditor {
     using TsequenceEditor::TsequenceEditor;
     std::filesystem::path pdf;
-    bool choosePrinter(QPrinter &printer) override
-    {
-        printer.setOutputFileName(QString::fromStdString(pdf.string()));
-        return true;
-    }
+    bool choosePrinter(QPrinter &printer) override { return printer.setOutputFileName(QString::fromStdString(pdf.string())), true; }
 };
 
 struct SequenceEditorFixture : ::testing::Test {
@@ -40,8 +36,7 @@ struct SequenceEditorFixture : ::testing::Test {
     {
         editor = std::make_unique<PdfSequenceEditor>(nullptr, nullptr, &db, seq, [this] { ++saves; }, false, &sink);
         editor->pdf = appDir.dir().path() / "printed.pdf";
-        editor->show();
-        return *editor;
+        return editor->show(), *editor;
     }
     template <class T = QWidget> T *get(const char *name) { return child<T>(editor.get(), name); }
     void click(const char *name) { ::click(editor.get(), name); }
