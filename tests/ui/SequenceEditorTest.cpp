@@ -63,17 +63,12 @@ TEST_F(SequenceEditorFixture, EachItemButtonEditsTheSequenceAndMovesTheSelection
     seq = sequence("A", "B", {1, 2, 4, 5}); // 4 is a call: shown, not offered
     open();
     struct Step { const char *grid; int row; const char *button; QStringList shown; int selected; };
-    for (const Step &s : std::vector<Step>{{"asList", 2, "btnUp", {"1", "4", "2", "5"}, 1},
-                                           {"asList", 1, "btnTop", {"4", "1", "2", "5"}, 0},
-                                           {"asList", 0, "btnDown", {"1", "4", "2", "5"}, 1},
-                                           {"asList", 1, "btnBottom", {"1", "2", "5", "4"}, 3},
-                                           {"asList", 3, "btnRemove", {"1", "2", "5"}, 2},
-                                           {"instList", 0, "btnAdd", {"1", "2", "5", "1"}, 2},
+    for (const Step &s : std::vector<Step>{{"asList", 2, "btnUp", {"1", "4", "2", "5"}, 1}, {"asList", 1, "btnTop", {"4", "1", "2", "5"}, 0},
+                                           {"asList", 0, "btnDown", {"1", "4", "2", "5"}, 1}, {"asList", 1, "btnBottom", {"1", "2", "5", "4"}, 3},
+                                           {"asList", 3, "btnRemove", {"1", "2", "5"}, 2}, {"instList", 0, "btnAdd", {"1", "2", "5", "1"}, 2},
                                            {"asList", 2, "btnClear", {}, -1}}) {
-        select(s.grid, s.row);
-        click(s.button);
-        EXPECT_EQ(column("asList", 0), s.shown) << s.button;
-        EXPECT_EQ(get<QTableWidget>("asList")->currentRow(), s.selected) << s.button;
+        select(s.grid, s.row), click(s.button);
+        EXPECT_EQ(column("asList", 0) << QString::number(get<QTableWidget>("asList")->currentRow()), s.shown + QStringList{QString::number(s.selected)}) << s.button;
     }
 }
 
@@ -88,8 +83,7 @@ TEST_F(SequenceEditorFixture, AddTakesTheSelectedCheckitemByButtonOrEnterAndWarn
     QTest::keyClick(get("instList"), Qt::Key_Return);
     EXPECT_EQ(column("asList", 0).last(), "5");
     click("btnAdd");
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Autosequence Full", "The selected checkitem cannot be added because\nthe "
-                                                                         "autosequence is full.", MsgIcon::Exclamation}}));
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Autosequence Full", "The selected checkitem cannot be added because\nthe autosequence is full.", MsgIcon::Exclamation}}));
 }
 
 // The current cell of the grid with the focus is framed, on a selected row too.
@@ -107,7 +101,7 @@ TEST_F(SequenceEditorFixture, TheGridWithTheFocusFramesItsCurrentCell)
     EXPECT_EQ(topEdge(), grid->palette().color(QPalette::HighlightedText));
 }
 
-TEST_F(SequenceEditorFixture, PortAndBaudChoicesWriteTheSettingWordAtOnce)
+TEST_F(SequenceEditorFixture, PortAndBaudChoicesWriteTheSettingWordAtOnceAndTheListSortsAndFilters)
 {
     open();
     QTest::keyClick(get("testerPortlst"), Qt::Key_Down); // port 1 at 2400 baud
@@ -115,18 +109,11 @@ TEST_F(SequenceEditorFixture, PortAndBaudChoicesWriteTheSettingWordAtOnce)
     EXPECT_EQ(seq.setting, 0x09);
     QTest::keyClick(get("testerPortlst"), Qt::Key_Up); // no port: no baud rate
     EXPECT_TRUE(seq.setting == 0 && get<QComboBox>("baudRatelst")->currentIndex() == -1);
-}
-
-TEST_F(SequenceEditorFixture, AHeaderPressSortsAndTheFilterFilters)
-{
-    open();
+    // A header press sorts and the filter filters.
     QHeaderView *head = get<QTableView>("instList")->horizontalHeader();
     QTest::mouseClick(head->viewport(), Qt::LeftButton, {}, QPoint(head->sectionSize(0) / 2, head->height() / 2));
     EXPECT_EQ(column("instList", 0), QStringList({"5", "2", "1"}));
-    whenModal([](QWidget *filter) {
-        child<QComboBox>(filter, "lstBasicCat")->setCurrentText("Electrical");
-        ::click(filter, "btnOk");
-    });
+    whenModal([](QWidget *filter) { child<QComboBox>(filter, "lstBasicCat")->setCurrentText("Electrical"), ::click(filter, "btnOk"); });
     click("btnFilter");
     EXPECT_EQ(column("instList", 0), QStringList({"1"}));
 }
@@ -148,8 +135,7 @@ TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenReloadsAndRefre
 TEST_F(SequenceEditorFixture, OkStoresTheTitlesUpperCasedButKeepsAnUnusedOne)
 {
     open();
-    get<QLineEdit>("title1txt")->clear();
-    get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
+    get<QLineEdit>("title1txt")->clear(), get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
     click("btnOk");
     EXPECT_EQ(std::string(seq.title1, 19), "ABC" + std::string(15, ' ') + '\0');
     seq.makeUnused();
@@ -172,8 +158,6 @@ TEST_F(SequenceEditorFixture, PrintPrintsTheTitlesAsOkWouldStoreThemAndReportsWh
     seq = sequence("A", "B", {1});
     open().pdf = appDir.dir().path() / "absent" / "printed.pdf";
     click("btnPrint");
-    EXPECT_EQ(sink.messages,
-              (std::vector<Message>{
-                  {"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.", MsgIcon::Information},
-                  {"Printing Error", "An error occurred while printing.\nPrint operation aborted."}}));
+    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.", MsgIcon::Information},
+                                                   {"Printing Error", "An error occurred while printing.\nPrint operation aborted."}}));
 }
