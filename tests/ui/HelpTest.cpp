@@ -64,12 +64,9 @@ TEST(Help, PlacementKeepsTheWholeWindowInTheFreeAreaOfTheAskersScreen)
 {
     const QMargins titleBarAndBorders(4, 30, 4, 4);
     const QRect secondScreen(1920, 0, 1280, 984), smallScreen(0, 0, 640, 440);
-    const std::pair<QRect, QRect> askerOnScreen[] = {
-        {{1920, 684, 400, 300}, secondScreen}, // bottom left
-        {{3000, -50, 400, 300}, secondScreen}, // top right, partly off the screen
-        {{2300, 300, 400, 300}, secondScreen}, // room all round
-        {{100, 100, 400, 300}, smallScreen},
-    };
+    // Bottom left, top right partly off the screen, room all round, a small screen.
+    const std::pair<QRect, QRect> askerOnScreen[] = {{{1920, 684, 400, 300}, secondScreen}, {{3000, -50, 400, 300}, secondScreen},
+                                                     {{2300, 300, 400, 300}, secondScreen}, {{100, 100, 400, 300}, smallScreen}};
     for (const auto &[asker, available] : askerOnScreen) {
         const QRect placed = THelpWindow::placement(asker, available);
         EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders)) && placed.intersects(asker)) << asker.x() << "," << asker.y();
@@ -82,24 +79,17 @@ TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
 {
     AppDirScope appDir;
     THelpWindow window(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
-    window.show();
-    window.activateWindow();
+    window.show(), window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    auto *back = child<QToolButton>(&window, "btnBack");
-    auto *forward = child<QToolButton>(&window, "btnForward");
-    const QUrl first = window.browser()->source();
-    const QUrl second = first.resolved(QUrl("sequenceEditor.html"));
+    auto *back = child<QToolButton>(&window, "btnBack"), *forward = child<QToolButton>(&window, "btnForward");
+    const QUrl first = window.browser()->source(), second = first.resolved(QUrl("sequenceEditor.html"));
     window.browser()->setSource(second);
 
     struct Step { std::function<void()> act; QUrl page; bool backEnabled, forwardEnabled; };
-    const Step steps[] = {
-        {[] {}, second, true, false},
-        {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
-        // With the focus off the page too.
-        {[&] { forward->setFocus(); QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
-        {[&] { back->click(); }, first, false, true},
-        {[&] { forward->click(); }, second, true, false},
-    };
+    const Step steps[] = { // Alt+Right with the focus off the page too
+        {[] {}, second, true, false}, {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
+        {[&] { forward->setFocus(), QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
+        {[&] { back->click(); }, first, false, true}, {[&] { forward->click(); }, second, true, false}};
     for (const Step &step : steps) {
         step.act();
         EXPECT_EQ(std::tuple(window.browser()->source(), back->isEnabled(), forward->isEnabled()),
