@@ -14,8 +14,7 @@ struct SelectorFixture : ::testing::Test {
     void store(const std::vector<std::pair<QString, QVariant>> &values, bool clear = false) const
     {
         QSettings settings(ini(), QSettings::IniFormat);
-        if (clear)
-            settings.clear();
+        clear ? settings.clear() : void();
         for (const auto &[key, value] : values)
             settings.setValue(key, value);
     }

@@ -10,22 +10,13 @@ const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 const Chars letters(alphabet.begin(), alphabet.end());
 
 struct FilterDialog {
-    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}},
-                        {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
+    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}}, {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
     TcategoryMap descriptors{{'B', "Electrical"}, {'K', ""}};
     Tfilter filter;
     TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
 
     template <typename T = QWidget> T *get(const char *name) { return child<T>(&form, name); }
-    QStringList items(const char *name)
-    {
-        if (auto *combo = form.findChild<QComboBox *>(name))
-            return comboTexts(combo);
-        QStringList texts; // a list
-        for (QListWidgetItem *item : get<QListWidget>(name)->findItems("*", Qt::MatchWildcard))
-            texts << item->text();
-        return texts;
-    }
+    QStringList items(const char *name) { return modelTexts(form.findChild<QComboBox *>(name) ? get<QComboBox>(name)->model() : get<QListWidget>(name)->model()); }
     void clickBox(const char *name, int row) // where a user clicks: on the check box
     {
         auto *list = get<QListWidget>(name);

@@ -23,13 +23,7 @@ struct FrameFixture : ::testing::Test, FrameHost {
     std::unique_ptr<TAutoSeqEditFrame> makeFrame() { return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink); }
     // A frame over the sample data set.
     std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame() { return appDir.writeCompleteDataSet(sampleInspections(), testerNames()), makeFrame(); }
-    static QStringList rootTexts(QWidget *frame)
-    {
-        QStringList texts;
-        for (QTreeWidgetItem *root : child<QTreeWidget>(frame, "LstUTS")->findItems("*", Qt::MatchWildcard))
-            texts << root->text(0);
-        return texts;
-    }
+    static QStringList rootTexts(QWidget *frame) { return modelTexts(child<QTreeWidget>(frame, "LstUTS")->model()); }
     // Shows the frame at its design size on the tester tab, for real mouse clicks.
     static QTreeWidget *showTesterTab(QWidget *frame)
     {

@@ -89,20 +89,18 @@ void mouseClick(const QObject *parent, const char *name)
         QTest::mouseClick(found, Qt::LeftButton, {}, found->rect().center());
 }
 
-namespace {
-QStringList texts(const QAbstractItemModel *model, int column = 0)
+QStringList modelTexts(const QAbstractItemModel *model, int column)
 {
     QStringList found;
     for (int r = 0; model && r < model->rowCount(); ++r)
         found << model->index(r, column).data().toString();
     return found;
 }
-} // namespace
 
-QStringList columnTexts(const QTableView *grid, int column) { return texts(grid->model(), column); }
-QStringList comboTexts(const QComboBox *list) { return texts(list->model()); }
-QStringList comboTexts(const QObject *parent, const char *list) { return texts(child<QComboBox>(parent, list)->model()); }
-QStringList listTexts(QWidget *frame) { return texts(child<QListWidget>(frame, "lstIP")->model()); }
+QStringList columnTexts(const QTableView *grid, int column) { return modelTexts(grid->model(), column); }
+QStringList comboTexts(const QComboBox *list) { return modelTexts(list->model()); }
+QStringList comboTexts(const QObject *parent, const char *list) { return modelTexts(child<QComboBox>(parent, list)->model()); }
+QStringList listTexts(QWidget *frame) { return modelTexts(child<QListWidget>(frame, "lstIP")->model()); }
 
 QStringList numberTexts(int count)
 {

@@ -64,7 +64,8 @@ template <class T = QWidget> T *child(const QObject *parent, const char *name)
 void click(const QObject *parent, const char *button);
 void mouseClick(const QObject *parent, const char *name);
 
-// The texts of a grid column (top to bottom), of a drop-down list, of the frame's inspection list; "1" to "count".
+// The texts of a model's column (top to bottom), of a grid column, of a drop-down list, of the frame's inspection list; "1" to "count".
+QStringList modelTexts(const QAbstractItemModel *model, int column = 0);
 QStringList columnTexts(const QTableView *grid, int column);
 QStringList comboTexts(const QComboBox *list);
 QStringList comboTexts(const QObject *parent, const char *list);
