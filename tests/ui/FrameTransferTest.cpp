@@ -23,9 +23,8 @@ struct GuiThreadMessageSink : RecordingMessageSink {
     }
 };
 
-const char *const InternalError =
-    "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
-    "If this error persists, please contact the system vendor.";
+const char *const InternalError = "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
+                                  "If this error persists, please contact the system vendor.";
 struct FrameTransfer : ::testing::Test, FrameHost {
     GuiThreadMessageSink sink;
 
