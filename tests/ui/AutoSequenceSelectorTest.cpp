@@ -1,18 +1,10 @@
-// The autosequence selector: its controls, the number list following the type,
-// the starting choice, and what OK and Cancel leave to read.
+// The autosequence selector: the number list follows the type; the starting choice, OK and Cancel.
 #include "TautoSequenceSelector.h"
 #include "UiTestSupport.h"
-#include <QComboBox>
-#include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
-struct WithApplication {
-    WithApplication() { ensureApplication(); }
-};
-
-struct AutoSequenceSelectorFixture : ::testing::Test, WithApplication {
+struct AutoSequenceSelectorFixture : ::testing::Test {
+    const bool applicationFirst = (ensureApplication(), true); // before the widget
     TautoSequenceSelector selector{nullptr, {{"PHY", "Physical Inspection", 18}, {"UT1", "User Tester 1", 12},
                                              {"NON", "Nothing Yet", 0}}};
     QStringList items(const char *name) { return comboTexts(&selector, name); }
@@ -30,16 +22,13 @@ TEST_F(AutoSequenceSelectorFixture, OpensOnTheFirstTypeAndTheNumberListFollowsTh
     EXPECT_EQ(items("autoSequenceNumber"), numberTexts(12));
     EXPECT_EQ(selector.number(), 1);
     QTest::keyClick(type, Qt::Key_Down);
-    EXPECT_TRUE(items("autoSequenceNumber").isEmpty());
-    EXPECT_EQ(selector.number(), 0);
-    EXPECT_EQ(selector.commandText(), "");
+    EXPECT_TRUE(items("autoSequenceNumber").isEmpty() && selector.number() == 0 && selector.commandText() == "");
 }
 
 TEST_F(AutoSequenceSelectorFixture, StartsFromAGivenChoiceAndOkOrCancelEndIt)
 {
     selector.select("UT1", 7);
-    EXPECT_EQ(selector.typeIndex(), 1);
-    EXPECT_EQ(selector.commandText(), "UT107");
+    EXPECT_TRUE(selector.typeIndex() == 1 && selector.commandText() == "UT107");
     selector.select("XYZ", 30); // unknown type, number out of its range
     EXPECT_EQ(selector.commandText(), "PHY01");
 

@@ -1,32 +1,14 @@
-// The category editor: the letters it offers, its empty start, and what OK and
-// Cancel leave in the descriptor table.
+// The category editor: the letters it offers, its empty start, what OK and Cancel leave in the table.
 #include "TcategoryEditorForm.h"
 #include "UiTestSupport.h"
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
-using Answer = std::function<void(QComboBox *letters, QLineEdit *name, QWidget *dialog)>;
-
 // Runs the editor; `answer` works its controls and ends it.
-int runEditor(TcategoryMap &map, char letter, int mode, Answer answer)
+int runEditor(TcategoryMap &map, char letter, int mode, std::function<void(QComboBox *, QLineEdit *, QWidget *)> answer)
 {
     ensureApplication();
-    whenModal([answer](QWidget *d) {
-        answer(d->findChild<QComboBox *>("categoryDesignator"), d->findChild<QLineEdit *>("txtName"), d);
-    });
+    whenModal([answer](QWidget *d) { answer(child<QComboBox>(d, "categoryDesignator"), child<QLineEdit>(d, "txtName"), d); });
     return TcategoryEditorForm::run(&map, letter, mode);
-}
-
-QString items(const QComboBox *combo)
-{
-    QString letters;
-    for (int i = 0; i < combo->count(); ++i)
-        letters += combo->itemText(i);
-    return letters;
 }
 } // namespace
 
@@ -34,7 +16,7 @@ TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
 {
     TcategoryMap map{{'B', "Electrical"}, {'K', "Leakage"}};
     EXPECT_EQ(runEditor(map, 'K', TcategoryEditorForm::NewCategory, [](auto *letters, auto *name, auto *d) {
-        EXPECT_EQ(items(letters), "ACDEFGHIJLMNOPQRSTUVWXYZ");
+        EXPECT_EQ(comboTexts(letters).join(""), "ACDEFGHIJLMNOPQRSTUVWXYZ");
         EXPECT_EQ(name->text(), ""); // looked up under 'K' - 65, which never names a category
         QTest::keyClick(letters, Qt::Key_Down);
         QTest::keyClicks(name, "  Insulation  ");
@@ -42,11 +24,10 @@ TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
     }), 0);
     EXPECT_EQ(map['C'], "Insulation");
     EXPECT_EQ(map.size(), 27u); // every letter was looked up, and the shifted key
-
     for (char c = 'A'; c <= 'Z'; ++c)
         map[c] = std::string("Name ") + c;
     EXPECT_EQ(runEditor(map, 'A', TcategoryEditorForm::NewCategory, [](auto *letters, auto *name, auto *d) {
-        EXPECT_EQ(items(letters), "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+        EXPECT_EQ(comboTexts(letters).join(""), "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
         QTest::keyClick(letters, Qt::Key_End);
         EXPECT_EQ(name->text(), "Name Z");
         QTest::keyClicks(name, "!");
@@ -55,21 +36,25 @@ TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
     EXPECT_EQ(map['Z'], "Name Z!");
 }
 
-TEST(CategoryEditor, EditModeFixesTheLetterCleansTheNameAndABlankOneClearsIt)
+// The cleaning itself is the typed-name rule's, checked there; a blank name clears it, and
+// only characters the descriptor file can hold are taken, typed or pasted.
+TEST(CategoryEditor, EditModeFixesTheLetterCleansTheNameAndTakesOnlyWhatTheFileCanHold)
 {
-    // The cleaning itself is the typed-name rule's, checked there.
-    const std::pair<QString, std::string> cases[] = {{"", ""}, {"Line one\nZ, injected\x7f", "Line one Z, injected"}};
-    for (const auto &[typedName, stored] : cases) {
-        const QString typed = typedName;
+    const std::tuple<QString, QString, std::string> cases[] = { // typed, pasted, stored
+        {"", "", ""}, {"", "Line one\nZ, injected\x7f", "Line one Z, injected"},
+        {QString::fromUtf8("Ω tests €5"), QString::fromUtf8("→x"), "tests \x80" "5x"}};
+    for (const auto &[typed, pasted, stored] : cases) {
         TcategoryMap map{{'D', "Dielectric"}};
-        EXPECT_EQ(runEditor(map, 'D', TcategoryEditorForm::EditCategory, [typed](auto *letters, auto *name, auto *d) {
-            EXPECT_EQ(items(letters), "D");
+        EXPECT_EQ(runEditor(map, 'D', TcategoryEditorForm::EditCategory, [typed, pasted](auto *letters, auto *name, auto *d) {
+            EXPECT_EQ(comboTexts(letters), QStringList{"D"});
             EXPECT_FALSE(letters->isEnabled());
             EXPECT_EQ(name->text(), "");
-            name->insert(typed);
+            for (const QString &key : typed.split(QString(), Qt::SkipEmptyParts))
+                QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
+            name->insert(pasted);
             mouseClick(d, "btnOK");
         }), 0);
-        EXPECT_EQ(map.at('D'), stored) << typed.toStdString();
+        EXPECT_EQ(map.at('D'), stored) << pasted.toStdString();
     }
 }
 
@@ -83,16 +68,4 @@ TEST(CategoryEditor, CancelKeepsTheInsertedLookUpsButNoName)
     EXPECT_EQ(map.size(), 27u); // 'A'..'Z' and 'B' - 65, all empty
     EXPECT_EQ(map.at('\x01') + map.at('A') + map.at('B') + map.at('Z'), "");
     EXPECT_EQ(TcategoryEditorForm::run(nullptr, 'A', TcategoryEditorForm::NewCategory), -1);
-}
-
-TEST(CategoryEditor, TheNameTakesOnlyCharactersTheDescriptorFileCanHold)
-{
-    TcategoryMap map;
-    EXPECT_EQ(runEditor(map, 'M', TcategoryEditorForm::EditCategory, [](auto *, auto *name, auto *d) {
-        for (const QString &key : QString::fromUtf8("Ω tests €5").split(QString(), Qt::SkipEmptyParts))
-            QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
-        name->insert(QString::fromUtf8("→x")); // pasted
-        mouseClick(d, "btnOK");
-    }), 0);
-    EXPECT_EQ(map.at('M'), "tests \x80" "5x");
 }

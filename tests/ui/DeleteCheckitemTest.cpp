@@ -1,10 +1,6 @@
 // The warning before a checkitem is deleted: the reference search's lines (tested in the core), "No" first, the answer.
 #include "TdeleteInstructionFrm.h"
 #include "UiTestSupport.h"
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 struct Answered { bool result = false; QString lines; bool focusOnNo = false; };
@@ -29,14 +25,11 @@ TEST(DeleteCheckitem, ListsTheAffectedSequencesAndFollowsTheAnswer)
 {
     AppDirScope app;
     Answered answered = confirm(app, "btnNo");
-    EXPECT_TRUE(answered.result); // without autosequence files the answer does not count
-    EXPECT_EQ(answered.lines, "No Autosequences Found!");
+    EXPECT_TRUE(answered.result && answered.lines == "No Autosequences Found!"); // without autosequence files the answer does not count
 
     app.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward A", {sequence("CABLE", "", {7})}));
     answered = confirm(app, "btnYes");
-    EXPECT_TRUE(answered.result);
+    EXPECT_TRUE(answered.result && answered.focusOnNo);
     EXPECT_EQ(answered.lines, "Physical Inspections - Ward A\n  CABLE" + QString(13, ' ') + " - " + QString(18, ' '));
-    EXPECT_TRUE(answered.focusOnNo);
-    EXPECT_FALSE(confirm(app, "btnNo").result);
-    EXPECT_FALSE(confirm(app, nullptr).result);
+    EXPECT_FALSE(confirm(app, "btnNo").result || confirm(app, nullptr).result);
 }

@@ -1,38 +1,22 @@
-// The checkitem filter dialog: its lists, and how every choice on either page
-// rewrites the filter's sets at once, OK and Cancel alike.
+// The checkitem filter dialog: its lists, and every choice on either page rewriting the sets at once.
 #include "TInstrDatabase.h"
+#include "Thrown.h"
 #include "UiTestSupport.h"
 #include "asEdFilterPopup.h"
-#include <QComboBox>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace {
 using Chars = std::vector<char>;
-const Chars letters{'A', 'B', 'C', 'D', 'E', 'F', 'G', 'H', 'I', 'J', 'K', 'L', 'M',
-                    'N', 'O', 'P', 'Q', 'R', 'S', 'T', 'U', 'V', 'W', 'X', 'Y', 'Z'};
+const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+const Chars letters(alphabet.begin(), alphabet.end());
 
 struct FilterDialog {
-    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}},
-                        {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
+    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}}, {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
     TcategoryMap descriptors{{'B', "Electrical"}, {'K', ""}};
     Tfilter filter;
     TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
 
     template <typename T = QWidget> T *get(const char *name) { return child<T>(&form, name); }
-    QStringList items(const char *name)
-    {
-        auto *combo = form.findChild<QComboBox *>(name); // else a list
-        const QAbstractItemModel *model = combo ? combo->model() : get<QListWidget>(name)->model();
-        QStringList texts;
-        for (int i = 0; i < model->rowCount(); ++i)
-            texts << model->index(i, 0).data().toString();
-        return texts;
-    }
+    QStringList items(const char *name) { return modelTexts(form.findChild<QComboBox *>(name) ? get<QComboBox>(name)->model() : get<QListWidget>(name)->model()); }
     void clickBox(const char *name, int row) // where a user clicks: on the check box
     {
         auto *list = get<QListWidget>(name);
@@ -70,13 +54,9 @@ TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
     // Opening sets only the mode, and hands the op names to the database.
     EXPECT_TRUE(d.filter.checklistMode && d.filter.categorySet.empty() && d.filter.opSet.empty());
     EXPECT_EQ(TInstrDatabase::nameOf('D'), "D - Dielectric");
-    try {
-        TinstructionFilterForm form(nullptr, false, nullptr, &d.descriptors, &d.filter);
-        FAIL();
-    } catch (const TinstructionFilterException &e) {
-        EXPECT_EQ(e.what() + std::string("|") + e.file, "Invalid Checkitem Name List|asEdFilterPopup");
-        EXPECT_GT(e.line, 0);
-    }
+    const auto e = thrown<TinstructionFilterException>([&] { TinstructionFilterForm(nullptr, false, nullptr, &d.descriptors, &d.filter); });
+    EXPECT_EQ(e.value().what() + std::string("|") + e.value().file, "Invalid Checkitem Name List|asEdFilterPopup");
+    EXPECT_GT(e.value().line, 0);
 }
 
 TEST(FilterDialog, EveryChoiceOnEitherPageRewritesBothSets)
@@ -84,30 +64,27 @@ TEST(FilterDialog, EveryChoiceOnEitherPageRewritesBothSets)
     ensureApplication();
     FilterDialog d;
     d.form.show();
+    using Sets = std::pair<Chars, Chars>;
+    const auto sets = [&d] { return Sets(d.filter.categorySet, d.filter.opSet); };
     d.key("lstBasicCat", Qt::Key_End);
     d.key("lstBasicOp", Qt::Key_End);
-    EXPECT_EQ(d.filter.categorySet, Chars{'Z'});
-    EXPECT_EQ(d.filter.opSet, Chars{'P'});
+    EXPECT_EQ(sets(), Sets({'Z'}, {'P'}));
     d.key("lstBasicCat", Qt::Key_Home);
-    EXPECT_EQ(d.filter.categorySet, letters);
-
+    EXPECT_EQ(sets(), Sets(letters, {'P'}));
     d.showPage(1); // nothing checked yet
-    EXPECT_TRUE(d.filter.categorySet.empty() && d.filter.opSet.empty());
+    EXPECT_EQ(sets(), Sets());
     for (int row : {10, 2, 10})
         d.clickBox("lstAdvCat", row);
     d.clickBox("lstAdvOp", 1);
-    EXPECT_EQ(d.filter.categorySet, Chars{'C'});
-    EXPECT_EQ(d.filter.opSet, Chars{'D'});
+    EXPECT_EQ(sets(), Sets({'C'}, {'D'}));
     d.showPage(0);
-    EXPECT_EQ(d.filter.categorySet, letters);
-    EXPECT_EQ(d.filter.opSet, Chars{'P'});
+    EXPECT_EQ(sets(), Sets(letters, {'P'}));
     d.showPage(1);
-    EXPECT_EQ(d.filter.categorySet, Chars{'C'});
+    EXPECT_EQ(sets(), Sets({'C'}, {'D'}));
 
     d.click("btnSelectAllCat");
     d.click("btnSelectAllOp");
     d.showPage(0);
     d.showPage(1); // recomputed from the boxes, so every box is checked
-    EXPECT_EQ(d.filter.categorySet, letters);
-    EXPECT_EQ(d.filter.opSet, (Chars{'A', 'D', 'M', 'P'}));
+    EXPECT_EQ(sets(), Sets(letters, {'A', 'D', 'M', 'P'}));
 }

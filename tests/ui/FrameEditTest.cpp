@@ -1,21 +1,11 @@
-// The frame's edit paths into the sequence editor: which autosequence is edited,
-// that the lists show the result, and which files are written afterwards.
+// The frame's ways into the sequence editor: which autosequence is edited, shown and saved.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QTest>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
 namespace {
-const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
-                                     "usertester3.asq", "usertester4.asq", "usertester5.asq"};
+const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq", "usertester4.asq", "usertester5.asq"};
 
 struct FrameEditFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
@@ -25,13 +15,15 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     {
         appDir.copyDemoDefinitions();
         appDir.writeData("catdes.dat", "A, Visual\n");
-        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(),
-                                     sequence("INSULATION", "", {1, 1})},
+        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(), sequence("INSULATION", "", {1, 1})},
                                     {"WARD A", "WARD B", "WARD C", "WARD D", "WARD E"});
         frame = std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
         frame->resize(792, 546);
         frame->show();
-        // Gone until a save writes them again.
+        removeFiles(); // until a save writes them again
+    }
+    void removeFiles() const
+    {
         for (const std::string &file : Files)
             std::filesystem::remove(appDir.data(file));
     }
@@ -51,8 +43,7 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
         EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), mitBytes(data.checkitems.slots()));
         EXPECT_EQ(TempDir::read(appDir.data("inspection.asq")), asqBytes("Physical Inspections", "", data.inspections));
         for (std::size_t i = 0; i < 5; ++i)
-            EXPECT_EQ(TempDir::read(appDir.data("usertester" + std::to_string(i + 1) + ".asq")),
-                      asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
+            EXPECT_EQ(TempDir::read(appDir.data(Files[i + 2])), asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
     }
     // In the editor: shows title 1, adds checkitem 1 and names title 2, then OK.
     void addAndConfirm(QString *shownTitle)
@@ -68,15 +59,10 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     // Selects the row, then double-clicks it, as a user opens a row.
     static void doubleClick(QAbstractItemView *view, QPoint at)
     {
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
-        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at), QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
         QApplication::processEvents();
     }
-    void doubleClickInspection(int row)
-    {
-        auto *list = get<QListWidget>("lstIP");
-        doubleClick(list, list->visualItemRect(list->item(row)).center());
-    }
+    void doubleClickInspection(int row) { doubleClick(get<QListWidget>("lstIP"), get<QListWidget>("lstIP")->visualItemRect(get<QListWidget>("lstIP")->item(row)).center()); }
     QTreeWidget *testerTree()
     {
         get<QTabWidget>("PageControl1")->setCurrentIndex(1);
@@ -90,8 +76,7 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
 {
     click(frame.get(), "BtnIPEdit"); // nothing selected: no editor (it would hang here), still a save
     EXPECT_EQ(writtenFiles(), Files);
-    for (const std::string &file : Files)
-        std::filesystem::remove(appDir.data(file));
+    removeFiles();
 
     get<QListWidget>("lstIP")->setCurrentRow(2);
     QString shown;
@@ -108,16 +93,36 @@ TEST_F(FrameEditFixture, EditInspectionEditsTheSelectedRowAndSavesAllThree)
     EXPECT_TRUE(sink.messages.empty());
 }
 
-// A double click edits without saving; closing the window saves what it left.
-TEST_F(FrameEditFixture, DoubleClickOnAnInspectionEditsItAndClosingTheWindowSaves)
+// A double click, Return or the keypad's Enter edits without saving; Edit Sequence saves; closing the window saves.
+TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButtonSaves)
 {
-    QString shown;
-    addAndConfirm(&shown);
-    doubleClickInspection(1);
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
-    EXPECT_EQ(listTexts(frame.get())[1], "(UNUSED) - EDITED");
-    EXPECT_TRUE(writtenFiles().empty());
+    auto *list = get<QListWidget>("lstIP");
+    QTreeWidget *tree = testerTree();
+    tree->expandItem(tree->topLevelItem(3));
+    QApplication::processEvents();
+    QTreeWidgetItem *node = tree->topLevelItem(3)->child(0), *unusedNode = tree->topLevelItem(4)->child(5);
+    TdataSet &data = frame->dataSet();
+    const struct { std::function<void()> open; QString shown; const std::uint16_t *items; int added; bool saves; } ways[] = {
+        {[&] { doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()}); },
+         "LEAKAGE", data.userTesters[3].sequences[0].items, 1, false},
+        {[&] { tree->setCurrentItem(unusedNode); QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier); },
+         "(UNUSED)", data.userTesters[4].sequences[5].items, 0, false},
+        {[&] { click(frame.get(), "BtnUTSEdit"); }, "(UNUSED)", data.userTesters[4].sequences[5].items, 1, true},
+        {[&] { get<QTabWidget>("PageControl1")->setCurrentIndex(0); list->setCurrentRow(1); QTest::keyClick(list, Qt::Key_Return); },
+         "(UNUSED)", data.inspections[1].items, 0, false},
+        {[&] { doubleClickInspection(2); }, "INSULATION", data.inspections[2].items, 2, false}};
+    for (const auto &way : ways) {
+        QString shown;
+        addAndConfirm(&shown);
+        way.open();
+        EXPECT_EQ(shown, way.shown);
+        EXPECT_EQ(way.items[way.added], 1) << shown.toStdString();
+        EXPECT_EQ(writtenFiles(), way.saves ? Files : std::vector<std::string>{}) << shown.toStdString();
+        removeFiles();
+    }
+    EXPECT_EQ(data.userTesters[2].sequences[0].items[1], 0);
+    EXPECT_EQ(node->text(0) + "|" + unusedNode->text(0), "1. LEAKAGE - EDITED|6. (UNUSED) - EDITED");
+    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "(UNUSED) - EDITED", "INSULATION - EDITED"}));
     frame->close();
     EXPECT_EQ(writtenFiles(), Files);
     expectFilesHoldTheDataSet();
@@ -138,57 +143,6 @@ TEST_F(FrameEditFixture, TheEditorsSaveOperationWritesTheAutosequencesButNotTheC
     const std::vector<std::string> autosequenceFiles(Files.begin() + 1, Files.end());
     EXPECT_EQ(writtenWhileOpen, autosequenceFiles);
     EXPECT_EQ(writtenFiles(), autosequenceFiles);
-}
-
-TEST_F(FrameEditFixture, DoubleClickOnATesterSequenceEditsThatSequenceWithoutSaving)
-{
-    QTreeWidget *tree = testerTree();
-    QTreeWidgetItem *node = tree->topLevelItem(3)->child(0);
-    tree->expandItem(tree->topLevelItem(3));
-    QApplication::processEvents();
-    QString shown;
-    addAndConfirm(&shown);
-    doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()});
-    EXPECT_EQ(shown, "LEAKAGE");
-    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
-    EXPECT_EQ(frame->dataSet().userTesters[2].sequences[0].items[1], 0);
-    EXPECT_EQ(node->text(0), "1. LEAKAGE - EDITED");
-    EXPECT_TRUE(writtenFiles().empty());
-}
-
-// Return and the keypad's Enter open the selected entry as a double click does, and save nothing either.
-TEST_F(FrameEditFixture, EnterOnASelectedInspectionOrTesterSequenceEditsItWithoutSaving)
-{
-    auto *list = get<QListWidget>("lstIP");
-    list->setCurrentRow(1);
-    QString shown;
-    addAndConfirm(&shown);
-    QTest::keyClick(list, Qt::Key_Return);
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().inspections[1].items[0], 1);
-
-    QTreeWidget *tree = testerTree();
-    tree->setCurrentItem(tree->topLevelItem(3)->child(0));
-    addAndConfirm(&shown);
-    QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier);
-    EXPECT_EQ(shown, "LEAKAGE");
-    EXPECT_EQ(frame->dataSet().userTesters[3].sequences[0].items[1], 1);
-    EXPECT_TRUE(writtenFiles().empty());
-}
-
-TEST_F(FrameEditFixture, EditSequenceOnATesterSequenceEditsItAndSavesAllThree)
-{
-    QTreeWidget *tree = testerTree();
-    QTreeWidgetItem *node = tree->topLevelItem(4)->child(5);
-    tree->setCurrentItem(node);
-    QString shown;
-    addAndConfirm(&shown);
-    click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(shown, "(UNUSED)");
-    EXPECT_EQ(frame->dataSet().userTesters[4].sequences[5].items[0], 1);
-    EXPECT_EQ(node->text(0), "6. (UNUSED) - EDITED");
-    EXPECT_EQ(writtenFiles(), Files);
-    expectFilesHoldTheDataSet();
 }
 
 TEST_F(FrameEditFixture, MissingDefinitionFilesStopTheEditorWithItsMessage)

@@ -1,5 +1,4 @@
-// The frame's start-up, lists, clear, rename and save triggers, driven through
-// its controls by objectName, with messages recorded.
+// The frame's start-up, lists, clear, rename and save triggers, driven through its controls.
 #include "AutoSequenceEditorFrame.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
@@ -7,22 +6,9 @@
 #include "TseqTitleEditForm.h"
 #include "TtreeNodeDelegate.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QClipboard>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QTest>
-#include <QTimer>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
 namespace {
-const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.",
-                           MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task};
+const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.", MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task};
 
 std::vector<Tautosequence> sampleInspections()
 {
@@ -34,24 +20,10 @@ std::vector<std::string> testerNames() { return {"WARD A", "   ", "WARD C", "WAR
 struct FrameFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
 
-    std::unique_ptr<TAutoSeqEditFrame> makeFrame()
-    {
-        return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
-    }
+    std::unique_ptr<TAutoSeqEditFrame> makeFrame() { return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink); }
     // A frame over the sample data set.
-    std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame()
-    {
-        appDir.writeCompleteDataSet(sampleInspections(), testerNames());
-        return makeFrame();
-    }
-    static QStringList rootTexts(QWidget *frame)
-    {
-        QStringList texts;
-        auto *tree = child<QTreeWidget>(frame, "LstUTS");
-        for (int i = 0; i < tree->topLevelItemCount(); ++i)
-            texts << tree->topLevelItem(i)->text(0);
-        return texts;
-    }
+    std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame() { return appDir.writeCompleteDataSet(sampleInspections(), testerNames()), makeFrame(); }
+    static QStringList rootTexts(QWidget *frame) { return modelTexts(child<QTreeWidget>(frame, "LstUTS")->model()); }
     // Shows the frame at its design size on the tester tab, for real mouse clicks.
     static QTreeWidget *showTesterTab(QWidget *frame)
     {
@@ -62,53 +34,34 @@ struct FrameFixture : ::testing::Test, FrameHost {
         return child<QTreeWidget>(frame, "LstUTS");
     }
     std::string read(const std::string &name) const { return appDir.readData(name); }
+    // The name form's caption, label and name.
+    static QString saysAndShows(QWidget *form)
+    {
+        return form->windowTitle() + "|" + child<QLabel>(form, "Label1")->text() + "|" + child<QLineEdit>(form, "sequenceTitle")->text();
+    }
 };
 } // namespace
 
-// The boxes' texts and order are the data set's, checked there.
-TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesAndUsesDefaults)
+// The boxes, the defaults and the row texts are the data set's and the list texts', checked there;
+// the lists' wiring over a complete data set is checked with every edit.
+TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesShowsTheDefaultsAndWritesNothing)
 {
     auto frame = makeFrame();
     EXPECT_EQ(sink.messages.size(), 4u);
-    EXPECT_EQ(frame->dataSet().checkitems.size(), 1044u);
-    EXPECT_EQ(frame->dataSet().checklists.size(), 500u);
     EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    EXPECT_EQ(tree->topLevelItem(4)->child(11)->text(0), "12. <unused>");
-    EXPECT_TRUE(tree->topLevelItem(4)->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
     EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
                                                    "iv. USER TESTER 6", "v. USER TESTER 8"}));
-    // Nothing is written at load time.
     EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
-}
-
-TEST_F(FrameFixture, CompleteDataSetShowsListAndTreeTextsWithoutMessages)
-{
-    auto frame = makeSampleFrame();
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "<unused>", "INSULATION - "}));
-    // A blank name is repaired in memory with the one-based number.
-    EXPECT_EQ(frame->dataSet().userTesters[1].name, "USER TESTER 2");
-    auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
-    QTreeWidgetItem *first = tree->topLevelItem(0);
-    ASSERT_EQ(first->childCount(), 12);
-    EXPECT_EQ(first->child(0)->text(0), "1. LEAKAGE - CLASS 1");
-    EXPECT_EQ(first->child(11)->text(0), "12. <unused>");
-    EXPECT_FALSE(first->child(0)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
-    EXPECT_TRUE(first->child(11)->data(0, TtreeNodeDelegate::UnusedRole).toBool());
-    EXPECT_EQ(child<QListWidget>(frame.get(), "lstIP")->currentRow(), -1);
 }
 
 TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
 {
     const QColor silver(192, 192, 192), white(255, 255, 255), black(0, 0, 0);
-    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", true), silver);
-    EXPECT_EQ(TlistRowDelegate::fontColour("<unused>", false), silver);
-    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", true), white);
-    EXPECT_EQ(TlistRowDelegate::fontColour("A - B", false), black);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(true, true), silver);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, true), white);
-    EXPECT_EQ(TtreeNodeDelegate::fontColour(false, false), black);
+    EXPECT_EQ((QList<QColor>{TlistRowDelegate::fontColour("<unused>", true), TlistRowDelegate::fontColour("<unused>", false),
+                             TlistRowDelegate::fontColour("A - B", true), TlistRowDelegate::fontColour("A - B", false),
+                             TtreeNodeDelegate::fontColour(true, true), TtreeNodeDelegate::fontColour(false, true),
+                             TtreeNodeDelegate::fontColour(false, false)}),
+              (QList<QColor>{silver, silver, white, black, silver, white, black}));
 }
 
 // The Edit button on a tester: OK keeps a stored name longer than the form takes,
@@ -123,14 +76,10 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     tree->setCurrentItem(tree->topLevelItem(3));
     QString shown;
-    whenModal([&](QWidget *form) {
-        shown = child<QLineEdit>(form, "sequenceTitle")->text();
-        click(form, "Button2");
-    });
+    whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button2"); });
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(shown, QString::fromStdString(names[3]));
-    EXPECT_EQ(frame->dataSet().userTesters[3].name, names[3]);
-    EXPECT_EQ(tree->topLevelItem(3)->text(0), "iv. THE LONG NAMED WARD ON FLOOR 7");
+    EXPECT_EQ(shown, QString::fromStdString("Tester Name Editor|Tester Name|" + names[3]));
+    EXPECT_TRUE(frame->dataSet().userTesters[3].name == names[3] && tree->topLevelItem(3)->text(0) == "iv. THE LONG NAMED WARD ON FLOOR 7");
 
     tree->setCurrentItem(tree->topLevelItem(2));
     bool focused = false;
@@ -138,38 +87,19 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
         auto *edit = child<QLineEdit>(form, "sequenceTitle");
         // The focus arrives with the form's activation, which may follow its showing.
         focused = QTest::qWaitFor([edit] { return QApplication::focusWidget() == edit; });
-        if (!focused) {
-            form->close();
-            return;
-        }
-        QTest::keyClicks(edit, " EAST");
-        QTest::keyClick(edit, Qt::Key_Return);
+        focused ? QTest::keyClicks(edit, " EAST"), QTest::keyClick(edit, Qt::Key_Return) : void(form->close());
     });
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_TRUE(focused);
-    EXPECT_EQ(frame->dataSet().userTesters[2].name, "WARD C EAST");
+    EXPECT_TRUE(focused && frame->dataSet().userTesters[2].name == "WARD C EAST");
 
-    QString caption, label;
-    whenModal([&](QWidget *form) {
-        caption = form->windowTitle();
-        label = child<QLabel>(form, "Label1")->text();
-        child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")); // pasted
-        click(form, "Button2");
-    });
+    whenModal([&](QWidget *form) { child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")), click(form, "Button2"); }); // pasted
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_EQ(caption, "Tester Name Editor");
-    EXPECT_EQ(label, "Tester Name");
-    EXPECT_EQ(frame->dataSet().userTesters[2].name, "ICU CAF\xC9");
-    EXPECT_EQ(tree->topLevelItem(2)->text(0), QString::fromUtf8("iii. ICU CAF\u00c9"));
+    EXPECT_TRUE(frame->dataSet().userTesters[2].name == "ICU CAF\xC9" && tree->topLevelItem(2)->text(0) == QString::fromUtf8("iii. ICU CAF\u00c9"));
     EXPECT_TRUE(sink.messages.empty());
 
-    // Written from the documented layouts: the tester files carry the names.
-    const TdataSet &data = frame->dataSet();
-    EXPECT_EQ(read("usertester3.asq"), asqBytes("User Tester Autosequences", "ICU CAF\xC9", data.userTesters[2].sequences));
-    EXPECT_EQ(read("usertester2.asq"), asqBytes("User Tester Autosequences", "USER TESTER 2", data.userTesters[1].sequences));
-    EXPECT_EQ(read("usertester4.asq"), asqBytes("User Tester Autosequences", names[3], data.userTesters[3].sequences));
-    EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", sampleInspections()));
-    EXPECT_EQ(read("mit.dat"), mitBytes(data.checkitems.slots()));
+    // The save's layout is checked with the return button; here the names reach the files.
+    EXPECT_EQ(read("usertester3.asq").substr(64, 8) + read("usertester4.asq").substr(64, 30), "ICU CAF\xC9" + names[3]);
+    EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")) && std::filesystem::exists(appDir.data("inspection.asq")));
 }
 
 TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerNameStays)
@@ -179,26 +109,19 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     auto *edit = form.findChild<QLineEdit *>("sequenceTitle");
     QTest::keyClicks(edit, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
     EXPECT_EQ(edit->text(), "ABCDEFGHIJKLMNOPQRST");
-
-    QApplication::clipboard()->setText("12345678901234567890123");
-    edit->selectAll();
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), "12345678901234567890");
-    EXPECT_EQ(edit->cursorPosition(), 20);
-
-    // Into the middle of a shorter name: the start of the pasted text, up to the limit.
-    edit->setText("WARD  EAST");
-    edit->setCursorPosition(5);
-    QApplication::clipboard()->setText("NUMBER 12 AND MORE");
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), "WARD NUMBER 12  EAST");
-    EXPECT_EQ(edit->cursorPosition(), 15);
-
-    // A name is saved in Windows-1252: what it cannot hold is refused, not saved as a blank.
-    edit->setText("BAY");
-    QApplication::clipboard()->setText(QString::fromUtf8(" \u0394\u00C4\u03A9"));
-    QTest::keySequence(edit, QKeySequence::Paste);
-    EXPECT_EQ(edit->text(), QString::fromUtf8("BAY \u00C4"));
+    // Over all, into the middle of a shorter name (the start of the pasted text, up to the limit), and
+    // in Windows-1252, where what it cannot hold is refused, not saved as a blank.
+    const struct { QString before; int caret; QString pasted, after; int caretAfter; } pastes[] = {
+        {"ABC", -1, "12345678901234567890123", "12345678901234567890", 20},
+        {"WARD  EAST", 5, "NUMBER 12 AND MORE", "WARD NUMBER 12  EAST", 15},
+        {"BAY", 3, QString::fromUtf8(" \u0394\u00C4\u03A9"), QString::fromUtf8("BAY \u00C4"), 5}};
+    for (const auto &p : pastes) {
+        edit->setText(p.before);
+        p.caret < 0 ? edit->selectAll() : edit->setCursorPosition(p.caret);
+        QApplication::clipboard()->setText(p.pasted);
+        QTest::keySequence(edit, QKeySequence::Paste);
+        EXPECT_EQ(edit->text() + "|" + QString::number(edit->cursorPosition()), p.after + "|" + QString::number(p.caretAfter));
+    }
 
     // A longer stored name stays whole and may shrink, but not grow.
     const QString stored = "A NAME OF TWENTY-FIVE CHR";
@@ -207,12 +130,10 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     EXPECT_EQ(longer.text(), stored);
     longEdit->end(false);
     QTest::keyClick(longEdit, Qt::Key_X);
-    EXPECT_EQ(longEdit->text(), stored);
     QApplication::clipboard()->setText("XYZ");
     QTest::keySequence(longEdit, QKeySequence::Paste);
     EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
-    EXPECT_EQ(longEdit->text(), stored.left(24));
     QTest::keyClick(longEdit, Qt::Key_X);
     EXPECT_EQ(longEdit->text(), stored.left(24));
 }
@@ -229,61 +150,36 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     const QRect row = tree->visualItemRect(root);
     const QPoint label(row.left() + 4, row.center().y()), button(row.left() - tree->indentation() / 2, row.center().y());
 
-    QString caption, labelText, shown;
+    QString shown;
     whenModal([&](QWidget *form) {
-        caption = form->windowTitle();
-        labelText = child<QLabel>(form, "Label1")->text();
+        shown = saysAndShows(form);
         child<QLineEdit>(form, "sequenceTitle")->setText("changed");
         click(form, "Button1"); // Cancel
     });
     // What a real double click delivers: press, release, then the double-click event.
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, label);
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, label);
-    EXPECT_EQ(caption, "Tester Name Editor");
-    EXPECT_EQ(labelText, "Tester Name:");
-    EXPECT_EQ(frame->dataSet().userTesters[0].name, "WARD A");
-    EXPECT_FALSE(root->isExpanded());
-    EXPECT_EQ(read("usertester1.asq"), before);
+    EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|WARD A");
+    EXPECT_TRUE(frame->dataSet().userTesters[0].name == "WARD A" && !root->isExpanded() && read("usertester1.asq") == before);
 
     tree->setCurrentItem(tree->topLevelItem(1));
-    whenModal([&](QWidget *form) {
-        shown = child<QLineEdit>(form, "sequenceTitle")->text();
-        click(form, "Button1");
-    });
+    whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button1"); });
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, button);
     EXPECT_TRUE(root->isExpanded()); // the first click of the two opens the node
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, button);
     const bool expandedAfterDoubleClick = root->isExpanded();
     QApplication::processEvents(); // the edit follows the tree's own handling
-    EXPECT_EQ(shown, "USER TESTER 2");
-    EXPECT_EQ(root->isExpanded(), expandedAfterDoubleClick);
-    EXPECT_TRUE(sink.messages.empty());
-}
-
-TEST_F(FrameFixture, HelpButtonShowsTheQuestionMarkIconAtEverySize)
-{
-    auto frame = makeFrame();
-    const QIcon icon = child<QPushButton>(frame.get(), "BtnHelp")->icon();
-    for (int size : {16, 24, 32, 48}) {
-        const QImage drawn(QStringLiteral(":/icons/help-%1.png").arg(size));
-        ASSERT_FALSE(drawn.isNull()) << size;
-        EXPECT_EQ(icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied),
-                  drawn.convertToFormat(QImage::Format_ARGB32_Premultiplied)) << size;
-    }
+    EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|USER TESTER 2");
+    EXPECT_TRUE(root->isExpanded() == expandedAfterDoubleClick && sink.messages.empty());
 }
 
 TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
 {
     auto frame = makeFrame(); // empty folder: defaults
     sink.messages.clear();
-    container.show();
-    mainView.hide();
-    frame->show();
-    child<QPushButton>(frame.get(), "BtnExit")->click();
-    EXPECT_TRUE(frame->isHidden());
-    EXPECT_FALSE(mainView.isHidden());
-    EXPECT_TRUE(container.updatesEnabled());
-    EXPECT_TRUE(sink.messages.empty());
+    container.show(), mainView.hide(), frame->show();
+    click(frame.get(), "BtnExit");
+    EXPECT_TRUE(frame->isHidden() && !mainView.isHidden() && container.updatesEnabled() && sink.messages.empty());
     const TdataSet &data = frame->dataSet();
     EXPECT_EQ(read("mit.dat"), mitBytes(std::vector<TInstr>(1044)));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", data.inspections));
@@ -325,23 +221,19 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     clickTab(1);
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(1)));
-    clickTab(0); // focus follows into the list
-    ASSERT_EQ(QApplication::focusWidget(), list);
-    ASSERT_EQ(list->currentRow(), 0); // focus made row 0 current without selecting it
-    ASSERT_TRUE(list->selectedItems().isEmpty());
+    clickTab(0);
+    // Focus follows into the list and makes row 0 current without selecting it.
+    ASSERT_TRUE(QApplication::focusWidget() == list && list->currentRow() == 0 && list->selectedItems().isEmpty());
     clickButton("BtnIPClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_FALSE(frame->dataSet().inspections[0].isUnused());
+    EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().inspections[0].isUnused());
 
     // Ctrl+click deselects the row it leaves current; a refresh keeps nothing selected.
     const QModelIndex last = list->model()->index(2, 0);
     clickRow(list, last);
     clickRow(list, last, Qt::ControlModifier);
-    ASSERT_TRUE(list->selectedItems().isEmpty());
-    ASSERT_EQ(list->currentRow(), 2);
+    ASSERT_TRUE(list->selectedItems().isEmpty() && list->currentRow() == 2);
     clickButton("BtnIPClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
+    EXPECT_TRUE(sink.messages.empty() && list->item(2)->text() == "INSULATION - ");
     frame->refreshLists(0);
     EXPECT_TRUE(list->selectedItems().isEmpty());
 
@@ -353,10 +245,8 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
     clickButton("BtnIPClear");
     EXPECT_EQ(sink.messages, (std::vector<Message>{ConfirmClear, ConfirmClear}));
-    EXPECT_EQ(list->item(2)->text(), "<unused>");
-    EXPECT_TRUE(list->item(2)->isSelected()); // the cleared row stays selected
-    const Tautosequence unused = unusedSequence();
-    EXPECT_EQ(std::memcmp(&frame->dataSet().inspections[2], &unused, sizeof unused), 0);
+    EXPECT_TRUE(list->item(2)->text() == "<unused>" && list->item(2)->isSelected()); // the cleared row stays selected
+    EXPECT_EQ(asqBytes("", "", {frame->dataSet().inspections[2]}), asqBytes("", "", {unusedSequence()}));
     EXPECT_EQ(read("inspection.asq"), before);
 }
 
@@ -367,41 +257,34 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(0))); // a tester, not a sequence
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
     tree->expandItem(tree->topLevelItem(0));
     QTreeWidgetItem *node = tree->topLevelItem(0)->child(0);
     const QModelIndex index = tree->indexFromItem(node);
+    EXPECT_FALSE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
 
     clickRow(tree, index);
     clickRow(tree, index, Qt::ControlModifier);
-    ASSERT_EQ(tree->currentItem(), node);
-    ASSERT_TRUE(tree->selectedItems().isEmpty());
+    ASSERT_TRUE(tree->currentItem() == node && tree->selectedItems().isEmpty());
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_FALSE(frame->dataSet().userTesters[0].sequences[0].isUnused());
+    EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().userTesters[0].sequences[0].isUnused());
 
     clickRow(tree, index);
     clickButton("BtnUTSClear");
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
-    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused());
-    EXPECT_EQ(frame->dataSet().userTesters[0].sequences[0].items[0], 0);
-    EXPECT_EQ(node->text(0), "1. <unused>");
-    EXPECT_TRUE(node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
+    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused() && frame->dataSet().userTesters[0].sequences[0].items[0] == 0);
+    EXPECT_TRUE(node->text(0) == "1. <unused>" && node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
 
     // The nodes stay as built when a reloaded tester file holds fewer sequences:
     // a node past them clears nothing.
-    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
-                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
+    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT", {sequence("A", "B", {1}), sequence("C", "D", {2})}));
     frame->ReloadData();
     ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
-    EXPECT_EQ(tree->topLevelItem(0)->text(0), "i. SHORT");
-    EXPECT_EQ(tree->topLevelItem(0)->child(1)->text(0), "2. C - D");
+    EXPECT_EQ(tree->topLevelItem(0)->text(0) + "|" + tree->topLevelItem(0)->child(1)->text(0), "i. SHORT|2. C - D");
     tree->setCurrentItem(tree->topLevelItem(0)->child(5));
     ASSERT_TRUE(tree->topLevelItem(0)->child(5)->isSelected());
     sink.messages.clear();
     clickButton("BtnUTSClear");
-    EXPECT_TRUE(sink.messages.empty());
-    EXPECT_EQ(frame->dataSet().userTesters[0].sequences.size(), 2u);
+    EXPECT_TRUE(sink.messages.empty() && frame->dataSet().userTesters[0].sequences.size() == 2u);
 }
 
 // Another program writes the data folder while the frame holds its copy; which
@@ -418,8 +301,6 @@ TEST_F(FrameFixture, TheFramesSaveAsksAboutAnotherProgramsChangeAndShowsTheVersi
     sink.answers = {MsgAnswer::No};
     sink.messages.clear();
     click(frame.get(), "BtnBackup");
-    ASSERT_EQ(sink.messages.size(), 1u);
-    EXPECT_EQ(sink.messages[0].caption, "Data File Changed");
-    EXPECT_EQ(read("inspection.asq"), theirs);
+    EXPECT_TRUE(sink.messages.at(0).caption == "Data File Changed" && read("inspection.asq") == theirs);
     EXPECT_TRUE(list->item(0)->text().startsWith("THEIRS")) << list->item(0)->text().toStdString();
 }

@@ -6,12 +6,6 @@
 #include "TInstrDatabase.h"
 #include "autoSequenceEditForm.h"
 #include "UiTestSupport.h"
-#include <QApplication>
-#include <QPushButton>
-#include <QScreen>
-#include <QToolButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 // One window per frame and per sequence editor: a second press raises it, a closed
 // one is replaced, and the owner's end closes it.
@@ -25,8 +19,7 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     mouseClick(frame.get(), "BtnHelp");
     ASSERT_EQ(helpWindows().size(), 1);
     QPointer<THelpWindow> window = helpWindows().first();
-    EXPECT_TRUE(window->topicLoaded());
-    EXPECT_TRUE(window->toPlainText().contains("Upload To KT930 and Download From KT930"));
+    EXPECT_TRUE(window->topicLoaded() && window->toPlainText().contains("Upload To KT930 and Download From KT930"));
     EXPECT_TRUE(frame->screen()->availableGeometry().contains(window->frameGeometry()));
 
     // The user goes back to the frame, then minimises the help window.
@@ -34,17 +27,14 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
     window->showMinimized();
     mouseClick(frame.get(), "BtnHelp");
-    ASSERT_EQ(helpWindows().size(), 1);
-    EXPECT_EQ(helpWindows().first(), window.data());
-    EXPECT_FALSE(window->isMinimized());
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.data()));
+    EXPECT_EQ(helpWindows(), QList<THelpWindow *>{window.data()});
+    EXPECT_TRUE(!window->isMinimized() && QTest::qWaitForWindowActive(window.data()));
 
     window->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     ASSERT_TRUE(window.isNull());
     mouseClick(frame.get(), "BtnHelp");
-    ASSERT_EQ(helpWindows().size(), 1);
-    window = helpWindows().first();
+    window = helpWindows().value(0);
     frame.reset();
     EXPECT_TRUE(window.isNull());
 
@@ -56,7 +46,7 @@ TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndThei
     click(editor.get(), "btnHelp");
     click(editor.get(), "btnHelp");
     ASSERT_EQ(helpWindows().size(), 1);
-    window = helpWindows().first();
+    window = helpWindows().value(0);
     editor.reset();
     EXPECT_TRUE(window.isNull());
 }
@@ -65,8 +55,7 @@ TEST(Help, MissingHelpFileSaysSoInTheWindow)
 {
     AppDirScope appDir;
     THelpWindow window(appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
-    EXPECT_FALSE(window.topicLoaded());
-    EXPECT_TRUE(window.toPlainText().startsWith("The help topic autoSequenceEditor.html could not be found"));
+    EXPECT_TRUE(!window.topicLoaded() && window.toPlainText().startsWith("The help topic autoSequenceEditor.html could not be found"));
 }
 
 // On any screen and wherever the asking window stands: the whole window with a title bar
@@ -75,16 +64,12 @@ TEST(Help, PlacementKeepsTheWholeWindowInTheFreeAreaOfTheAskersScreen)
 {
     const QMargins titleBarAndBorders(4, 30, 4, 4);
     const QRect secondScreen(1920, 0, 1280, 984), smallScreen(0, 0, 640, 440);
-    const std::pair<QRect, QRect> askerOnScreen[] = {
-        {{1920, 684, 400, 300}, secondScreen}, // bottom left
-        {{3000, -50, 400, 300}, secondScreen}, // top right, partly off the screen
-        {{2300, 300, 400, 300}, secondScreen}, // room all round
-        {{100, 100, 400, 300}, smallScreen},
-    };
+    // Bottom left, top right partly off the screen, room all round, a small screen.
+    const std::pair<QRect, QRect> askerOnScreen[] = {{{1920, 684, 400, 300}, secondScreen}, {{3000, -50, 400, 300}, secondScreen},
+                                                     {{2300, 300, 400, 300}, secondScreen}, {{100, 100, 400, 300}, smallScreen}};
     for (const auto &[asker, available] : askerOnScreen) {
         const QRect placed = THelpWindow::placement(asker, available);
-        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders))) << asker.x() << "," << asker.y();
-        EXPECT_TRUE(placed.intersects(asker)) << asker.x() << "," << asker.y();
+        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders)) && placed.intersects(asker)) << asker.x() << "," << asker.y();
     }
     EXPECT_EQ(THelpWindow::placement(askerOnScreen[2].first, secondScreen).center(), askerOnScreen[2].first.center());
 }
@@ -94,29 +79,21 @@ TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
 {
     AppDirScope appDir;
     THelpWindow window(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
-    window.show();
-    window.activateWindow();
+    window.show(), window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    auto *back = child<QToolButton>(&window, "btnBack");
-    auto *forward = child<QToolButton>(&window, "btnForward");
-    const QUrl first = window.browser()->source();
-    const QUrl second = first.resolved(QUrl("sequenceEditor.html"));
+    auto *back = child<QToolButton>(&window, "btnBack"), *forward = child<QToolButton>(&window, "btnForward");
+    const QUrl first = window.browser()->source(), second = first.resolved(QUrl("sequenceEditor.html"));
     window.browser()->setSource(second);
 
     struct Step { std::function<void()> act; QUrl page; bool backEnabled, forwardEnabled; };
-    const Step steps[] = {
-        {[] {}, second, true, false},
-        {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
-        // With the focus off the page too.
-        {[&] { forward->setFocus(); QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
-        {[&] { back->click(); }, first, false, true},
-        {[&] { forward->click(); }, second, true, false},
-    };
+    const Step steps[] = { // Alt+Right with the focus off the page too
+        {[] {}, second, true, false}, {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
+        {[&] { forward->setFocus(), QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
+        {[&] { back->click(); }, first, false, true}, {[&] { forward->click(); }, second, true, false}};
     for (const Step &step : steps) {
         step.act();
-        EXPECT_EQ(window.browser()->source(), step.page);
-        EXPECT_EQ(back->isEnabled(), step.backEnabled);
-        EXPECT_EQ(forward->isEnabled(), step.forwardEnabled);
+        EXPECT_EQ(std::tuple(window.browser()->source(), back->isEnabled(), forward->isEnabled()),
+                  std::tuple(step.page, step.backEnabled, step.forwardEnabled));
     }
     EXPECT_FALSE(back->icon().isNull());
 }

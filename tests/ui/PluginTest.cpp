@@ -1,11 +1,7 @@
-// The plug-in library as the host sees it: loaded with dlopen from the
-// application folder, its exports called in the host's order.
+// The plug-in library as the host sees it: loaded with dlopen, its exports called in the host's order.
 #include "UiTestSupport.h"
 #include "VAROAutoSeqEditor.h"
-#include <QListWidget>
-#include <QPushButton>
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 namespace {
 template <class T> T resolve(void *library, const char *name)
@@ -34,45 +30,31 @@ TEST(PluginExports, CallingOrderResultsAndStoredHostPointers)
     auto setup = resolve<TsetupProc>(library, "setup");
     auto getMainForm = resolve<TformProc>(library, "getMainForm");
     QWidget view1, view2, container;
-    TPluginHostInfo first, second;
-    first.mainView = &view1;
-    first.container = &container;
-    second.mainView = &view2;
-    second.container = &container;
+    TPluginHostInfo first{&view1, &container}, second{&view2, &container};
     int opaque = 0;
-    EXPECT_EQ(setup(&first, &opaque), 0);
-    EXPECT_EQ(setup(nullptr, &opaque), -1);
-    EXPECT_EQ(setup(&second, nullptr), -1);
+    EXPECT_EQ((std::vector<int>{setup(&first, &opaque), setup(nullptr, &opaque), setup(&second, nullptr)}), (std::vector<int>{0, -1, -1}));
 
     // The frame returns to the view of the record that was in force when it was made.
-    Tkt930Frame *frameA = getMainForm();
-    Tkt930Frame *frameB = getMainForm();
-    ASSERT_NE(frameA, nullptr);
-    ASSERT_NE(frameB, nullptr);
-    EXPECT_NE(frameA, frameB);
+    std::unique_ptr<Tkt930Frame> frameA(getMainForm()), frameB(getMainForm());
+    ASSERT_TRUE(frameA && frameB && frameA != frameB);
     EXPECT_EQ(setup(&second, &opaque), 0);
-    Tkt930Frame *frameC = getMainForm();
+    std::unique_ptr<Tkt930Frame> frameC(getMainForm());
     view1.hide();
     view2.hide();
-    frameA->findChild<QPushButton *>("BtnExit")->click();
-    EXPECT_FALSE(view1.isHidden());
-    EXPECT_TRUE(view2.isHidden());
-    frameC->findChild<QPushButton *>("BtnExit")->click();
+    click(frameA.get(), "BtnExit");
+    EXPECT_TRUE(!view1.isHidden() && view2.isHidden());
+    click(frameC.get(), "BtnExit");
     EXPECT_FALSE(view2.isHidden());
     // ReloadData through the contract's virtual: the reloaded frame shows what is
     // on disk now, the other keeps its working copy.
-    auto firstRow = [](Tkt930Frame *frame) { return frame->findChild<QListWidget *>("lstIP")->item(0)->text(); };
-    EXPECT_EQ(firstRow(frameA), "EARTH - BOND");
+    EXPECT_EQ(listTexts(frameA.get()), QStringList{"EARTH - BOND"});
     appDir.writeData("inspection.asq", asqBytes("Physical Inspections", "", {sequence("INSULATION", "500 V", {2})}));
     frameA->ReloadData();
-    EXPECT_EQ(firstRow(frameA), "INSULATION - 500 V");
-    EXPECT_EQ(firstRow(frameB), "EARTH - BOND");
+    EXPECT_EQ(listTexts(frameA.get()) + listTexts(frameB.get()), (QStringList{"INSULATION - 500 V", "EARTH - BOND"}));
 
     EXPECT_EQ(*resolve<void **>(library, "_AutoSeqEditFrame"), nullptr);
     EXPECT_EQ(resolve<TshutdownProc>(library, "pshutdown")(), 0);
-    delete frameA;
-    delete frameB;
-    delete frameC;
+    frameA.reset(), frameB.reset(), frameC.reset();
     resolve<TpackageProc>(library, "Finalize")();
     resolve<TpackageProc>(library, "Finalize")();
 }

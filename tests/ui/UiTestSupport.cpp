@@ -1,16 +1,6 @@
 #include "UiTestSupport.h"
 #include "ByteBuilder.h"
 #include "THelpWindow.h"
-#include <QApplication>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTableView>
-#include <QTest>
-#include <gtest/gtest.h>
-#include <QTimer>
-#include <QWidget>
 #include <cstdlib>
 
 void ensureApplication()
@@ -18,10 +8,9 @@ void ensureApplication()
     static int argc = 1;
     static char name[] = "test_ui";
     static char *argv[] = {name, nullptr};
-    static QApplication *app = nullptr;
-    if (!app) {
+    if (!qApp) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        app = new QApplication(argc, argv);
+        new QApplication(argc, argv);
         QApplication::setApplicationName(QStringLiteral("kt930pc"));
     }
 }
@@ -33,10 +22,7 @@ AppDirScope::AppDirScope()
     setenv("KT930PC_APPDIR", m_dir.path().c_str(), 1);
 }
 
-AppDirScope::~AppDirScope()
-{
-    unsetenv("KT930PC_APPDIR");
-}
+AppDirScope::~AppDirScope() { unsetenv("KT930PC_APPDIR"); }
 
 std::string asqBytes(const std::string &title, const std::string &subtitle, const std::vector<Tautosequence> &records)
 {
@@ -49,10 +35,7 @@ std::string asqBytes(const std::string &title, const std::string &subtitle, cons
 
 std::string mitBytes(const std::vector<TInstr> &slots)
 {
-    std::string out;
-    for (const TInstr &slot : slots)
-        out.append(reinterpret_cast<const char *>(&slot), sizeof slot);
-    return out;
+    return std::string(reinterpret_cast<const char *>(slots.data()), slots.size() * sizeof(TInstr));
 }
 
 Tautosequence sequence(const std::string &title1, const std::string &title2, std::vector<std::uint16_t> items)
@@ -60,10 +43,8 @@ Tautosequence sequence(const std::string &title1, const std::string &title2, std
     Tautosequence s;
     Tautosequence::setTitle(s.title1, title1);
     Tautosequence::setTitle(s.title2, title2);
-    for (std::size_t i = 0; i < items.size(); ++i)
-        s.items[i] = items[i];
-    if (items.size() < Tautosequence::ItemCount)
-        s.items[items.size()] = 0;
+    items.resize(std::max<std::size_t>(items.size(), Tautosequence::ItemCount), 0);
+    std::copy_n(items.begin(), Tautosequence::ItemCount, s.items);
     return s;
 }
 
@@ -84,8 +65,7 @@ void AppDirScope::writeCompleteDataSet(const std::vector<Tautosequence> &inspect
     for (std::size_t i = 0; i < testerNames.size(); ++i) {
         std::vector<Tautosequence> sequences(12, unusedSequence());
         sequences[0] = sequence("LEAKAGE", "CLASS " + std::to_string(i + 1), {1});
-        writeData("usertester" + std::to_string(i + 1) + ".asq",
-                  asqBytes("User Tester Autosequences", testerNames[i], sequences));
+        writeData("usertester" + std::to_string(i + 1) + ".asq", asqBytes("User Tester Autosequences", testerNames[i], sequences));
     }
     writeData("testProc.asq", asqBytes("Checklists", "", {sequence("CHECKLIST", "ONE", {1})}));
 }
@@ -109,17 +89,25 @@ void mouseClick(const QObject *parent, const char *name)
         QTest::mouseClick(found, Qt::LeftButton, {}, found->rect().center());
 }
 
-std::string bytesOf(const TInstr &record)
+QStringList modelTexts(const QAbstractItemModel *model, int column)
 {
-    return std::string(reinterpret_cast<const char *>(&record), sizeof record);
+    QStringList found;
+    for (int r = 0; model && r < model->rowCount(); ++r)
+        found << model->index(r, column).data().toString();
+    return found;
 }
 
-QStringList columnTexts(const QTableView *grid, int column)
+QStringList columnTexts(const QTableView *grid, int column) { return modelTexts(grid->model(), column); }
+QStringList comboTexts(const QComboBox *list) { return modelTexts(list->model()); }
+QStringList comboTexts(const QObject *parent, const char *list) { return modelTexts(child<QComboBox>(parent, list)->model()); }
+QStringList listTexts(QWidget *frame) { return modelTexts(child<QListWidget>(frame, "lstIP")->model()); }
+
+QStringList numberTexts(int count)
 {
-    QStringList texts;
-    for (int r = 0; r < grid->model()->rowCount(); ++r)
-        texts << grid->model()->index(r, column).data().toString();
-    return texts;
+    QStringList found;
+    for (int n = 1; n <= count; ++n)
+        found << QString::number(n);
+    return found;
 }
 
 QList<THelpWindow *> helpWindows()
@@ -129,37 +117,6 @@ QList<THelpWindow *> helpWindows()
         if (auto *help = qobject_cast<THelpWindow *>(w); help && help->isVisible())
             found << help;
     return found;
-}
-
-QStringList comboTexts(const QComboBox *list)
-{
-    QStringList texts;
-    for (int i = 0; i < list->count(); ++i)
-        texts << list->itemText(i);
-    return texts;
-}
-
-QStringList comboTexts(const QObject *parent, const char *list)
-{
-    auto *box = child<QComboBox>(parent, list);
-    return box ? comboTexts(box) : QStringList();
-}
-
-QStringList numberTexts(int count)
-{
-    QStringList texts;
-    for (int n = 1; n <= count; ++n)
-        texts << QString::number(n);
-    return texts;
-}
-
-QStringList listTexts(QWidget *frame)
-{
-    QStringList texts;
-    auto *list = frame->findChild<QListWidget *>("lstIP");
-    for (int i = 0; list && i < list->count(); ++i)
-        texts << list->item(i)->text();
-    return texts;
 }
 
 void whenTrue(std::function<bool()> condition, std::function<void()> action)
@@ -189,11 +146,11 @@ void connectByEthernet(const std::string &address, std::function<void()> then)
 {
     whenModal([address, then](QWidget *selector) {
         EXPECT_EQ(selector->windowTitle(), "Communication Settings");
-        selector->findChild<QRadioButton *>("radEthernet")->click();
+        click(selector, "radEthernet");
         const QStringList octets = QString::fromStdString(address).split('.');
         for (int i = 0; i < 4; ++i)
-            selector->findChild<QLineEdit *>(QStringLiteral("IP%1").arg(i + 1))->setText(octets.value(i));
-        selector->findChild<QPushButton *>("btnConnect")->click();
+            child<QLineEdit>(selector, QStringLiteral("IP%1").arg(i + 1).toLatin1().constData())->setText(octets.value(i));
+        click(selector, "btnConnect");
         if (then)
             then();
     });

@@ -6,9 +6,8 @@
 #include "TempDir.h"
 #include "Tautosequence.h"
 #include "VAROAutoSeqEditor.h"
-#include <QStringList>
-#include <QComboBox>
-#include <QWidget>
+#include <QTest>
+#include <QtWidgets>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
@@ -31,29 +30,23 @@ public:
     // The demo folder's op code definitions (*.in), and its catdes.dat if asked.
     void copyDemoDefinitions(bool withDescriptors = false) const;
     // mit.dat, inspection.asq, usertester1..5.asq, testProc.asq, all valid.
-    void writeCompleteDataSet(const std::vector<Tautosequence> &inspections,
-                              const std::vector<std::string> &testerNames) const;
+    void writeCompleteDataSet(const std::vector<Tautosequence> &inspections, const std::vector<std::string> &testerNames) const;
 
 private:
     TempDir m_dir;
 };
 
-// Bytes of an .asq file: 64-byte title, 64-byte subtitle, u16 count, then per
-// record 64+64 title bytes, u16 setting, u16 count (24), 24 u16 items.
+// Bytes of an .asq file and of mit.dat (44 bytes a slot), from their documented layouts.
 std::string asqBytes(const std::string &title, const std::string &subtitle, const std::vector<Tautosequence> &records);
-// mit.dat: 44 bytes per slot.
 std::string mitBytes(const std::vector<TInstr> &slots);
+inline std::string bytesOf(const TInstr &record) { return mitBytes({record}); }
 Tautosequence sequence(const std::string &title1, const std::string &title2, std::vector<std::uint16_t> items = {});
 Tautosequence unusedSequence();
 
 // What a frame is made with: an application folder, and the host record with
 // its main view and the container the frame sits in.
 struct FrameHost {
-    FrameHost()
-    {
-        host.mainView = &mainView;
-        host.container = &container;
-    }
+    FrameHost() : host{&mainView, &container} {}
     AppDirScope appDir; // first: it makes the application the widgets need
     QWidget mainView, container;
     TPluginHostInfo host;
@@ -67,29 +60,22 @@ template <class T = QWidget> T *child(const QObject *parent, const char *name)
     EXPECT_NE(found, nullptr) << name;
     return found;
 }
-// Presses the named button without a mouse (its click slot).
+// Presses the named button without a mouse (its click slot), or with a real left-button click in its middle.
 void click(const QObject *parent, const char *button);
-// A real left-button mouse click in the middle of the named widget.
 void mouseClick(const QObject *parent, const char *name);
 
-// The 44 bytes of a checkitem record.
-std::string bytesOf(const TInstr &record);
-// The texts of a grid column, top to bottom; an empty cell gives "".
+// The texts of a model's column (top to bottom), of a grid column, of a drop-down list, of the frame's inspection list; "1" to "count".
+QStringList modelTexts(const QAbstractItemModel *model, int column = 0);
 QStringList columnTexts(const QTableView *grid, int column);
+QStringList comboTexts(const QComboBox *list);
+QStringList comboTexts(const QObject *parent, const char *list);
+QStringList listTexts(QWidget *frame);
+QStringList numberTexts(int count);
 // The help windows on show.
 QList<THelpWindow *> helpWindows();
 
-// The entries of a drop-down list; "1" to "count".
-QStringList comboTexts(const QComboBox *list);
-QStringList comboTexts(const QObject *parent, const char *list);
-QStringList numberTexts(int count);
-
-// The rows of the frame's inspection list.
-QStringList listTexts(QWidget *frame);
-
-// Runs action once condition holds, checked from the event loop.
+// Runs action once condition holds, or on the next modal widget that becomes active, from the event loop.
 void whenTrue(std::function<bool()> condition, std::function<void()> action);
-// Runs action on the next modal widget that becomes active (from the event loop).
 void whenModal(std::function<void(QWidget *)> action);
 // Answers the next "Communication Settings" form with Ethernet to address, then
 // runs then (if any) from the event loop.
