@@ -10,9 +10,13 @@ struct CliFixture : ::testing::Test {
     CliFixture()
     {
         std::filesystem::create_directories(temp / "app");
-        std::filesystem::copy(std::string(KT930_TEST_APPDIR) + "/Data", temp / "app/Data", std::filesystem::copy_options::recursive);
+        std::filesystem::copy(std::string(KT930_TEST_APPDIR) + "/Data", temp / "app/Data",
+                              std::filesystem::copy_options::recursive);
     }
-    ProgramRun run(std::vector<std::string> arguments) { return ProgramRun::run("kt930ctl", std::move(arguments), temp.path()); }
+    ProgramRun run(std::vector<std::string> arguments)
+    {
+        return ProgramRun::run("kt930ctl", std::move(arguments), temp.path());
+    }
     // With --appdir of the copy after the arguments.
     ProgramRun ctl(std::vector<std::string> arguments)
     {
@@ -25,4 +29,7 @@ struct CliFixture : ::testing::Test {
 };
 
 // A run's exit code, output and errors, for one comparison.
-inline std::tuple<int, std::string, std::string> outcome(const ProgramRun &run) { return {run.exitCode, run.out, run.err}; }
+inline std::tuple<int, std::string, std::string> outcome(const ProgramRun &run)
+{
+    return {run.exitCode, run.out, run.err};
+}

@@ -25,11 +25,17 @@ TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
     ProgramRun result = ctl({"show"});
     EXPECT_EQ(std::pair(result.exitCode, result.err), std::pair(0, std::string()));
     EXPECT_EQ(missing(result.out, {"Load messages: none", "Checkitems (37 used):",
-                                   "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB" "0\xC2\xBB" "0.1\xC2\xBB" "0\xC2\xBB" "5",
-                                   "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER", "  1. Visual Check - Mains Lead",
-                                   "  18. <unused>", "  i. WORKSHOP BENCH", "      5. Printer Report - Serial Port 1",
+                                   "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB"
+                                   "0\xC2\xBB"
+                                   "0.1\xC2\xBB"
+                                   "0\xC2\xBB"
+                                   "5",
+                                   "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER",
+                                   "  1. Visual Check - Mains Lead", "  18. <unused>", "  i. WORKSHOP BENCH",
+                                   "      5. Printer Report - Serial Port 1",
                                    "  iii. USER TESTER 3", // blank name
-                                   "Checklists (4 used):", "  4. Incoming inspection: 8 9 36 37"}), "");
+                                   "Checklists (4 used):", "  4. Incoming inspection: 8 9 36 37"}),
+              "");
 }
 
 TEST_F(CliTest, ShowJsonAndLoadMessages)
@@ -37,12 +43,14 @@ TEST_F(CliTest, ShowJsonAndLoadMessages)
     fs::remove(data("mit.dat"));
     fs::remove(data("catdes.dat"));
     ProgramRun result = ctl({"show", "--json"});
-    for (const char *part : {"{\"caption\": \"Instruction List Error\", \"text\": \"Warning!! Corrupt Instruction List\\n"
-                             "Please restore the list from the KT930.\"}",
-                             "{\"caption\": \"ERROR\", \"text\": \"There has been an error initializing the category descriptors\\rThis will not affect",
-                             "\"checkitems\": [\n  ],", "{\"number\": 2, \"text\": \"Visual Check - Enclosure\"}",
-                             "{\"text\": \"ii. FIELD SERVICE\", \"sequences\": [\"1. Quick Check - Class I\", ",
-                             "{\"number\": 3, \"title\": \"Extension lead test\", \"items\": [2, 3, 4, 16, 20, 35]}"})
+    for (const char *part :
+         {"{\"caption\": \"Instruction List Error\", \"text\": \"Warning!! Corrupt Instruction List\\n"
+          "Please restore the list from the KT930.\"}",
+          "{\"caption\": \"ERROR\", \"text\": \"There has been an error initializing the category descriptors\\rThis "
+          "will not affect",
+          "\"checkitems\": [\n  ],", "{\"number\": 2, \"text\": \"Visual Check - Enclosure\"}",
+          "{\"text\": \"ii. FIELD SERVICE\", \"sequences\": [\"1. Quick Check - Class I\", ",
+          "{\"number\": 3, \"title\": \"Extension lead test\", \"items\": [2, 3, 4, 16, 20, 35]}"})
         EXPECT_NE(result.out.find(part), std::string::npos) << part << "\nnot in\n" << result.out;
 }
 
@@ -51,8 +59,10 @@ TEST_F(CliTest, ExportWritesTheUsedCheckitemsOrEverySlot)
     const fs::path csv = temp / "list.csv";
     ASSERT_EQ(ctl({"export-csv", csv.string()}).exitCode, 0);
     std::string text = TempDir::read(csv);
-    EXPECT_EQ(text.substr(0, 41) + missing(text, {"E,L,EB\t0\t0.1\t0\t5", " ,K,Test complete"}), "A,K,Disconnect the device from the mains\n");
-    EXPECT_EQ(std::pair(std::count(text.begin(), text.end(), '\n'), text.find('\0')), std::pair(37L, std::string::npos)); // the demo's
+    EXPECT_EQ(text.substr(0, 41) + missing(text, {"E,L,EB\t0\t0.1\t0\t5", " ,K,Test complete"}),
+              "A,K,Disconnect the device from the mains\n");
+    EXPECT_EQ(std::pair(std::count(text.begin(), text.end(), '\n'), text.find('\0')),
+              std::pair(37L, std::string::npos)); // the demo's
     ASSERT_EQ(ctl({"export-csv", csv.string(), "--all"}).exitCode, 0);
     text = TempDir::read(csv);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1044);
@@ -68,7 +78,9 @@ TEST_F(CliTest, ImportFailuresSayWhyAndChangeNothingOrSaveWhatFitted)
     fs::create_directories(temp / "folder.csv");
     for (const char *name : {"missing.csv", "folder.csv"})
         EXPECT_EQ(outcome(ctl({"import-csv", (temp / name).string()})),
-                  std::tuple(1, "", "ERROR\nAn error occurred while importing the checkitems.\nAn error code of -1 was returned - File I/O Error.\n"))
+                  std::tuple(1, "",
+                             "ERROR\nAn error occurred while importing the checkitems.\nAn error code of -1 was "
+                             "returned - File I/O Error.\n"))
             << name;
     EXPECT_EQ(TempDir::read(data("mit.dat")), before);
     std::string lines;
@@ -76,12 +88,15 @@ TEST_F(CliTest, ImportFailuresSayWhyAndChangeNothingOrSaveWhatFitted)
         lines += "P,K,Step " + std::to_string(i) + "\n";
     temp.write("many.csv", lines);
     ProgramRun result = ctl({"import-csv", (temp / "many.csv").string()});
-    EXPECT_EQ(std::pair(result.exitCode, result.err),
-              std::pair(1, std::string("OVERFLOW\nWARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the "
-                                       "checkitem database to\ninsert all of the checkitems from the specified file.\n")));
+    EXPECT_EQ(
+        std::pair(result.exitCode, result.err),
+        std::pair(1, std::string("OVERFLOW\nWARNING!\n\nNot all checkitems could be imported because there\nwas "
+                                 "insufficient space in the "
+                                 "checkitem database to\ninsert all of the checkitems from the specified file.\n")));
     const std::string after = TempDir::read(data("mit.dat"));
     EXPECT_EQ(after.substr(0, 37 * 44), before.substr(0, 37 * 44));
-    EXPECT_EQ(after.substr(37 * 44, 44) + after.substr(1043 * 44), ByteBuilder::checkitem('P', 'K', "Step 0") + ByteBuilder::checkitem('P', 'K', "Step 1006"));
+    EXPECT_EQ(after.substr(37 * 44, 44) + after.substr(1043 * 44),
+              ByteBuilder::checkitem('P', 'K', "Step 0") + ByteBuilder::checkitem('P', 'K', "Step 1006"));
 }
 
 // Each refusal says why before the usage; an option's value is never the next option, and an option counts once.
@@ -120,7 +135,9 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
     ::unsetenv("XDG_DATA_HOME");
     ::unsetenv("KT930PC_APPDIR");
     const std::string ctl = (usr / "bin/kt930ctl").string();
-    auto installed = [&](std::vector<std::string> arguments) { return ProgramRun::runTool(ctl, std::move(arguments), temp.path()); };
+    auto installed = [&](std::vector<std::string> arguments) {
+        return ProgramRun::runTool(ctl, std::move(arguments), temp.path());
+    };
 
     EXPECT_EQ(outcome(installed({"where"})),
               std::tuple(0, "application folder: " + userFolder.string() + " (not there yet)\n"
@@ -133,38 +150,51 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
                          std::string()));
     ProgramRun first = installed({"show"});
     EXPECT_EQ(std::pair(first.exitCode, first.err),
-              std::pair(0, "kt930ctl: there is no data folder " + (userFolder / "Data").string() + " yet: reading the shipped defaults in "
-                               + (usr / "share/kt930pc/Data").string() + "\n"));
+              std::pair(0, "kt930ctl: there is no data folder " + (userFolder / "Data").string() +
+                               " yet: reading the shipped defaults in " + (usr / "share/kt930pc/Data").string() +
+                               "\n"));
     fs::create_directories(temp / "cwd");
-    EXPECT_EQ(ProgramRun::runTool("env", {"-C", (temp / "cwd").string(), ctl, "show", "--appdir", "rel/app"}, temp.path()).out, first.out);
+    EXPECT_EQ(
+        ProgramRun::runTool("env", {"-C", (temp / "cwd").string(), ctl, "show", "--appdir", "rel/app"}, temp.path())
+            .out,
+        first.out);
     EXPECT_FALSE(fs::exists(home / ".local"));
     EXPECT_TRUE(fs::is_empty(temp / "cwd"));
 
     temp.write("empty.csv", "");
     ProgramRun seeding = installed({"import-csv", (temp / "empty.csv").string()});
-    EXPECT_EQ(std::pair(seeding.exitCode, seeding.err.substr(0, seeding.err.find('\n') + 1)),
-              std::pair(0, "kt930ctl: Your data folder " + userFolder.string()
-                               + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n"));
+    EXPECT_EQ(
+        std::pair(seeding.exitCode, seeding.err.substr(0, seeding.err.find('\n') + 1)),
+        std::pair(
+            0,
+            "kt930ctl: Your data folder " + userFolder.string() +
+                " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.\n"));
     EXPECT_EQ(TempDir::read(userFolder / "Data/mit.dat"), TempDir::read(usr / "share/kt930pc/Data/mit.dat"));
     EXPECT_EQ(installed({"show"}).out, first.out);
-    EXPECT_EQ(missing(installed({"where", "--appdir", appDir()}).out, {"application folder: " + appDir(), "  because --appdir was given"}), "");
+    EXPECT_EQ(missing(installed({"where", "--appdir", appDir()}).out,
+                      {"application folder: " + appDir(), "  because --appdir was given"}),
+              "");
 }
 
 // Added after the used checkitems, the rest of the table unchanged.
 TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
 {
-    const std::string before = TempDir::read(data("mit.dat")), into = "Imported 0 checkitems into " + data("mit.dat").string();
+    const std::string before = TempDir::read(data("mit.dat")),
+                      into = "Imported 0 checkitems into " + data("mit.dat").string();
     const std::tuple<std::string, int, std::string> cases[] = {
         {"E,L,EB\t0\t0.5\t0\t5\nlower,M,IR\t500\t10\r\nnot a checkitem line\nnor this\n", 0,
-         "Imported 2 checkitems into " + data("mit.dat").string() + "; skipped 2 lines that are not category,op code,command\n"},
+         "Imported 2 checkitems into " + data("mit.dat").string() +
+             "; skipped 2 lines that are not category,op code,command\n"},
         {"no comma\n", 1, into + "; skipped 1 line that is not category,op code,command\n"},
         {"", 0, into + "\n"},
         {"A,Z,zap\nA,Z,zap\n,0,x\nA,Z,zap\nA,Z,zap\nA,Z,zap\nA,Z,zap\n", 1,
-         into + "; skipped 7 lines with an op code that no definition file knows: line 1 (Z), line 2 (Z), line 3 (0), line 4 (Z), "
+         into + "; skipped 7 lines with an op code that no definition file knows: line 1 (Z), line 2 (Z), line 3 (0), "
+                "line 4 (Z), "
                 "line 5 (Z) and 2 more\n"},
         {"B,Z,zap\nA,K,ok\nno comma\n,0,x\n", 0,
-         "Imported 1 checkitems into " + data("mit.dat").string() + "; skipped 3 lines: 1 that is not category,op code,command, 2 with an "
-         "op code that no definition file knows: line 1 (Z), line 4 (0)\n"},
+         "Imported 1 checkitems into " + data("mit.dat").string() +
+             "; skipped 3 lines: 1 that is not category,op code,command, 2 with an "
+             "op code that no definition file knows: line 1 (Z), line 4 (0)\n"},
     };
     for (const auto &[csv, exitCode, out] : cases) {
         temp.write("in.csv", csv);
@@ -172,8 +202,9 @@ TEST_F(CliTest, ImportSkipsCountsAndNamesLinesItCannotStore)
         EXPECT_EQ(std::pair(result.exitCode, result.out), std::pair(exitCode, out));
     }
     const std::string after = TempDir::read(data("mit.dat"));
-    EXPECT_EQ(after.substr(0, 38 * 44) + after.substr(39 * 44), before.substr(0, 37 * 44) + ByteBuilder::checkitem('E', 'L', "EB\t0\t0.5\t0\t5")
-                                                                    + ByteBuilder::checkitem('A', 'K', "ok") + before.substr(40 * 44));
+    EXPECT_EQ(after.substr(0, 38 * 44) + after.substr(39 * 44),
+              before.substr(0, 37 * 44) + ByteBuilder::checkitem('E', 'L', "EB\t0\t0.5\t0\t5") +
+                  ByteBuilder::checkitem('A', 'K', "ok") + before.substr(40 * 44));
 }
 
 TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWriteAndOfAnUnreadableFile)
@@ -184,10 +215,12 @@ TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWriteAndOfAnUnreadableFile)
     fs::resize_file(data("inspection.asq"), 100);
     ProgramRun result = ctl({"show"});
     ASSERT_EQ(result.exitCode, 0);
-    EXPECT_NE(result.out.find("\nData folder warnings:\n  Data folder " + folder + " is writable by other users: run chmod go-w " + folder
-                              + "\n  Data file " + tester + " is writable by other users: run chmod go-w " + tester + "\n  "
-                              + data("inspection.asq").string() + " could not be read: before a save replaces it, its content is kept as "
-                                                                  "inspection.asq.unreadable-<date>-<time> beside it.\n\nCheckitems"),
+    EXPECT_NE(result.out.find("\nData folder warnings:\n  Data folder " + folder +
+                              " is writable by other users: run chmod go-w " + folder + "\n  Data file " + tester +
+                              " is writable by other users: run chmod go-w " + tester + "\n  " +
+                              data("inspection.asq").string() +
+                              " could not be read: before a save replaces it, its content is kept as "
+                              "inspection.asq.unreadable-<date>-<time> beside it.\n\nCheckitems"),
               std::string::npos)
         << result.out;
 }
@@ -195,11 +228,13 @@ TEST_F(CliTest, ShowWarnsOfADataFolderOrFileOthersMayWriteAndOfAnUnreadableFile)
 TEST_F(CliTest, AnUnreadableApplicationFolderIsSaidPlainly)
 {
     const std::string file = temp.write("file", "not a folder").string();
-    for (std::vector<std::string> arguments : {std::vector<std::string>{"show"}, {"export-csv", (temp / "out.csv").string()}}) {
+    for (std::vector<std::string> arguments :
+         {std::vector<std::string>{"show"}, {"export-csv", (temp / "out.csv").string()}}) {
         const std::string command = arguments[0];
         arguments.insert(arguments.end(), {"--appdir", file});
-        EXPECT_EQ(outcome(run(arguments)),
-                  std::tuple(1, "", "kt930ctl " + command + ": the application folder " + file + " cannot be read (Not a directory)\n"));
+        EXPECT_EQ(outcome(run(arguments)), std::tuple(1, "",
+                                                      "kt930ctl " + command + ": the application folder " + file +
+                                                          " cannot be read (Not a directory)\n"));
     }
 }
 
@@ -222,16 +257,22 @@ TEST_F(CliRestore, AnImportIsUndoneByteForByteAndTheUndoIsListedAndUndoable)
     const auto imported = dataFiles();
     const std::string importTime = timeOf(1);
     EXPECT_EQ(ctl({"restore-points"}).out, "  1  " + importTime + "  import  mit.dat\n");
-    EXPECT_EQ(outcome(ctl({"restore", "2"})), std::tuple(1, "", "kt930ctl restore: There is no restore point 2; the restore points are 1 to 1.\n"));
+    EXPECT_EQ(outcome(ctl({"restore", "2"})),
+              std::tuple(1, "", "kt930ctl restore: There is no restore point 2; the restore points are 1 to 1.\n"));
     ProgramRun notANumber = ctl({"restore", "1x"});
-    EXPECT_EQ(std::pair(notANumber.exitCode, notANumber.err.rfind("kt930ctl restore: \"1x\" is not a restore point number\nUsage: kt930ctl restore N", 0)),
+    EXPECT_EQ(std::pair(notANumber.exitCode,
+                        notANumber.err.rfind(
+                            "kt930ctl restore: \"1x\" is not a restore point number\nUsage: kt930ctl restore N", 0)),
               std::pair(2, std::size_t(0)));
     EXPECT_EQ(dataFiles(), imported);
 
-    EXPECT_EQ(ctl({"restore", "1"}).out, "Restored from restore point 1 (" + importTime + ", replaced by import): mit.dat\n"
-                                         "The files this replaced are now restore point 1; kt930ctl restore 1 undoes this.\n");
+    EXPECT_EQ(ctl({"restore", "1"}).out,
+              "Restored from restore point 1 (" + importTime +
+                  ", replaced by import): mit.dat\n"
+                  "The files this replaced are now restore point 1; kt930ctl restore 1 undoes this.\n");
     EXPECT_EQ(dataFiles(), before);
-    EXPECT_EQ(ctl({"restore-points"}).out, "  1  " + timeOf(1) + "  restore 1 (" + importTime + ")  mit.dat\n  2  " + importTime + "  import  mit.dat\n");
+    EXPECT_EQ(ctl({"restore-points"}).out, "  1  " + timeOf(1) + "  restore 1 (" + importTime + ")  mit.dat\n  2  " +
+                                               importTime + "  import  mit.dat\n");
     ASSERT_EQ(ctl({"restore", "1"}).exitCode, 0);
     EXPECT_EQ(dataFiles(), imported);
 }

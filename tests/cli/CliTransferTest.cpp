@@ -21,15 +21,19 @@ struct CliTransferTest : CliFixture {
     static std::string files(const fs::path &folder)
     {
         std::string all;
-        for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq", "usertester4.asq",
-                                 "usertester5.asq", "testProc.asq"})
+        for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
+                                 "usertester4.asq", "usertester5.asq", "testProc.asq"})
             all += name + (fs::exists(folder / name) ? ": " + TempDir::read(folder / name) : std::string("-")) + "\n";
         return all;
     }
-    void givePcTheDemoSet() { fs::copy(DemoData, temp / "app/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive); }
+    void givePcTheDemoSet()
+    {
+        fs::copy(DemoData, temp / "app/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive);
+    }
     std::unique_ptr<TsimProcess> startSimulator(const std::string &at, std::vector<std::string> extra = {})
     {
-        extra.insert(extra.end(), {"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
+        extra.insert(extra.end(), {"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory",
+                                   (temp / "memory.bin").string()});
         auto sim = std::make_unique<TsimProcess>(extra);
         EXPECT_TRUE(sim->waitForLog("ready")) << sim->log();
         return sim;
@@ -46,7 +50,8 @@ TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUp
     auto sim = startSimulator(at);
     EXPECT_EQ(outcome(ctl({"download", "--ethernet", at})),
               std::tuple(0, "Downloaded the data set into " + pc + "\n",
-                         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nGetting Checklists\nCompleted!\n"));
+                         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nGetting "
+                         "Checklists\nCompleted!\n"));
     EXPECT_EQ(files(pc), files(DemoData));
     ASSERT_EQ(ctl({"sync", "--ethernet", at}).exitCode, 0);
     ASSERT_EQ(ctl({"upload", "--ethernet", at}).exitCode, 0);
@@ -60,8 +65,10 @@ TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 {
     const std::string before = files(pc);
     EXPECT_EQ(outcome(ctl({"download", "--ethernet", address(4)})),
-              std::tuple(1, "", "Initializing\nInitiating Handshake\nEthernet Connection Error\nAn error occurred while attempting to connect."
-                                "\nOperation Canceled.\nError\nTimeout Error.\nOperation Canceled.\n"));
+              std::tuple(1, "",
+                         "Initializing\nInitiating Handshake\nEthernet Connection Error\nAn error occurred while "
+                         "attempting to connect."
+                         "\nOperation Canceled.\nError\nTimeout Error.\nOperation Canceled.\n"));
     EXPECT_EQ(files(pc), before);
 }
 
@@ -74,8 +81,9 @@ TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
     auto faulty = startSimulator(at, {"--fault", "wrong-store=3@PUIN", "--fault", "wrong-store=20@PASQ"});
     ProgramRun result = ctl({"upload", "--verify", "--ethernet", at});
     EXPECT_EQ(result.exitCode, 3);
-    EXPECT_TRUE(result.err.ends_with("Completed!\nkt930ctl upload --verify: the analyzer holds something else than was sent, first at "
-                                     "checkitem 19 (byte 792 of the checkitem area)\n"))
+    EXPECT_TRUE(result.err.ends_with(
+        "Completed!\nkt930ctl upload --verify: the analyzer holds something else than was sent, first at "
+        "checkitem 19 (byte 792 of the checkitem area)\n"))
         << result.err;
     EXPECT_EQ(files(pc), before);
 }
@@ -91,17 +99,20 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
     temp.write("app/Data/mit.dat", table);
     const std::string at = address(9);
     EXPECT_EQ(outcome(ctl({"upload", "--ethernet", at})),
-              std::tuple(1, "", "kt930ctl upload: not sending, checkitems with an op code that no definition file knows: slot 2 (Z), slot 20 (0) "
-                                "(--force sends them all the same)\n"));
+              std::tuple(1, "",
+                         "kt930ctl upload: not sending, checkitems with an op code that no definition file knows: slot "
+                         "2 (Z), slot 20 (0) "
+                         "(--force sends them all the same)\n"));
     auto sim = startSimulator(at);
     ASSERT_EQ(ctl({"upload", "--force", "--ethernet", at}).exitCode, 0);
     fs::remove(temp / "app/Data/usertester3.asq");
     const std::string logBefore = sim->log();
     ProgramRun refused = ctl({"upload", "--force", "--ethernet", at});
     EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_NE(refused.err.find("User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
-                               "Please restore the data from the KT930.\n"),
-              std::string::npos)
+    EXPECT_NE(
+        refused.err.find("User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
+                         "Please restore the data from the KT930.\n"),
+        std::string::npos)
         << refused.err;
     EXPECT_EQ(sim->log(), logBefore);
     sim->stop();
@@ -111,14 +122,18 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
 TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
 {
     // Only an upload is verified.
-    for (const std::vector<std::string> &arguments : {std::vector<std::string>{"download"}, {"download", "--usb", "--serial", "3"},
-                                                       {"sync", "--serial", "COM3"}, {"download", "--verify", "--ethernet", "127.0.0.1"}})
+    for (const std::vector<std::string> &arguments : {std::vector<std::string>{"download"},
+                                                      {"download", "--usb", "--serial", "3"},
+                                                      {"sync", "--serial", "COM3"},
+                                                      {"download", "--verify", "--ethernet", "127.0.0.1"}})
         EXPECT_EQ(ctl(arguments).exitCode, 2) << arguments.back();
     ProgramRun badAddress = ctl({"upload", "--ethernet", "127.0.0.256"});
-    EXPECT_EQ(std::pair(badAddress.exitCode, badAddress.err.find("Invalid IP Address!") != std::string::npos), std::pair(2, true));
+    EXPECT_EQ(std::pair(badAddress.exitCode, badAddress.err.find("Invalid IP Address!") != std::string::npos),
+              std::pair(2, true));
 }
 
-// KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the pseudo-terminal behind it is never opened.
+// KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the pseudo-terminal behind it is never
+// opened.
 TEST_F(CliTransferTest, SerialPortKeysAreTakenOnlyWhenExact)
 {
     PtyPair pty;
@@ -135,8 +150,10 @@ TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNe
     auto sim = startSimulator(at);
     temp.write("new.csv", "A,P,ADDED\n");
     const SaveUnderFaults::Files before = SaveUnderFaults::savedFiles(1);
-    const std::pair<std::vector<std::string>, int> commands[] = { // and the fewest kills
-        {{"download", "--ethernet", at}, 8 + 1}, {{"sync", "--ethernet", at}, 1}, {{"import-csv", (temp / "new.csv").string()}, 1}};
+    const std::pair<std::vector<std::string>, int> commands[] = {// and the fewest kills
+                                                                 {{"download", "--ethernet", at}, 8 + 1},
+                                                                 {{"sync", "--ethernet", at}, 1},
+                                                                 {{"import-csv", (temp / "new.csv").string()}, 1}};
     for (const auto &[arguments, minimumKills] : commands) {
         std::vector<std::string> line{(fs::path(KT930_TEST_APPDIR) / "kt930ctl").string()};
         line.insert(line.end(), arguments.begin(), arguments.end());

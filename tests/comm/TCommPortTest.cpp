@@ -128,7 +128,9 @@ TEST_F(TCommPortTest, RefusedSettingKeepsOldValueAndThrowsItsCodeAndFailsAnOpen)
     EXPECT_FALSE(port.GetConnected());
     port.SetBaudRate(19200);
     port.OpenCommPort();
-    const auto settings = [&] { return std::tuple(port.GetBaudRate(), port.GetByteSize(), port.GetParity(), port.GetStopBits()); };
+    const auto settings = [&] {
+        return std::tuple(port.GetBaudRate(), port.GetByteSize(), port.GetParity(), port.GetStopBits());
+    };
     const auto before = settings();
     EXPECT_EQ(codeOf([&] { port.SetBaudRate(12345); }), ECommError::BadBaudRate);
     EXPECT_EQ(codeOf([&] { port.SetByteSize(9); }), ECommError::BadByteSize);

@@ -63,10 +63,11 @@ TEST_F(ModuleFixture, SerialOpensThroughPortOverrideAt19200Raw)
     Module module(&holder, ModeSerial, 2000, 264, &serial, messages);
     EXPECT_EQ(module.open(), 0);
     ASSERT_EQ(tcgetattr(pty.master, &line), 0); // the master reports the slave's line
-    EXPECT_EQ(std::tuple(cfgetispeed(&line), cfgetospeed(&line), line.c_cflag & (CSIZE | PARENB | CSTOPB | CREAD | CLOCAL),
-                         line.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), line.c_iflag & (ICRNL | IXON | ISTRIP),
-                         line.c_oflag & OPOST, line.c_cc[VMIN], line.c_cc[VTIME]),
-              std::tuple(speed_t(B19200), speed_t(B19200), tcflag_t(CS8 | CREAD | CLOCAL), 0u, 0u, 0u, cc_t(0), cc_t(0)));
+    EXPECT_EQ(
+        std::tuple(cfgetispeed(&line), cfgetospeed(&line), line.c_cflag & (CSIZE | PARENB | CSTOPB | CREAD | CLOCAL),
+                   line.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), line.c_iflag & (ICRNL | IXON | ISTRIP),
+                   line.c_oflag & OPOST, line.c_cc[VMIN], line.c_cc[VTIME]),
+        std::tuple(speed_t(B19200), speed_t(B19200), tcflag_t(CS8 | CREAD | CLOCAL), 0u, 0u, 0u, cc_t(0), cc_t(0)));
     EXPECT_EQ(module.write(reinterpret_cast<const std::uint8_t *>("GESI\r"), 5), 0);
     EXPECT_EQ(pty.receive(5), "GESI\r");
     pty.send("*\r");
@@ -87,11 +88,14 @@ TEST_F(ModuleFixture, SerialOpenFailureAndOtherPortErrorsShowTheirTableEntry)
     EXPECT_THROW(module.open(), ECommError);
     for (int code : {0, 13, 17, 18, 19})
         module.onSerialError(ECommError(std::uint8_t(code), 0));
-    const Message unspecified{"Unspecified Serial Port Error", "An unspecified serial port error occurred.\rOperation Canceled."};
-    EXPECT_EQ(messages.messages, (std::vector<Message>{{"Serial Port Error", "Open Error!"}, {"Serial Port Error", "Bad Serial Port!"},
+    const Message unspecified{"Unspecified Serial Port Error",
+                              "An unspecified serial port error occurred.\rOperation Canceled."};
+    EXPECT_EQ(messages.messages, (std::vector<Message>{{"Serial Port Error", "Open Error!"},
+                                                       {"Serial Port Error", "Bad Serial Port!"},
                                                        {"Serial Port Error", "Flush File Buffers Error!"},
                                                        {"Serial Port Error", "Set Comm Timeouts Error!"},
-                                                       {"Serial Port Error", "Clear Comm Error!"}, unspecified}));
+                                                       {"Serial Port Error", "Clear Comm Error!"},
+                                                       unspecified}));
 }
 
 TEST(EthernetMessageTable, TextsPerEvent)
@@ -100,9 +104,12 @@ TEST(EthernetMessageTable, TextsPerEvent)
     const std::pair<E, Message> rows[] = {
         {E::Send, {"Ethernet Send Error", "An error occurred while attempting to send.\rOperation Canceled."}},
         {E::Receive, {"Ethernet Receive Error", "An error occurred while attempting to receive.\rOperation Canceled."}},
-        {E::Connect, {"Ethernet Connection Error", "An error occurred while attempting to connect.\rOperation Canceled."}},
-        {E::Disconnect, {"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"}},
-        {E::Accept, {"Ethernet Accept Error", "An error occurred while attempting to accept a connection.\rOperation Canceled."}},
+        {E::Connect,
+         {"Ethernet Connection Error", "An error occurred while attempting to connect.\rOperation Canceled."}},
+        {E::Disconnect,
+         {"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"}},
+        {E::Accept,
+         {"Ethernet Accept Error", "An error occurred while attempting to accept a connection.\rOperation Canceled."}},
         {E::General, {"Unspecified Ethernet Error", "An unspecified error occurred.\rOperation Canceled."}},
     };
     for (const auto &[event, message] : rows)
@@ -132,12 +139,18 @@ TEST(EthernetEvents, SocketErrorsMapToTheirEvents)
 {
     using E = TsocketEvent;
     using S = QAbstractSocket;
-    const std::tuple<S::SocketError, bool, E, E> cases[] = { // error, connecting, under way, expected
-        {S::ConnectionRefusedError, true, E::General, E::Connect}, {S::HostNotFoundError, true, E::General, E::Connect},
-        {S::SocketTimeoutError, true, E::General, E::Connect}, {S::RemoteHostClosedError, false, E::Receive, E::Disconnect},
-        {S::NetworkError, false, E::Send, E::Send}, {S::NetworkError, false, E::Receive, E::Receive},
-        {S::NetworkError, true, E::Receive, E::Connect}, {S::ProxyConnectionRefusedError, false, E::Send, E::General},
-        {S::UnknownSocketError, false, E::Receive, E::General}, {S::SocketResourceError, true, E::Receive, E::General},
+    const std::tuple<S::SocketError, bool, E, E> cases[] = {
+        // error, connecting, under way, expected
+        {S::ConnectionRefusedError, true, E::General, E::Connect},
+        {S::HostNotFoundError, true, E::General, E::Connect},
+        {S::SocketTimeoutError, true, E::General, E::Connect},
+        {S::RemoteHostClosedError, false, E::Receive, E::Disconnect},
+        {S::NetworkError, false, E::Send, E::Send},
+        {S::NetworkError, false, E::Receive, E::Receive},
+        {S::NetworkError, true, E::Receive, E::Connect},
+        {S::ProxyConnectionRefusedError, false, E::Send, E::General},
+        {S::UnknownSocketError, false, E::Receive, E::General},
+        {S::SocketResourceError, true, E::Receive, E::General},
     };
     for (const auto &[error, connecting, underWay, expected] : cases)
         EXPECT_EQ(Module::socketEventOf(error, connecting, underWay), expected) << error << connecting << int(underWay);

@@ -7,8 +7,10 @@ TEST(TusbOpenAdvice, NamesTheDeviceAndHowToGetAccess)
         {{"", false}, {"no USB device of vendor 0403 was found\n"}},
         {{"0403:6001 \"Serial Cable\"", false}, {"USB device tried: 0403:6001 \"Serial Cable\"\n"}},
         {{"0403:6001 \"\"", true},
-         {"USB device tried: 0403:6001 \"\"\n", "permission denied", "60-kt930pc.rules", "replug the analyzer", "logged in at the seat"}},
-        {{"0403:6001 \"KT930\"", false, true}, {"USB device tried: 0403:6001 \"KT930\"\n", "in use by another program"}},
+         {"USB device tried: 0403:6001 \"\"\n", "permission denied", "60-kt930pc.rules", "replug the analyzer",
+          "logged in at the seat"}},
+        {{"0403:6001 \"KT930\"", false, true},
+         {"USB device tried: 0403:6001 \"KT930\"\n", "in use by another program"}},
     };
     for (const auto &[attempt, says] : cases) {
         const std::string text = TusbOpenAdvice::forFailure(attempt);

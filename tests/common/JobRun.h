@@ -10,7 +10,8 @@ struct JobRun {
     JobRun()
     {
         std::filesystem::create_directories(appDir / "Data");
-        for (const auto &entry : std::filesystem::directory_iterator(std::filesystem::path(KT930_SOURCE_DIR) / "appdir/Data"))
+        for (const auto &entry :
+             std::filesystem::directory_iterator(std::filesystem::path(KT930_SOURCE_DIR) / "appdir/Data"))
             if (entry.path().extension() == ".in")
                 std::filesystem::copy_file(entry.path(), appDir / "Data" / entry.path().filename().string());
     }

@@ -148,7 +148,8 @@ KilledFigures killSaves(const fs::path &program, int kills, unsigned seed)
     return figures;
 }
 
-RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, const fs::path &appDir, const Files &before)
+RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, const fs::path &appDir,
+                                    const Files &before)
 {
     const fs::path data = TappDir::dataFolder(appDir);
     auto startFromBefore = [&] {
@@ -166,9 +167,16 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
     for (int rename = 1;; ++rename, ++figures.kills) {
         startFromBefore();
         // The leak checker stops the world with ptrace, which a traced program cannot.
-        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-E", "ASAN_OPTIONS=detect_leaks=0",
-                                        "-e", "trace=rename,renameat,renameat2",
-                                        "-e", "inject=rename,renameat,renameat2:signal=SIGKILL:when=" + std::to_string(rename)};
+        std::vector<std::string> traced{"-f",
+                                        "-o",
+                                        "/dev/null",
+                                        "-E",
+                                        "ASAN_OPTIONS=detect_leaks=0",
+                                        "-e",
+                                        "trace=rename,renameat,renameat2",
+                                        "-e",
+                                        "inject=rename,renameat,renameat2:signal=SIGKILL:when=" +
+                                            std::to_string(rename)};
         traced.insert(traced.end(), command.begin(), command.end());
         const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
         const Files found = loadedFiles(appDir, others);

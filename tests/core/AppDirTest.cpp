@@ -87,8 +87,9 @@ TEST_F(AppDirTest, FirstStartCopiesTheShippedDefaultsWritableAndLaterStartsKeepT
 
     fs::remove(temp / "xdg");
     ASSERT_EQ(TappDir::seed(folders, message), TappDir::Seeding::Created);
-    EXPECT_EQ(message, "Your data folder " + (temp / "xdg/kt930pc").string()
-                           + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.");
+    EXPECT_EQ(message,
+              "Your data folder " + (temp / "xdg/kt930pc").string() +
+                  " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.");
     EXPECT_EQ(tree(temp / "xdg"), "kt930pc/ kt930pc/Data/ kt930pc/Data/catdes.dat=shipped categories "
                                   "kt930pc/Data/passfail.in=shipped definitions ");
     EXPECT_EQ(modeOf(temp / "xdg/kt930pc/Data/catdes.dat"), 0600u);

@@ -75,7 +75,8 @@ TEST(OpCodeLoad, MissingAndCorruptFilesAreReported)
 TEST(AutoSequenceTypes, EachLineIsCodeTextAndAWholeCountElseTheListFailsAndTheAFileIsFoundByItsOpCode)
 {
     std::vector<TautoSequenceType> types;
-    ASSERT_TRUE(TautoSequenceTypes::parse({"PHY\tPhysical Inspection\t18", "UT1\tUser Tester 1\t12", "XX\t\t0"}, types));
+    ASSERT_TRUE(
+        TautoSequenceTypes::parse({"PHY\tPhysical Inspection\t18", "UT1\tUser Tester 1\t12", "XX\t\t0"}, types));
     EXPECT_EQ(types, (std::vector<TautoSequenceType>{
                          {"PHY", "Physical Inspection", 18}, {"UT1", "User Tester 1", 12}, {"XX", "", 0}}));
     for (const char *line : {"PHY\tPhysical\t18\textra", "PHY\tPhysical", "PHY\tPhysical\t-1", "PHY\tPhysical\t1.5",

@@ -56,18 +56,21 @@ TEST_F(CsvImport, EachLineFillsTheNextSlotCleaned)
     const struct {
         std::string text, records; // then cleared slots
     } cases[] = {
-        {"a,M,lower case\r\n1,M,digit category\nB,P,ctl\x01x\x7f" "y\tz\xe9\nC,S,a, b, c\nno commas here\n"
+        {"a,M,lower case\r\n1,M,digit category\nB,P,ctl\x01x\x7f"
+         "y\tz\xe9\nC,S,a, b, c\nno commas here\n"
          "D,only one comma\nE,,empty op\n,L,no category\n",
-         checkitem(' ', 'M', "lower case") + checkitem(' ', 'M', "digit category") + checkitem('B', 'P', "ctl x y\tz ")
-             + checkitem('C', 'S', "a, b, c") + checkitem(' ', 'L', "no category")},
+         checkitem(' ', 'M', "lower case") + checkitem(' ', 'M', "digit category") +
+             checkitem('B', 'P', "ctl x y\tz ") + checkitem('C', 'S', "a, b, c") + checkitem(' ', 'L', "no category")},
         // 4095 characters fill the line; what follows is read as a line of its own.
         {"F,M," + std::string(4091, 'y') + "H,M,rest\n" + "I,M," + std::string(4091, 'z') + "\r\n" // exactly full
              + "J,M," + std::string(5000, 'w') + "\n" // the rest has no commas: skipped
              + "G,M,next\n",
-         checkitem('F', 'M', std::string(41, 'y')) + checkitem('H', 'M', "rest") + checkitem('I', 'M', std::string(41, 'z'))
-             + checkitem('J', 'M', std::string(41, 'w')) + checkitem('G', 'M', "next")},
+         checkitem('F', 'M', std::string(41, 'y')) + checkitem('H', 'M', "rest") +
+             checkitem('I', 'M', std::string(41, 'z')) + checkitem('J', 'M', std::string(41, 'w')) +
+             checkitem('G', 'M', "next")},
         // A line ends at its first NUL; the last is a free slot as "export-csv --all" writes it.
-        {"B,M,before\0,after\n"s + "C,\0,x\n"s + "D,K,\0\n"s + "E,L,last\n" + "\0,\0,"s + std::string(41, '\xFF') + "\n",
+        {"B,M,before\0,after\n"s + "C,\0,x\n"s + "D,K,\0\n"s + "E,L,last\n" + "\0,\0,"s + std::string(41, '\xFF') +
+             "\n",
          checkitem('B', 'M', "before") + checkitem('D', 'K', "") + checkitem('E', 'L', "last")},
     };
     for (const auto &c : cases) {

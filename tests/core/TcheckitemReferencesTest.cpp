@@ -8,12 +8,14 @@ using namespace ByteBuilder;
 TEST(TcheckitemReferences, ListsEachFileInNameOrderWithTheSequencesThatUseTheNumber)
 {
     TempDir data;
-    data.write("usertester2.asq", asqHeader("User Tester Autosequences", "Bench 2", 2)
-                                      + asqRecord("LEAKAGE", "CLASS 1", 0, {3, 7, 0}) + asqRecord("EARTH", "", 0, {1, 0}));
+    data.write("usertester2.asq", asqHeader("User Tester Autosequences", "Bench 2", 2) +
+                                      asqRecord("LEAKAGE", "CLASS 1", 0, {3, 7, 0}) +
+                                      asqRecord("EARTH", "", 0, {1, 0}));
     data.write("inspection.asq", asqHeader("Physical Inspections", "Ward A", 3) + asqRecord("CABLE", "", 0, {7, 0})
                                      + asqRecord("(UNUSED)", "", 0, {0})
                                      + asqRecord("PLUG", "FUSE", 0, {2, 0, 7})); // also after the end
-    data.write("usertester1.asq", asqHeader("User Tester Autosequences", "Bench 1", 1) + asqRecord("OTHER", "", 0, {8}));
+    data.write("usertester1.asq",
+               asqHeader("User Tester Autosequences", "Bench 1", 1) + asqRecord("OTHER", "", 0, {8}));
     data.write("broken.asq", "not an autosequence file");
     data.write("notes.txt", "7");
 

@@ -20,7 +20,14 @@ TEST(TitemList, AppendGoesAtTheEndMarkAndStopsAtAFullLastPosition)
 
 TEST(TitemList, EditsMoveCheckitemsKeepTheEndAndNameTheRowToSelect)
 {
-    struct Case { const char *edit; int (TitemList::*apply)(int); Positions before; int row; Positions after; int select; };
+    struct Case {
+        const char *edit;
+        int (TitemList::*apply)(int);
+        Positions before;
+        int row;
+        Positions after;
+        int select;
+    };
     const Positions three{1, 2, 3, 0}, full{1, 2, 3, 4};
     for (const Case &c : std::vector<Case>{
              {"remove", &TitemList::removeAt, three, 1, {1, 3, 0, U}, 0},

@@ -17,7 +17,8 @@ using ::testing::Eq;
 using ::testing::Matcher;
 using Messages = std::vector<Matcher<Message>>;
 
-const Message Disconnected{"Ethernet Disconnection Error", "An unexpected disconnection has occurred.\rOperation Canceled"};
+const Message Disconnected{"Ethernet Disconnection Error",
+                           "An unexpected disconnection has occurred.\rOperation Canceled"};
 // A terminal that hangs up is a port error, which is no failure the block engine knows.
 const Message HungUpOnGet = transferBox("VCL Exception", "Unknown Exception on Get Data Command"),
               HungUpOnPut = transferBox("VCL Exception", "Unknown Exception on Put Data Command");
@@ -37,19 +38,63 @@ struct Failure {
 // Whether the next block still goes out before a close is seen decides between a failed send and a missing
 // acknowledgement; both end the upload there.
 const Failure Failures[] = {
-    {"SilentAfterTheHandshake", Kind::Download, {"silent-after=GESI"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Getting Checkitems"},
-    {"ShortBlock", Kind::Download, {"short-block=1@GASQ"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Getting Autosequences"},
-    {"ClosedDuringADownload", Kind::Download, {"close-at-block=5@GTSP"}, {Eq(Disconnected), Eq(TimeoutError)}, {Eq(HungUpOnGet)},
+    {"SilentAfterTheHandshake",
+     Kind::Download,
+     {"silent-after=GESI"},
+     {Eq(TimeoutError)},
+     {Eq(TimeoutError)},
+     "Getting Checkitems"},
+    {"ShortBlock",
+     Kind::Download,
+     {"short-block=1@GASQ"},
+     {Eq(TimeoutError)},
+     {Eq(TimeoutError)},
+     "Getting Autosequences"},
+    {"ClosedDuringADownload",
+     Kind::Download,
+     {"close-at-block=5@GTSP"},
+     {Eq(Disconnected), Eq(TimeoutError)},
+     {Eq(HungUpOnGet)},
      "Getting Checklists"},
-    {"CancelBetweenBlocks", Kind::Download, {}, {Eq(OperationCancelled)}, {Eq(OperationCancelled)}, "Getting Checkitems", false, 70},
-    {"WrongBlockAck", Kind::Upload, {"bad-ack-block=10@PUIN"}, {Eq(CommunicationsFailed)}, {Eq(CommunicationsFailed)}, "Putting Checkitems"},
-    {"UnacknowledgedFirstBlock", Kind::Upload, {"no-ack-block=0@PUIN"}, {Eq(TimeoutError)}, {Eq(TimeoutError)}, "Putting Checkitems"},
-    {"ClosedDuringAnUpload", Kind::Upload, {"close-at-block=3@PASQ"}, {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)},
-     {Eq(HungUpOnPut)}, "Putting Autosequences", true},
-    {"SyncSilentAfterTheHandshake", Kind::Sync, {"silent-after=GESI"}, {Eq(SyncDataTimedOut)},
-     {Eq(transferBox("Data Transfer Timed Out.", SyncTimeoutText))}, "Sending Request for Data"},
-    {"SyncClosedDuringTheData", Kind::Sync, {"close-at-block=3@GUIN"}, {Eq(Disconnected), Eq(SyncDataTimedOut)},
-     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))}, "Sending Request for Data"},
+    {"CancelBetweenBlocks",
+     Kind::Download,
+     {},
+     {Eq(OperationCancelled)},
+     {Eq(OperationCancelled)},
+     "Getting Checkitems",
+     false,
+     70},
+    {"WrongBlockAck",
+     Kind::Upload,
+     {"bad-ack-block=10@PUIN"},
+     {Eq(CommunicationsFailed)},
+     {Eq(CommunicationsFailed)},
+     "Putting Checkitems"},
+    {"UnacknowledgedFirstBlock",
+     Kind::Upload,
+     {"no-ack-block=0@PUIN"},
+     {Eq(TimeoutError)},
+     {Eq(TimeoutError)},
+     "Putting Checkitems"},
+    {"ClosedDuringAnUpload",
+     Kind::Upload,
+     {"close-at-block=3@PASQ"},
+     {Eq(Disconnected), AnyOf(TimeoutError, CommunicationsFailed)},
+     {Eq(HungUpOnPut)},
+     "Putting Autosequences",
+     true},
+    {"SyncSilentAfterTheHandshake",
+     Kind::Sync,
+     {"silent-after=GESI"},
+     {Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Data Transfer Timed Out.", SyncTimeoutText))},
+     "Sending Request for Data"},
+    {"SyncClosedDuringTheData",
+     Kind::Sync,
+     {"close-at-block=3@GUIN"},
+     {Eq(Disconnected), Eq(SyncDataTimedOut)},
+     {Eq(transferBox("Invalid Data Received.", "A communications error occurred.\r\rOperation Canceled."))},
+     "Sending Request for Data"},
 };
 
 void PrintTo(const Failure &failure, std::ostream *out)
@@ -82,24 +127,32 @@ TEST_P(FailedTransfer, EndsWithItsMessagesAndChangesNothingItShouldNot)
     ASSERT_TRUE(sim.ready());
 
     EXPECT_EQ(run.run(sim.job(failure.kind)), TtransferJob::Outcome::Failed);
-    EXPECT_THAT(run.messages.messages, ::testing::ElementsAreArray(link == Link::Tcp ? failure.overTcp : failure.overPty));
+    EXPECT_THAT(run.messages.messages,
+                ::testing::ElementsAreArray(link == Link::Tcp ? failure.overTcp : failure.overPty));
     EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
     EXPECT_EQ(run.progress.stages.back(), failure.lastStage);
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) + files() == before + filesBefore) << "containers or files changed";
     EXPECT_FALSE(std::filesystem::exists(run.set.dataFolder() / ".restore"));
-    const KnownImages expected{failure.checkitemsStored ? KnownDataSet::images(2).checkitems : memory.checkitems, memory.autosequences, memory.checklists};
+    const KnownImages expected{failure.checkitemsStored ? KnownDataSet::images(2).checkitems : memory.checkitems,
+                               memory.autosequences, memory.checklists};
     EXPECT_TRUE(sim.stopAndReadMemory().memoryFile() == expected.memoryFile()) << "analyzer memory differs";
 }
 
-INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer, ::testing::Combine(::testing::Values(Link::Tcp, Link::Pty), ::testing::ValuesIn(Failures)),
-                         [](const auto &info) { return (std::get<0>(info.param) == Link::Tcp ? "Tcp" : "Pty") + std::string(std::get<1>(info.param).name); });
+INSTANTIATE_TEST_SUITE_P(OverEachLink, FailedTransfer,
+                         ::testing::Combine(::testing::Values(Link::Tcp, Link::Pty), ::testing::ValuesIn(Failures)),
+                         [](const auto &info) {
+                             return (std::get<0>(info.param) == Link::Tcp ? "Tcp" : "Pty") +
+                                    std::string(std::get<1>(info.param).name);
+                         });
 
 // The port's own box, then the failure that ends each kind of transfer there.
 TEST(FailedTransferOverSerial, MissingDeviceShowsThePortsBoxThenTheConnectionFailure)
 {
     for (const auto &[kind, failure, lastStage] :
-         {std::tuple{Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."), "Initiating Handshake"},
-          {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."), "Initializing Serial Connection"}}) {
+         {std::tuple{Kind::Download, transferBox("Exception", "Could not initialize connection.\nOperation Canceled."),
+                     "Initiating Handshake"},
+          {Kind::Sync, transferBox("Error", "An unspecified error occurred.\nOperation Cancelled."),
+           "Initializing Serial Connection"}}) {
         JobRun run;
         TCommPort::setPortOverrides({{SimulatorUnderTest::PtyComPort, (run.appDir / "no-such-tty").string()}});
         EXPECT_EQ(run.run({.kind = kind, .method = TcommMethod::Serial, .serialPort = SimulatorUnderTest::PtyComPort}),

@@ -3,7 +3,8 @@
 #include "TCommPort.h"
 #include <cstdio>
 
-SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults, int baud)
+SimulatorUnderTest::SimulatorUnderTest(Link link, const KnownImages &memory, const std::vector<std::string> &faults,
+                                       int baud)
     : m_link(link), m_memoryFile(m_temp.write("memory.bin", memory.memoryFile()))
 {
     std::vector<std::string> arguments{"--memory", m_memoryFile.string()};
@@ -31,10 +32,12 @@ SimulatorUnderTest::~SimulatorUnderTest()
 
 TtransferJob::Parameters SimulatorUnderTest::job(TtransferJob::Kind kind, std::uint8_t selection) const
 {
-    TtransferJob::Parameters parameters{.kind = kind, .method = TcommMethod::Serial, .serialPort = PtyComPort, .selection = selection};
+    TtransferJob::Parameters parameters{
+        .kind = kind, .method = TcommMethod::Serial, .serialPort = PtyComPort, .selection = selection};
     if (m_link == Link::Tcp) {
         parameters.method = TcommMethod::Ethernet;
-        std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2], &parameters.ip[3]);
+        std::sscanf(m_address.c_str(), "%d.%d.%d.%d", &parameters.ip[0], &parameters.ip[1], &parameters.ip[2],
+                    &parameters.ip[3]);
     }
     return parameters;
 }

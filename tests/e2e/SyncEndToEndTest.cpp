@@ -26,20 +26,24 @@ TEST_P(SyncEndToEnd, CheckitemImageReplacesTheDatabaseAloneAndIsSavedWithARestor
 
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
     const std::string method = link == Link::Tcp ? "Ethernet" : "Serial";
-    EXPECT_EQ(run.progress.stages, (std::vector<std::string>{"Requesting " + method + " Connection", "Initializing " + method + " Connection",
-                                                             "Sending Handshake", "Handshake Valid - Beginning Download",
-                                                             "Sending Request for Data", "Transfer Complete"}));
+    EXPECT_EQ(run.progress.stages,
+              (std::vector<std::string>{
+                  "Requesting " + method + " Connection", "Initializing " + method + " Connection", "Sending Handshake",
+                  "Handshake Valid - Beginning Download", "Sending Request for Data", "Transfer Complete"}));
     // Eleven chunks of 4224 bytes, two points each.
     EXPECT_EQ(run.progress.positions, (std::vector<int>{50, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20}));
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == memory.checkitems + others) << "not the checkitems alone replaced";
     EXPECT_TRUE(run.file("mit.dat") == memory.checkitems);
     const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
     ASSERT_EQ(points.size(), 1u);
-    EXPECT_EQ(std::pair(points[0].action, points[0].files), std::pair(std::string("sync"), std::vector<std::string>{"mit.dat"}));
+    EXPECT_EQ(std::pair(points[0].action, points[0].files),
+              std::pair(std::string("sync"), std::vector<std::string>{"mit.dat"}));
 }
 
 // At 19200 baud each 4224-byte chunk needs 2.2 s of line time, more than 40 polls of 50 ms.
-INSTANTIATE_TEST_SUITE_P(EachLine, SyncEndToEnd, ::testing::Values(std::pair{Link::Tcp, 0}, std::pair{Link::Pty, 0}, std::pair{Link::Pty, 19200}),
+INSTANTIATE_TEST_SUITE_P(EachLine, SyncEndToEnd,
+                         ::testing::Values(std::pair{Link::Tcp, 0}, std::pair{Link::Pty, 0},
+                                           std::pair{Link::Pty, 19200}),
                          [](const auto &info) {
                              return (info.param.first == Link::Tcp ? "Tcp" : "Pty") + std::to_string(info.param.second);
                          });

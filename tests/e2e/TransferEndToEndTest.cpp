@@ -18,7 +18,9 @@ struct Case { Link link; std::uint8_t selection; };
 std::vector<std::string> stagesFor(const std::string &verb, std::uint8_t selection)
 {
     std::vector<std::string> stages{"Initializing", "Initiating Handshake"};
-    for (const auto &[bit, name] : {std::pair{SelectCheckitems, "Checkitems"}, {SelectAutosequences, "Autosequences"}, {SelectChecklists, "Checklists"}})
+    for (const auto &[bit, name] : {std::pair{SelectCheckitems, "Checkitems"},
+                                    {SelectAutosequences, "Autosequences"},
+                                    {SelectChecklists, "Checklists"}})
         if (selection & bit)
             stages.push_back(verb + name);
     stages.push_back("Completed!");
@@ -67,7 +69,8 @@ TEST_P(EndToEnd, DownloadBringsTheSelectedSetsIntoTheDataSetAndSavesItWithAResto
     EXPECT_TRUE(run.file("mit.dat") == selected(analyzer, pc).checkitems);
     const std::vector<TrestorePoint> points = TrestorePoints(run.set.dataFolder()).list();
     ASSERT_EQ(points.size(), 1u);
-    EXPECT_EQ(std::pair(points[0].action, TempDir::read(points[0].folder / "mit.dat") == pc.checkitems), std::pair(std::string("download"), true));
+    EXPECT_EQ(std::pair(points[0].action, TempDir::read(points[0].folder / "mit.dat") == pc.checkitems),
+              std::pair(std::string("download"), true));
 }
 
 TEST_P(EndToEnd, UploadLeavesExactlyTheSelectedAreasInTheAnalyzerMemoryAndVerifySeesWhatItHolds)
@@ -80,7 +83,8 @@ TEST_P(EndToEnd, UploadLeavesExactlyTheSelectedAreasInTheAnalyzerMemoryAndVerify
 
     // Only a full upload leaves nothing for the verify to find.
     const std::string before = KnownDataSet::snapshot(run.set);
-    EXPECT_EQ(run.run(sim.job(Kind::Verify)), selection() == SelectAll ? Outcome::Completed : Outcome::Differs) << run.difference;
+    EXPECT_EQ(run.run(sim.job(Kind::Verify)), selection() == SelectAll ? Outcome::Completed : Outcome::Differs)
+        << run.difference;
     EXPECT_EQ(run.messages.messages, std::vector<Message>{});
     EXPECT_TRUE(KnownDataSet::snapshot(run.set) == before) << "a verify changed the data set";
 
@@ -103,9 +107,11 @@ TEST(DownloadJob, UnknownOpCodesAreMarkedWarnedAboutOnceAndSavedRepaired)
     ASSERT_TRUE(sim.ready());
     JobRun run;
     ASSERT_EQ(run.run(sim.job(Kind::Download)), Outcome::Completed);
-    const Message warning{"UNRECOGNIZED OP CODE", TdataSet::unrecognizedOpCodeText(), MsgIcon::Exclamation, MsgButtons::Ok, MsgModality::Task};
+    const Message warning{"UNRECOGNIZED OP CODE", TdataSet::unrecognizedOpCodeText(), MsgIcon::Exclamation,
+                          MsgButtons::Ok, MsgModality::Task};
     EXPECT_EQ(run.messages.messages, std::vector<Message>{warning});
-    const std::string marker = "**!!**UNRECOGNIZED OP CODE**!!**" + std::string(9, ' ') + '\0', saved = run.file("mit.dat");
+    const std::string marker = "**!!**UNRECOGNIZED OP CODE**!!**" + std::string(9, ' ') + '\0',
+                      saved = run.file("mit.dat");
     EXPECT_EQ(saved.substr(2, 42) + saved.substr(7 * 44 + 2, 42), marker + marker);
     EXPECT_EQ(saved.substr(44, 6 * 44), memory.checkitems.substr(44, 6 * 44));
 }

@@ -1,4 +1,5 @@
-// Fonts and the PDF engine need a GUI application; the offscreen platform (set by the test runner) gives one without a display.
+// Fonts and the PDF engine need a GUI application; the offscreen platform (set by the test runner) gives one without a
+// display.
 #include <QGuiApplication>
 #include <gtest/gtest.h>
 

@@ -13,7 +13,8 @@ using PdfPages = std::vector<std::vector<std::string>>;
 // Each page's lines; with textOnly, blank lines are dropped and trailing blanks cut.
 inline PdfPages pdfPages(const std::filesystem::path &pdf, bool textOnly)
 {
-    ProgramRun text = ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf.string(), "-"}, pdf.parent_path());
+    ProgramRun text =
+        ProgramRun::runTool("pdftotext", {"-layout", "-fixed", "6", pdf.string(), "-"}, pdf.parent_path());
     EXPECT_EQ(text.exitCode, 0) << text.err;
     // pdftotext ends every page, the last one too, with a form feed.
     PdfPages pages(1);

@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 
 namespace {
 constexpr std::size_t Block = 264;
-const std::string Identification = std::string("KT930 Plus") + std::string(22, '\0') + "SIM-000001" + std::string(6, '\0') + "1.00"
-                                   + std::string(212, '\0');
+const std::string Identification = std::string("KT930 Plus") + std::string(22, '\0') + "SIM-000001" +
+                                   std::string(6, '\0') + "1.00" + std::string(212, '\0');
 
 // The answers to a put: the command's, then "C\r" for each of `intermediate` blocks, then "*\r" unless left out.
 std::string answers(std::size_t intermediate, bool last = true)
@@ -44,7 +44,8 @@ protected:
     TrawClient connect() { return TrawClient::connectTcp(address(), 60601); }
     void start(std::vector<std::string> extra = {})
     {
-        extra.insert(extra.end(), {"--listen", address() + ":60601", "--memory", memoryFile.string(), "--appdir", KT930_TEST_APPDIR});
+        extra.insert(extra.end(), {"--listen", address() + ":60601", "--memory", memoryFile.string(), "--appdir",
+                                   KT930_TEST_APPDIR});
         sim.emplace(extra);
         ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
     }
@@ -111,9 +112,11 @@ TEST_F(SimulatorTest, FaultsStopShortenOrCloseTheStream)
     ASSERT_NO_FATAL_FAILURE(start({"--fault", "stop-after-block=2@GUIN", "--fault", "short-block=1@GASQ", "--fault",
                                    "close-at-block=5@GTSP", "--fault", "close-at-block=3@PUIN"}));
     TrawClient client = connect();
-    EXPECT_EQ(ask(client, {{"GUIN", 3 * Block}, {"GESI", Block}, {"GASQ", Block + Block / 2}, {"GESI", Block}, {"GTSP", 5 * Block}}),
-              memory.checkitems.substr(0, 3 * Block) + Identification + memory.autosequences.substr(0, Block + Block / 2)
-                  + Identification + memory.checklists.substr(0, 5 * Block));
+    EXPECT_EQ(
+        ask(client,
+            {{"GUIN", 3 * Block}, {"GESI", Block}, {"GASQ", Block + Block / 2}, {"GESI", Block}, {"GTSP", 5 * Block}}),
+        memory.checkitems.substr(0, 3 * Block) + Identification + memory.autosequences.substr(0, Block + Block / 2) +
+            Identification + memory.checklists.substr(0, 5 * Block));
     EXPECT_TRUE(client.waitClosed());
     EXPECT_EQ(client.pending(), "");
     TrawClient putter = connect();
@@ -184,7 +187,8 @@ TEST_F(SimulatorTest, PseudoTerminalLinkReplacesOnlyAStaleLinkOfItsKindAndLeaves
     for (const char *name : {"ttyKT930", "folder", "toFolder"}) {
         TsimProcess sim({"--pty", (temp / name).string(), "--appdir", KT930_TEST_APPDIR});
         EXPECT_EQ(sim.waitExit(), 1);
-        EXPECT_TRUE(sim.log().ends_with("\nkt930sim: refusing to replace " + (temp / name).string() + ": it exists and is not a link to a pseudo-terminal\n"))
+        EXPECT_TRUE(sim.log().ends_with("\nkt930sim: refusing to replace " + (temp / name).string() +
+                                        ": it exists and is not a link to a pseudo-terminal\n"))
             << sim.log();
     }
     EXPECT_EQ(TempDir::read(temp / "ttyKT930"), "a user's file");
@@ -210,8 +214,10 @@ TEST_F(SimulatorTest, BaudRatePacesTheOutputAndTheInput)
 TEST_F(SimulatorTest, RejectsBadCommandLinesAndBadMemoryFiles)
 {
     for (const auto &[arguments, why] : std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"--fault", "slow-block=3"}, "unknown fault \"slow-block=3\""}, {{"--fault", "stop-after-block=3@GXXX"}, "names no known command"},
-             {{"--bogus"}, "kt930sim: unknown option --bogus"}, {{"--memory", "--listen", "127.0.0.1:60601"}, "kt930sim: --memory needs a value"},
+             {{"--fault", "slow-block=3"}, "unknown fault \"slow-block=3\""},
+             {{"--fault", "stop-after-block=3@GXXX"}, "names no known command"},
+             {{"--bogus"}, "kt930sim: unknown option --bogus"},
+             {{"--memory", "--listen", "127.0.0.1:60601"}, "kt930sim: --memory needs a value"},
              {{"stray"}, "kt930sim: unexpected argument stray"}}) {
         TsimProcess refused(arguments);
         EXPECT_TRUE(refused.waitForLog(why)) << why;

@@ -22,11 +22,13 @@ TEST(SerialSync, LineLostBeforeTheRequestIsDownloadFailed)
         analyzer.join();
         pty.hangUp();
     };
-    EXPECT_EQ(run.run({.kind = TtransferJob::Kind::Sync, .method = TcommMethod::Serial, .serialPort = 210}), TtransferJob::Outcome::Failed);
+    EXPECT_EQ(run.run({.kind = TtransferJob::Kind::Sync, .method = TcommMethod::Serial, .serialPort = 210}),
+              TtransferJob::Outcome::Failed);
     if (analyzer.joinable())
         analyzer.join();
     TCommPort::setPortOverrides({});
     EXPECT_EQ(run.messages.messages,
-              std::vector<Message>{transferBox("Download Failed", "A communications error occurred.\r\rOperation Canceled.")});
+              std::vector<Message>{
+                  transferBox("Download Failed", "A communications error occurred.\r\rOperation Canceled.")});
     EXPECT_EQ(run.progress.stages.back(), "Sending Request for Data");
 }

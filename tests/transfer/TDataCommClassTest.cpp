@@ -43,7 +43,8 @@ TEST(TDataCommClassArguments, ZeroLengthsAndMissingBlockSize)
     std::uint8_t buffer[264];
     EXPECT_THROW(engine.getData(bytes("GUIN\r"), 5, buffer, 0), TinvalidDataLengthException);
     EXPECT_THROW(engine.getData(bytes("GUIN\r"), 0, buffer, 1), TinvalidDataLengthException);
-    EXPECT_EQ(std::pair(engine.putData(bytes("PUIN\r"), 5, buffer, 0), engine.putData(bytes("PUIN\r"), 0, buffer, 1)), std::pair(-1, -1));
+    EXPECT_EQ(std::pair(engine.putData(bytes("PUIN\r"), 5, buffer, 0), engine.putData(bytes("PUIN\r"), 0, buffer, 1)),
+              std::pair(-1, -1));
     TDataCommClass noBlocks(&l.holder, ModeUSB, 2000, 0, &l.parameters, nullptr, true, l.messages);
     EXPECT_THROW(noBlocks.getData(bytes("GUIN\r"), 5, buffer, 1), TinvalidCommModuleException);
     EXPECT_THROW(noBlocks.putData(bytes("PUIN\r"), 5, buffer, 1), TinvalidCommModuleException);
@@ -62,13 +63,13 @@ TEST(TDataCommClassGet, ReceivesBlocksByteExactWithoutAcknowledging)
 
 TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
 {
-    const std::tuple<std::string, std::size_t, int, std::size_t> cases[] = { // acks (the command's, then one per block), blocks, result, blocks sent
-        {"*\rC\rC\r*\r", 3, 0, 3},
-        {"C\r*\r", 1, 0, 1},     // the command's ack needs a CR second
-        {"*Z*\r", 1, 0, 1},      // or a '*' first
-        {"ZZ", 1, -2, 0},        // no block after a refused command
-        {"*\r*\r", 2, -2, 1},    // the last-block ack too early
-        {"*\rC\rC\r", 2, -2, 2}, // an intermediate ack on the last block
+    const std::tuple<std::string, std::size_t, int, std::size_t> cases[] = {
+        // acks (the command's, then one per block), blocks, result, blocks sent
+        {"*\rC\rC\r*\r", 3, 0, 3}, {"C\r*\r", 1, 0, 1}, // the command's ack needs a CR second
+        {"*Z*\r", 1, 0, 1},                             // or a '*' first
+        {"ZZ", 1, -2, 0},                               // no block after a refused command
+        {"*\r*\r", 2, -2, 1},                           // the last-block ack too early
+        {"*\rC\rC\r", 2, -2, 2},                        // an intermediate ack on the last block
         {"*\rC\n", 2, -2, 1},
     };
     for (const auto &[acks, blocks, result, blocksSent] : cases) {
@@ -76,7 +77,9 @@ TEST(TDataCommClassPut, CommandAckIsLenientBlockAcksAreStrict)
         EngineLink link(acks);
         EXPECT_EQ(link.engine.putData(bytes("PTSP\r"), 5, bytes(data), blocks), result) << acks;
         EXPECT_EQ(link.fake.script->written, "PTSP\r" + data.substr(0, blocksSent * 264)) << acks;
-        EXPECT_EQ(link.module.isOpen(), result ? TgenericCommmunicationsModule::Idle : TgenericCommmunicationsModule::Connected) << acks;
+        EXPECT_EQ(link.module.isOpen(),
+                  result ? TgenericCommmunicationsModule::Idle : TgenericCommmunicationsModule::Connected)
+            << acks;
         if (blocks == 3) {
             EXPECT_EQ(link.progress.positions, (std::vector<int>{30, 63, 76, 90}));
         }

@@ -12,7 +12,8 @@ TEST(TransferFailureTable, EveryRowHasItsCaptionAndTextOthersTheCommandsUnknownT
                       config = "Invalid communications configuration.\nOperation Canceled.";
     const std::tuple<std::exception_ptr, std::string, Message> rows[] = {
         {std::make_exception_ptr(TcommTimeoutException()), get, TimeoutError},
-        {std::make_exception_ptr(TnoDeviceAttachedException()), get, transferBox("Error", "No Deviced Attached.\nOperation Canceled.")},
+        {std::make_exception_ptr(TnoDeviceAttachedException()), get,
+         transferBox("Error", "No Deviced Attached.\nOperation Canceled.")},
         {std::make_exception_ptr(TinitializationException()), get, transferBox("Error", init)},
         {std::make_exception_ptr(TbadInitializationException()), get, transferBox("Bad Initialization", init)},
         {std::make_exception_ptr(TuninitializedCommModeException()), get, transferBox("Uninitialized", init)},
@@ -21,7 +22,8 @@ TEST(TransferFailureTable, EveryRowHasItsCaptionAndTextOthersTheCommandsUnknownT
         {std::make_exception_ptr(ToperationCancelledException()), get, OperationCancelled},
         {std::make_exception_ptr(std::runtime_error("boom")), put, transferBox("VCL Exception", put)},
         {std::make_exception_ptr(ECommError(ECommError::ReadError, 5)), get, transferBox("VCL Exception", get)},
-        {std::make_exception_ptr(42), "Unknown Exception on Handshake", transferBox("Error", "Unknown Exception on Handshake")},
+        {std::make_exception_ptr(42), "Unknown Exception on Handshake",
+         transferBox("Error", "Unknown Exception on Handshake")},
     };
     for (const auto &[exception, unknownText, expected] : rows) {
         RecordingMessageSink sink;

@@ -6,7 +6,10 @@ using namespace TransferImages;
 using namespace ByteBuilder;
 
 namespace {
-std::string image(const void *area, std::size_t offset, std::size_t size) { return std::string(static_cast<const char *>(area) + offset, size); }
+std::string image(const void *area, std::size_t offset, std::size_t size)
+{
+    return std::string(static_cast<const char *>(area) + offset, size);
+}
 
 // An autosequence record of 88 bytes at offset: two 19-byte zero-padded titles, 24 items, setting.
 void putSequence(std::string &image, std::size_t offset, const std::string &title1, const std::string &title2,
@@ -36,7 +39,8 @@ TEST(TransferImagesPack, ShortTablesGoOutWithBlankRecordsAndNamesAreCut)
     testers[1].name = "A name much longer than twenty";
     std::vector<std::uint8_t> area(AutosequenceBytes, 0xAA);
     packAutosequences(inspections, testers, area.data());
-    EXPECT_EQ(image(area.data(), 17 * 88, 42), std::string(18, ' ') + '\0' + std::string(18, ' ') + '\0' + le16(0) + le16(0xFFFF));
+    EXPECT_EQ(image(area.data(), 17 * 88, 42),
+              std::string(18, ' ') + '\0' + std::string(18, ' ') + '\0' + le16(0) + le16(0xFFFF));
     EXPECT_EQ(image(area.data(), 6864 + 21, 21), std::string("A name much longer t") + '\0');
     EXPECT_EQ(image(area.data(), 6864 + 4 * 21, 21), std::string(20, ' ') + '\0');
     EXPECT_EQ(image(area.data(), 6969, 159), std::string(159, '\xAA'));
@@ -51,7 +55,8 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
     for (std::size_t k = 0; k < 60; ++k)
         putSequence(area, 1584 + k * 88, "S", "T", {0}, 0);
     // Tester names and titles: controls and 127 to blanks, then names trimmed, titles cut to 18 and ended by 0.
-    const std::string names[] = {"  NEW\x01TESTER", "\tBench\x7f\r\n", std::string(20, '\x1F'), std::string("  Unit 4  \0junk", 15)};
+    const std::string names[] = {"  NEW\x01TESTER", "\tBench\x7f\r\n", std::string(20, '\x1F'),
+                                 std::string("  Unit 4  \0junk", 15)};
     for (std::size_t t = 0; t < 4; ++t)
         putText(area, 6864 + t * 21, names[t] + '\0');
     std::vector<Tautosequence> inspections(3);

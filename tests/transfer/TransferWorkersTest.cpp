@@ -43,10 +43,12 @@ TEST(TransferWorkerArguments, NullContextOrProgressIsRejected)
 
 TEST(TransferWorkerMethods, InvalidMethodCancelsWithoutConnecting)
 {
-    for (const auto &[kind, stages] : {std::pair{Kind::Download, std::vector<std::string>{"Initializing"}}, {Kind::Sync, {}}}) {
+    for (const auto &[kind, stages] :
+         {std::pair{Kind::Download, std::vector<std::string>{"Initializing"}}, {Kind::Sync, {}}}) {
         JobRun run;
         EXPECT_EQ(run.run({.kind = kind, .method = TcommMethod(3)}), TtransferJob::Outcome::Failed);
-        EXPECT_EQ(run.messages.messages, std::vector<Message>{transferBox("Error", "Invalid State!\nOperation Cancelled.")});
+        EXPECT_EQ(run.messages.messages,
+                  std::vector<Message>{transferBox("Error", "Invalid State!\nOperation Cancelled.")});
         EXPECT_TRUE(run.progress.cancelled);
         EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
         EXPECT_EQ(run.progress.stages, stages);
@@ -74,9 +76,11 @@ TEST_F(SyncWorker, UsbDevicesOfOtherVendorsOnlyAreNoAnalyzerAnUnpluggedOneACommu
     answer("");
     fake.script->gone = true;
     sync();
-    EXPECT_EQ(run.messages.messages,
-              (std::vector<Message>{transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled."),
-                                    transferBox("Invalid Handshake Received.", "A communications error occurred.\r\rOperation Canceled.")}));
+    EXPECT_EQ(
+        run.messages.messages,
+        (std::vector<Message>{
+            transferBox("Error", "Safety Analyzer Not Detected.\nPlease check connection.\n\nOperation Canceled."),
+            transferBox("Invalid Handshake Received.", "A communications error occurred.\r\rOperation Canceled.")}));
 }
 
 // Unlike a data chunk (see the 19200-baud sync end to end), a handshake gets 40 polls however many bytes they bring.
@@ -86,7 +90,8 @@ TEST_F(SyncWorker, SilentAnalyzerFailsTheHandshakeAfterFortyPolls)
     fake.script->incoming = std::string(200, 'H'); // less than a handshake reply
     sync();
     EXPECT_EQ(fake.script->polls, 40);
-    EXPECT_EQ(run.messages.messages, std::vector<Message>{transferBox("Handshake Request Timed Out.",
-                                                                      "A communications timeout occurred.\r\rOperation Canceled.")});
+    EXPECT_EQ(run.messages.messages,
+              std::vector<Message>{transferBox("Handshake Request Timed Out.",
+                                               "A communications timeout occurred.\r\rOperation Canceled.")});
     EXPECT_EQ(fake.script->written, "GESI\r");
 }

@@ -7,7 +7,8 @@ namespace {
 int runEditor(TcategoryMap &map, char letter, int mode, std::function<void(QComboBox *, QLineEdit *, QWidget *)> answer)
 {
     ensureApplication();
-    whenModal([answer](QWidget *d) { answer(child<QComboBox>(d, "categoryDesignator"), child<QLineEdit>(d, "txtName"), d); });
+    whenModal(
+        [answer](QWidget *d) { answer(child<QComboBox>(d, "categoryDesignator"), child<QLineEdit>(d, "txtName"), d); });
     return TcategoryEditorForm::run(&map, letter, mode);
 }
 } // namespace
@@ -45,15 +46,17 @@ TEST(CategoryEditor, EditModeFixesTheLetterCleansTheNameAndTakesOnlyWhatTheFileC
         {QString::fromUtf8("Ω tests €5"), QString::fromUtf8("→x"), "tests \x80" "5x"}};
     for (const auto &[typed, pasted, stored] : cases) {
         TcategoryMap map{{'D', "Dielectric"}};
-        EXPECT_EQ(runEditor(map, 'D', TcategoryEditorForm::EditCategory, [typed, pasted](auto *letters, auto *name, auto *d) {
-            EXPECT_EQ(comboTexts(letters), QStringList{"D"});
-            EXPECT_FALSE(letters->isEnabled());
-            EXPECT_EQ(name->text(), "");
-            for (const QString &key : typed.split(QString(), Qt::SkipEmptyParts))
-                QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
-            name->insert(pasted);
-            mouseClick(d, "btnOK");
-        }), 0);
+        EXPECT_EQ(runEditor(map, 'D', TcategoryEditorForm::EditCategory,
+                            [typed, pasted](auto *letters, auto *name, auto *d) {
+                                EXPECT_EQ(comboTexts(letters), QStringList{"D"});
+                                EXPECT_FALSE(letters->isEnabled());
+                                EXPECT_EQ(name->text(), "");
+                                for (const QString &key : typed.split(QString(), Qt::SkipEmptyParts))
+                                    QTest::sendKeyEvent(QTest::Click, name, Qt::Key_unknown, key, Qt::NoModifier);
+                                name->insert(pasted);
+                                mouseClick(d, "btnOK");
+                            }),
+                  0);
         EXPECT_EQ(map.at('D'), stored) << pasted.toStdString();
     }
 }

@@ -38,11 +38,15 @@ TEST_F(CheckitemList, RowsAreTheGridTextsOfTheFilteredSlotsAndFollowTheDatabase)
     TcheckitemListModel list(&db, names, false, TcheckitemListModel::EmptyList::NoRows);
     EXPECT_EQ(list.rowCount(), 0); // until filtered
     list.refilter();
-    EXPECT_EQ(TinstListingPrinter::rowsOf(list), (Rows{Header, {"1", "Electrical", "M - Measure", QString::fromUtf8("Earth bond»0.10")},
-                                                       {"2", "Visual", "P - Pass/Fail", "Plug intact?"}, {"3", "", "K - OK Prompt", "Press OK"},
-                                                       {"5", "Visual", "", "No definition"}}));
+    EXPECT_EQ(TinstListingPrinter::rowsOf(list),
+              (Rows{Header,
+                    {"1", "Electrical", "M - Measure", QString::fromUtf8("Earth bond»0.10")},
+                    {"2", "Visual", "P - Pass/Fail", "Plug intact?"},
+                    {"3", "", "K - OK Prompt", "Press OK"},
+                    {"5", "Visual", "", "No definition"}}));
     db[2].category = 'B';
-    EXPECT_TRUE(list.index(2, 1).data().toString() == "Electrical" && list.flags(list.index(0, 0)) == (Qt::ItemIsSelectable | Qt::ItemIsEnabled));
+    EXPECT_TRUE(list.index(2, 1).data().toString() == "Electrical" &&
+                list.flags(list.index(0, 0)) == (Qt::ItemIsSelectable | Qt::ItemIsEnabled));
 }
 
 TEST_F(CheckitemList, AnEmptyListIsOneBlankRowOnlyWhereAskedFor)
@@ -67,7 +71,8 @@ TEST_F(CheckitemList, HeaderPressesSortAndResetOrderDropsFilterAndSort)
                    {3, 3, {"3", "1", "5", "2"}}};
     for (const auto &p : presses) {
         list.pressHeader(p.column);
-        EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()), p.numbers + QStringList{QString::number(p.state)});
+        EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()),
+                  p.numbers + QStringList{QString::number(p.state)});
     }
     list.filter().categorySet = {'A'};
     list.refilter();

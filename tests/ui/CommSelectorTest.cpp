@@ -27,8 +27,10 @@ TEST_F(SelectorFixture, WithoutSettingsFileOpensOnUsbAndTheDefaultAddressAndEntr
     EXPECT_EQ(TcomSelectFrm::portNumberOf("COM12 (/dev/ttyS11)") + TcomSelectFrm::portNumberOf("COM3"), 15);
     TcomSelectFrm form(nullptr, true, &sink);
     EXPECT_TRUE(child<QRadioButton>(&form, "radUSB")->isChecked() && form.method() == TcomSelectFrm::MethodUSB);
-    EXPECT_EQ(QStringList({form.ipText(1), form.ipText(2), form.ipText(3), form.ipText(4)}), QStringList({"127", "0", "0", "1"}));
-    EXPECT_FALSE(child<QLineEdit>(&form, "IP1")->isEnabled() || child<QComboBox>(&form, "serialPortSelector")->isEnabled());
+    EXPECT_EQ(QStringList({form.ipText(1), form.ipText(2), form.ipText(3), form.ipText(4)}),
+              QStringList({"127", "0", "0", "1"}));
+    EXPECT_FALSE(child<QLineEdit>(&form, "IP1")->isEnabled() ||
+                 child<QComboBox>(&form, "serialPortSelector")->isEnabled());
 }
 
 // Pseudo-terminals mapped by SERIALPORTS are offered in port order; the stored port is
@@ -53,16 +55,19 @@ TEST_F(SelectorFixture, MappedPseudoTerminalsAreOfferedTheStoredOneSelectedWhile
             continue;
         }
         EXPECT_EQ(ports->currentText(), selected);
-        EXPECT_TRUE(child<QRadioButton>(&form, "radSerial")->isChecked() && ports->isEnabled() && form.serialPort() == 251);
+        EXPECT_TRUE(child<QRadioButton>(&form, "radSerial")->isChecked() && ports->isEnabled() &&
+                    form.serialPort() == 251);
         click(&form, "btnConnect");
         EXPECT_EQ(form.result(), 1);
-        EXPECT_EQ(std::pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt()), std::pair(3, 251));
+        EXPECT_EQ(std::pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt()),
+                  std::pair(3, 251));
     }
 }
 
 TEST_F(SelectorFixture, AddressFieldsLetReturnAndEscapeReachTheDialog)
 {
-    EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar('7')) && TcomSelectFrm::IPKeyPress(QChar(8)) && !TcomSelectFrm::IPKeyPress(QChar('.')));
+    EXPECT_TRUE(TcomSelectFrm::IPKeyPress(QChar('7')) && TcomSelectFrm::IPKeyPress(QChar(8)) &&
+                !TcomSelectFrm::IPKeyPress(QChar('.')));
     store({{"COMM/DEFAULTCOMMMETHOD", 2}});
     for (auto [field, key, result] : {std::tuple{"IP2", Qt::Key_Return, 1}, std::tuple{"IP3", Qt::Key_Escape, 2}}) {
         TcomSelectFrm form(nullptr, false, &sink);
@@ -79,7 +84,8 @@ TEST_F(SelectorFixture, EthernetAddressIsCheckedFilteredAndWrittenOnClose)
 {
     store({{"COMM/DEFAULTCOMMMETHOD", 2}, {"COMM/IP1", "10"}, {"COMM/IP2", "1"}, {"COMM/IP3", "2"}, {"COMM/IP4", "3"}});
     TcomSelectFrm form(nullptr, true, &sink);
-    EXPECT_TRUE(child<QRadioButton>(&form, "radEthernet")->isChecked() && child<QLineEdit>(&form, "IP4")->isEnabled() && form.ipText(1) == "10");
+    EXPECT_TRUE(child<QRadioButton>(&form, "radEthernet")->isChecked() && child<QLineEdit>(&form, "IP4")->isEnabled() &&
+                form.ipText(1) == "10");
 
     auto *ip4 = child<QLineEdit>(&form, "IP4");
     ip4->clear();
@@ -119,8 +125,12 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
     // Delete as an X11 keyboard sends it, with DEL as its text.
     QTest::sendKeyEvent(QTest::Click, ip4, Qt::Key_Delete, QStringLiteral("\x7f"), Qt::NoModifier);
     QStringList steps{ip4->text()};
-    for (const auto &[key, modifier] : {std::pair{Qt::Key_End, Qt::NoModifier}, {Qt::Key_Left, Qt::NoModifier}, {Qt::Key_4, Qt::NoModifier},
-                                        {Qt::Key_End, Qt::NoModifier}, {Qt::Key_Left, Qt::ShiftModifier}, {Qt::Key_5, Qt::NoModifier}})
+    for (const auto &[key, modifier] : {std::pair{Qt::Key_End, Qt::NoModifier},
+                                        {Qt::Key_Left, Qt::NoModifier},
+                                        {Qt::Key_4, Qt::NoModifier},
+                                        {Qt::Key_End, Qt::NoModifier},
+                                        {Qt::Key_Left, Qt::ShiftModifier},
+                                        {Qt::Key_5, Qt::NoModifier}})
         QTest::keyClick(ip4, key, modifier), steps << ip4->text();
     EXPECT_EQ(steps, (QStringList{"2", "2", "2", "42", "42", "42", "45"}));
     EXPECT_TRUE(sink.messages.empty());
@@ -130,15 +140,34 @@ TEST_F(SelectorFixture, AddressFieldsTakeEditingKeysAndTypeOverASelection)
 // and leave the stored choice alone; a method the user picks or connects with is stored.
 TEST_F(SelectorFixture, CancelKeepsAStoredMethodThatWasNotAvailableButStoresAPickedOne)
 {
-    std::vector<std::pair<QString, QVariant>> serialWithoutFreePorts{{"COMM/DEFAULTCOMMMETHOD", 3}, {"COMM/DEFAULTSERIAL", 7}};
+    std::vector<std::pair<QString, QVariant>> serialWithoutFreePorts{{"COMM/DEFAULTCOMMMETHOD", 3},
+                                                                     {"COMM/DEFAULTSERIAL", 7}};
     for (int port = 1; port <= TserialPortMap::MaxPort; ++port)
         serialWithoutFreePorts.emplace_back(QStringLiteral("SERIALPORTS/COM%1").arg(port), "/nonexistent/tty");
-    const auto method = [&] { return std::pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt()); };
-    const struct { bool fresh; std::function<void(TcomSelectFrm &)> act; int result; std::pair<int, int> method; } runs[] = {
-        {true, [](TcomSelectFrm &form) { click(&form, "btnCancel"); }, 2, {3, 7}},
-        {false, [](TcomSelectFrm &form) { form.show(); QTest::keyClick(&form, Qt::Key_Escape); }, 2, {3, 7}},
-        {false, [](TcomSelectFrm &form) { click(&form, "btnConnect"); }, 1, {1, 7}},
-        {true, [](TcomSelectFrm &form) { click(&form, "radEthernet"); click(&form, "btnCancel"); }, 2, {2, 7}}};
+    const auto method = [&] {
+        return std::pair(stored("COMM/DEFAULTCOMMMETHOD").toInt(), stored("COMM/DEFAULTSERIAL").toInt());
+    };
+    const struct {
+        bool fresh;
+        std::function<void(TcomSelectFrm &)> act;
+        int result;
+        std::pair<int, int> method;
+    } runs[] = {{true, [](TcomSelectFrm &form) { click(&form, "btnCancel"); }, 2, {3, 7}},
+                {false,
+                 [](TcomSelectFrm &form) {
+                     form.show();
+                     QTest::keyClick(&form, Qt::Key_Escape);
+                 },
+                 2,
+                 {3, 7}},
+                {false, [](TcomSelectFrm &form) { click(&form, "btnConnect"); }, 1, {1, 7}},
+                {true,
+                 [](TcomSelectFrm &form) {
+                     click(&form, "radEthernet");
+                     click(&form, "btnCancel");
+                 },
+                 2,
+                 {2, 7}}};
     for (const auto &run : runs) {
         if (run.fresh)
             store(serialWithoutFreePorts, true);

@@ -25,7 +25,8 @@ TEST(DeleteCheckitem, ListsTheAffectedSequencesAndFollowsTheAnswer)
 {
     AppDirScope app;
     Answered answered = confirm(app, "btnNo");
-    EXPECT_TRUE(answered.result && answered.lines == "No Autosequences Found!"); // without autosequence files the answer does not count
+    EXPECT_TRUE(answered.result &&
+                answered.lines == "No Autosequences Found!"); // without autosequence files the answer does not count
 
     app.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward A", {sequence("CABLE", "", {7})}));
     answered = confirm(app, "btnYes");

@@ -10,13 +10,20 @@ const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 const Chars letters(alphabet.begin(), alphabet.end());
 
 struct FilterDialog {
-    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}}, {'A', {"A - Autosequence", 'A'}}, {'P', {"P - Prompt", 'P'}}, {'D', {"D - Dielectric", 'D'}}};
+    TopCodeTable opInfo{{'M', {"M - Measure", 'M'}},
+                        {'A', {"A - Autosequence", 'A'}},
+                        {'P', {"P - Prompt", 'P'}},
+                        {'D', {"D - Dielectric", 'D'}}};
     TcategoryMap descriptors{{'B', "Electrical"}, {'K', ""}};
     Tfilter filter;
     TinstructionFilterForm form{nullptr, true, &opInfo, &descriptors, &filter};
 
     template <typename T = QWidget> T *get(const char *name) { return child<T>(&form, name); }
-    QStringList items(const char *name) { return modelTexts(form.findChild<QComboBox *>(name) ? get<QComboBox>(name)->model() : get<QListWidget>(name)->model()); }
+    QStringList items(const char *name)
+    {
+        return modelTexts(form.findChild<QComboBox *>(name) ? get<QComboBox>(name)->model()
+                                                            : get<QListWidget>(name)->model());
+    }
     void clickBox(const char *name, int row) // where a user clicks: on the check box
     {
         auto *list = get<QListWidget>(name);
@@ -54,7 +61,8 @@ TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
     // Opening sets only the mode, and hands the op names to the database.
     EXPECT_TRUE(d.filter.checklistMode && d.filter.categorySet.empty() && d.filter.opSet.empty());
     EXPECT_EQ(TInstrDatabase::nameOf('D'), "D - Dielectric");
-    const auto e = thrown<TinstructionFilterException>([&] { TinstructionFilterForm(nullptr, false, nullptr, &d.descriptors, &d.filter); });
+    const auto e = thrown<TinstructionFilterException>(
+        [&] { TinstructionFilterForm(nullptr, false, nullptr, &d.descriptors, &d.filter); });
     EXPECT_EQ(e.value().what() + std::string("|") + e.value().file, "Invalid Checkitem Name List|asEdFilterPopup");
     EXPECT_GT(e.value().line, 0);
 }

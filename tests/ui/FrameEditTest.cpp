@@ -5,7 +5,8 @@
 #include "UiTestSupport.h"
 
 namespace {
-const std::vector<std::string> Files{"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq", "usertester4.asq", "usertester5.asq"};
+const std::vector<std::string> Files{"mit.dat",         "inspection.asq",  "usertester1.asq", "usertester2.asq",
+                                     "usertester3.asq", "usertester4.asq", "usertester5.asq"};
 
 struct FrameEditFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
@@ -15,8 +16,9 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     {
         appDir.copyDemoDefinitions();
         appDir.writeData("catdes.dat", "A, Visual\n");
-        appDir.writeCompleteDataSet({sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(), sequence("INSULATION", "", {1, 1})},
-                                    {"WARD A", "WARD B", "WARD C", "WARD D", "WARD E"});
+        appDir.writeCompleteDataSet(
+            {sequence("EARTH BOND", "CLASS I", {1}), unusedSequence(), sequence("INSULATION", "", {1, 1})},
+            {"WARD A", "WARD B", "WARD C", "WARD D", "WARD E"});
         frame = std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
         frame->resize(792, 546);
         frame->show();
@@ -43,14 +45,16 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
         EXPECT_EQ(TempDir::read(appDir.data("mit.dat")), mitBytes(data.checkitems.slots()));
         EXPECT_EQ(TempDir::read(appDir.data("inspection.asq")), asqBytes("Physical Inspections", "", data.inspections));
         for (std::size_t i = 0; i < 5; ++i)
-            EXPECT_EQ(TempDir::read(appDir.data(Files[i + 2])), asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
+            EXPECT_EQ(TempDir::read(appDir.data(Files[i + 2])),
+                      asqBytes("User Tester Autosequences", data.userTesters[i].name, data.userTesters[i].sequences));
     }
     // In the editor: shows title 1, adds checkitem 1 and names title 2, then OK.
     void addAndConfirm(QString *shownTitle)
     {
         whenModal([shownTitle](QWidget *editor) {
             *shownTitle = editor->findChild<QLineEdit *>("title1txt")->text();
-            editor->findChild<QTableView *>("instList")->setCurrentIndex(editor->findChild<QTableView *>("instList")->model()->index(0, 0));
+            editor->findChild<QTableView *>("instList")
+                ->setCurrentIndex(editor->findChild<QTableView *>("instList")->model()->index(0, 0));
             click(editor, "btnAdd");
             editor->findChild<QLineEdit *>("title2txt")->setText("edited");
             click(editor, "btnOk");
@@ -59,10 +63,15 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     // Selects the row, then double-clicks it, as a user opens a row.
     static void doubleClick(QAbstractItemView *view, QPoint at)
     {
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at), QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at),
+            QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, at);
         QApplication::processEvents();
     }
-    void doubleClickInspection(int row) { doubleClick(get<QListWidget>("lstIP"), get<QListWidget>("lstIP")->visualItemRect(get<QListWidget>("lstIP")->item(row)).center()); }
+    void doubleClickInspection(int row)
+    {
+        doubleClick(get<QListWidget>("lstIP"),
+                    get<QListWidget>("lstIP")->visualItemRect(get<QListWidget>("lstIP")->item(row)).center());
+    }
     QTreeWidget *testerTree()
     {
         get<QTabWidget>("PageControl1")->setCurrentIndex(1);
@@ -102,13 +111,28 @@ TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButt
     QApplication::processEvents();
     QTreeWidgetItem *node = tree->topLevelItem(3)->child(0), *unusedNode = tree->topLevelItem(4)->child(5);
     TdataSet &data = frame->dataSet();
-    const struct { std::function<void()> open; QString shown; const std::uint16_t *items; int added; bool saves; } ways[] = {
-        {[&] { doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()}); },
+    const struct {
+        std::function<void()> open;
+        QString shown;
+        const std::uint16_t *items;
+        int added;
+        bool saves;
+    } ways[] = {
+        {[&] {
+             doubleClick(tree, {tree->visualItemRect(node).left() + 4, tree->visualItemRect(node).center().y()});
+         },
          "LEAKAGE", data.userTesters[3].sequences[0].items, 1, false},
-        {[&] { tree->setCurrentItem(unusedNode); QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier); },
+        {[&] {
+             tree->setCurrentItem(unusedNode);
+             QTest::keyClick(tree, Qt::Key_Enter, Qt::KeypadModifier);
+         },
          "(UNUSED)", data.userTesters[4].sequences[5].items, 0, false},
         {[&] { click(frame.get(), "BtnUTSEdit"); }, "(UNUSED)", data.userTesters[4].sequences[5].items, 1, true},
-        {[&] { get<QTabWidget>("PageControl1")->setCurrentIndex(0); list->setCurrentRow(1); QTest::keyClick(list, Qt::Key_Return); },
+        {[&] {
+             get<QTabWidget>("PageControl1")->setCurrentIndex(0);
+             list->setCurrentRow(1);
+             QTest::keyClick(list, Qt::Key_Return);
+         },
          "(UNUSED)", data.inspections[1].items, 0, false},
         {[&] { doubleClickInspection(2); }, "INSULATION", data.inspections[2].items, 2, false}};
     for (const auto &way : ways) {
@@ -122,7 +146,8 @@ TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButt
     }
     EXPECT_EQ(data.userTesters[2].sequences[0].items[1], 0);
     EXPECT_EQ(node->text(0) + "|" + unusedNode->text(0), "1. LEAKAGE - EDITED|6. (UNUSED) - EDITED");
-    EXPECT_EQ(listTexts(frame.get()), (QStringList{"EARTH BOND - CLASS I", "(UNUSED) - EDITED", "INSULATION - EDITED"}));
+    EXPECT_EQ(listTexts(frame.get()),
+              (QStringList{"EARTH BOND - CLASS I", "(UNUSED) - EDITED", "INSULATION - EDITED"}));
     frame->close();
     EXPECT_EQ(writtenFiles(), Files);
     expectFilesHoldTheDataSet();

@@ -8,7 +8,9 @@
 #include "UiTestSupport.h"
 
 namespace {
-const Message ConfirmClear{"Confirm", "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.", MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task};
+const Message ConfirmClear{"Confirm",
+                           "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.",
+                           MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task};
 
 std::vector<Tautosequence> sampleInspections()
 {
@@ -20,9 +22,15 @@ std::vector<std::string> testerNames() { return {"WARD A", "   ", "WARD C", "WAR
 struct FrameFixture : ::testing::Test, FrameHost {
     RecordingMessageSink sink;
 
-    std::unique_ptr<TAutoSeqEditFrame> makeFrame() { return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink); }
+    std::unique_ptr<TAutoSeqEditFrame> makeFrame()
+    {
+        return std::make_unique<TAutoSeqEditFrame>(nullptr, &host, &hostData2, &sink);
+    }
     // A frame over the sample data set.
-    std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame() { return appDir.writeCompleteDataSet(sampleInspections(), testerNames()), makeFrame(); }
+    std::unique_ptr<TAutoSeqEditFrame> makeSampleFrame()
+    {
+        return appDir.writeCompleteDataSet(sampleInspections(), testerNames()), makeFrame();
+    }
     static QStringList rootTexts(QWidget *frame) { return modelTexts(child<QTreeWidget>(frame, "LstUTS")->model()); }
     // Shows the frame at its design size on the tester tab, for real mouse clicks.
     static QTreeWidget *showTesterTab(QWidget *frame)
@@ -37,7 +45,8 @@ struct FrameFixture : ::testing::Test, FrameHost {
     // The name form's caption, label and name.
     static QString saysAndShows(QWidget *form)
     {
-        return form->windowTitle() + "|" + child<QLabel>(form, "Label1")->text() + "|" + child<QLineEdit>(form, "sequenceTitle")->text();
+        return form->windowTitle() + "|" + child<QLabel>(form, "Label1")->text() + "|" +
+               child<QLineEdit>(form, "sequenceTitle")->text();
     }
 };
 } // namespace
@@ -57,11 +66,12 @@ TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesShowsTheDefaultsAndWritesNot
 TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
 {
     const QColor silver(192, 192, 192), white(255, 255, 255), black(0, 0, 0);
-    EXPECT_EQ((QList<QColor>{TlistRowDelegate::fontColour("<unused>", true), TlistRowDelegate::fontColour("<unused>", false),
-                             TlistRowDelegate::fontColour("A - B", true), TlistRowDelegate::fontColour("A - B", false),
-                             TtreeNodeDelegate::fontColour(true, true), TtreeNodeDelegate::fontColour(false, true),
-                             TtreeNodeDelegate::fontColour(false, false)}),
-              (QList<QColor>{silver, silver, white, black, silver, white, black}));
+    EXPECT_EQ(
+        (QList<QColor>{TlistRowDelegate::fontColour("<unused>", true), TlistRowDelegate::fontColour("<unused>", false),
+                       TlistRowDelegate::fontColour("A - B", true), TlistRowDelegate::fontColour("A - B", false),
+                       TtreeNodeDelegate::fontColour(true, true), TtreeNodeDelegate::fontColour(false, true),
+                       TtreeNodeDelegate::fontColour(false, false)}),
+        (QList<QColor>{silver, silver, white, black, silver, white, black}));
 }
 
 // The Edit button on a tester: OK keeps a stored name longer than the form takes,
@@ -79,7 +89,8 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button2"); });
     click(frame.get(), "BtnUTSEdit");
     EXPECT_EQ(shown, QString::fromStdString("Tester Name Editor|Tester Name|" + names[3]));
-    EXPECT_TRUE(frame->dataSet().userTesters[3].name == names[3] && tree->topLevelItem(3)->text(0) == "iv. THE LONG NAMED WARD ON FLOOR 7");
+    EXPECT_TRUE(frame->dataSet().userTesters[3].name == names[3] &&
+                tree->topLevelItem(3)->text(0) == "iv. THE LONG NAMED WARD ON FLOOR 7");
 
     tree->setCurrentItem(tree->topLevelItem(2));
     bool focused = false;
@@ -92,14 +103,19 @@ TEST_F(FrameFixture, RenameThroughEditButtonKeepsLongNamesAddsAtTheCaretUppercas
     click(frame.get(), "BtnUTSEdit");
     EXPECT_TRUE(focused && frame->dataSet().userTesters[2].name == "WARD C EAST");
 
-    whenModal([&](QWidget *form) { child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")), click(form, "Button2"); }); // pasted
+    whenModal([&](QWidget *form) {
+        child<QLineEdit>(form, "sequenceTitle")->setText(QString::fromUtf8("  icu\tcaf\u00e9\n  ")),
+            click(form, "Button2");
+    }); // pasted
     click(frame.get(), "BtnUTSEdit");
-    EXPECT_TRUE(frame->dataSet().userTesters[2].name == "ICU CAF\xC9" && tree->topLevelItem(2)->text(0) == QString::fromUtf8("iii. ICU CAF\u00c9"));
+    EXPECT_TRUE(frame->dataSet().userTesters[2].name == "ICU CAF\xC9" &&
+                tree->topLevelItem(2)->text(0) == QString::fromUtf8("iii. ICU CAF\u00c9"));
     EXPECT_TRUE(sink.messages.empty());
 
     // The save's layout is checked with the return button; here the names reach the files.
     EXPECT_EQ(read("usertester3.asq").substr(64, 8) + read("usertester4.asq").substr(64, 30), "ICU CAF\xC9" + names[3]);
-    EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")) && std::filesystem::exists(appDir.data("inspection.asq")));
+    EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")) &&
+                std::filesystem::exists(appDir.data("inspection.asq")));
 }
 
 TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerNameStays)
@@ -120,7 +136,8 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
         p.caret < 0 ? edit->selectAll() : edit->setCursorPosition(p.caret);
         QApplication::clipboard()->setText(p.pasted);
         QTest::keySequence(edit, QKeySequence::Paste);
-        EXPECT_EQ(edit->text() + "|" + QString::number(edit->cursorPosition()), p.after + "|" + QString::number(p.caretAfter));
+        EXPECT_EQ(edit->text() + "|" + QString::number(edit->cursorPosition()),
+                  p.after + "|" + QString::number(p.caretAfter));
     }
 
     // A longer stored name stays whole and may shrink, but not grow.
@@ -148,7 +165,8 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     QTreeWidget *tree = showTesterTab(frame.get());
     QTreeWidgetItem *root = tree->topLevelItem(0);
     const QRect row = tree->visualItemRect(root);
-    const QPoint label(row.left() + 4, row.center().y()), button(row.left() - tree->indentation() / 2, row.center().y());
+    const QPoint label(row.left() + 4, row.center().y()),
+        button(row.left() - tree->indentation() / 2, row.center().y());
 
     QString shown;
     whenModal([&](QWidget *form) {
@@ -160,7 +178,8 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, label);
     QTest::mouseDClick(tree->viewport(), Qt::LeftButton, {}, label);
     EXPECT_EQ(shown, "Tester Name Editor|Tester Name:|WARD A");
-    EXPECT_TRUE(frame->dataSet().userTesters[0].name == "WARD A" && !root->isExpanded() && read("usertester1.asq") == before);
+    EXPECT_TRUE(frame->dataSet().userTesters[0].name == "WARD A" && !root->isExpanded() &&
+                read("usertester1.asq") == before);
 
     tree->setCurrentItem(tree->topLevelItem(1));
     whenModal([&](QWidget *form) { shown = saysAndShows(form); click(form, "Button1"); });
@@ -183,7 +202,8 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
     const TdataSet &data = frame->dataSet();
     EXPECT_EQ(read("mit.dat"), mitBytes(std::vector<TInstr>(1044)));
     EXPECT_EQ(read("inspection.asq"), asqBytes("Physical Inspections", "", data.inspections));
-    EXPECT_EQ(read("usertester5.asq"), asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
+    EXPECT_EQ(read("usertester5.asq"),
+              asqBytes("User Tester Autosequences", "USER TESTER 8", data.userTesters[4].sequences));
     EXPECT_FALSE(std::filesystem::exists(appDir.data("testProc.asq"))); // checklists are never written
 }
 
@@ -271,12 +291,14 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     clickRow(tree, index);
     clickButton("BtnUTSClear");
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
-    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused() && frame->dataSet().userTesters[0].sequences[0].items[0] == 0);
+    EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused() &&
+                frame->dataSet().userTesters[0].sequences[0].items[0] == 0);
     EXPECT_TRUE(node->text(0) == "1. <unused>" && node->data(0, TtreeNodeDelegate::UnusedRole).toBool());
 
     // The nodes stay as built when a reloaded tester file holds fewer sequences:
     // a node past them clears nothing.
-    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT", {sequence("A", "B", {1}), sequence("C", "D", {2})}));
+    appDir.writeData("usertester1.asq", asqBytes("User Tester Autosequences", "SHORT",
+                                                 {sequence("A", "B", {1}), sequence("C", "D", {2})}));
     frame->ReloadData();
     ASSERT_EQ(tree->topLevelItem(0)->childCount(), 12);
     EXPECT_EQ(tree->topLevelItem(0)->text(0) + "|" + tree->topLevelItem(0)->child(1)->text(0), "i. SHORT|2. C - D");

@@ -18,13 +18,15 @@ struct GuiThreadMessageSink : RecordingMessageSink {
         if (QThread::currentThread() == qApp->thread())
             return RecordingMessageSink::show(message);
         MsgAnswer answer = MsgAnswer::Ok;
-        QMetaObject::invokeMethod(qApp, [&] { answer = RecordingMessageSink::show(message); }, Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(
+            qApp, [&] { answer = RecordingMessageSink::show(message); }, Qt::BlockingQueuedConnection);
         return answer;
     }
 };
 
-const char *const InternalError = "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
-                                  "If this error persists, please contact the system vendor.";
+const char *const InternalError =
+    "An internal error occurred that prevented the download operation.\nPlease try to download again.\n\n"
+    "If this error persists, please contact the system vendor.";
 struct FrameTransfer : ::testing::Test, FrameHost {
     GuiThreadMessageSink sink;
 
@@ -52,7 +54,10 @@ struct FrameTransfer : ::testing::Test, FrameHost {
     std::string read(const std::string &name) const { return appDir.readData(name); }
     std::string dataFiles() const { return read("mit.dat") + read("inspection.asq") + read("usertester1.asq"); }
     // Answers the settings form with USB and a button, no analyzer involved.
-    static void answerSelector(const char *button) { whenModal([=](QWidget *selector) { click(selector, "radUSB"), click(selector, button); }); }
+    static void answerSelector(const char *button)
+    {
+        whenModal([=](QWidget *selector) { click(selector, "radUSB"), click(selector, button); });
+    }
 };
 } // namespace
 
@@ -97,7 +102,8 @@ TEST_F(FrameTransfer, DownloadFillsTheListsAndSavesAllButTheChecklists)
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(listTexts(frame.get()).value(17), "Insp 17 s1 - Sub 52");
     auto *tree = frame->findChild<QTreeWidget *>("LstUTS");
-    EXPECT_EQ(tree->topLevelItem(4)->text(0) + "|" + tree->topLevelItem(0)->child(0)->text(0), "v. Bench tester 5/1|1. T0 seq 0 s1 - Sub 55");
+    EXPECT_EQ(tree->topLevelItem(4)->text(0) + "|" + tree->topLevelItem(0)->child(0)->text(0),
+              "v. Bench tester 5/1|1. T0 seq 0 s1 - Sub 55");
     EXPECT_TRUE(read("mit.dat") == KnownDataSet::images(1).checkitems);
     EXPECT_EQ(read("testProc.asq"), checklistsBefore);
 }
@@ -127,7 +133,8 @@ TEST_F(FrameTransfer, CancelWhileTheWorkerWaitsEndsWithItsMessageAndChangesNothi
 
     connectTo(sim, [](TfrmProgress *progress) {
         auto *stage = progress->findChild<QLabel *>("lblOperation");
-        whenTrue([stage] { return stage->text() == "Getting Checkitems"; }, [progress] { click(progress, "btnCancel"); });
+        whenTrue([stage] { return stage->text() == "Getting Checkitems"; },
+                 [progress] { click(progress, "btnCancel"); });
     });
     click(frame.get(), "BtnDownload"); // returns only if the worker's box got through
 

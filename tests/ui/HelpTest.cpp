@@ -12,7 +12,8 @@
 TEST(Help, TheFrameAndTheEditorKeepOneTopicWindowThatARepeatedPressRaisesAndTheirEndCloses)
 {
     AppDirScope appDir;
-    std::filesystem::copy_file(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch", appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch");
+    std::filesystem::copy_file(KT930_TEST_APPDIR "/AUTOSEQUENCEEDITOR.qch",
+                               appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch");
     RecordingMessageSink sink;
     auto frame = std::make_unique<TAutoSeqEditFrame>(nullptr, nullptr, nullptr, &sink);
     frame->show();
@@ -55,7 +56,8 @@ TEST(Help, MissingHelpFileSaysSoInTheWindow)
 {
     AppDirScope appDir;
     THelpWindow window(appDir.dir().path() / "AUTOSEQUENCEEDITOR.qch", "autoSequenceEditor.html");
-    EXPECT_TRUE(!window.topicLoaded() && window.toPlainText().startsWith("The help topic autoSequenceEditor.html could not be found"));
+    EXPECT_TRUE(!window.topicLoaded() &&
+                window.toPlainText().startsWith("The help topic autoSequenceEditor.html could not be found"));
 }
 
 // On any screen and wherever the asking window stands: the whole window with a title bar
@@ -65,11 +67,14 @@ TEST(Help, PlacementKeepsTheWholeWindowInTheFreeAreaOfTheAskersScreen)
     const QMargins titleBarAndBorders(4, 30, 4, 4);
     const QRect secondScreen(1920, 0, 1280, 984), smallScreen(0, 0, 640, 440);
     // Bottom left, top right partly off the screen, room all round, a small screen.
-    const std::pair<QRect, QRect> askerOnScreen[] = {{{1920, 684, 400, 300}, secondScreen}, {{3000, -50, 400, 300}, secondScreen},
-                                                     {{2300, 300, 400, 300}, secondScreen}, {{100, 100, 400, 300}, smallScreen}};
+    const std::pair<QRect, QRect> askerOnScreen[] = {{{1920, 684, 400, 300}, secondScreen},
+                                                     {{3000, -50, 400, 300}, secondScreen},
+                                                     {{2300, 300, 400, 300}, secondScreen},
+                                                     {{100, 100, 400, 300}, smallScreen}};
     for (const auto &[asker, available] : askerOnScreen) {
         const QRect placed = THelpWindow::placement(asker, available);
-        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders)) && placed.intersects(asker)) << asker.x() << "," << asker.y();
+        EXPECT_TRUE(available.contains(placed.marginsAdded(titleBarAndBorders)) && placed.intersects(asker))
+            << asker.x() << "," << asker.y();
     }
     EXPECT_EQ(THelpWindow::placement(askerOnScreen[2].first, secondScreen).center(), askerOnScreen[2].first.center());
 }
@@ -86,10 +91,13 @@ TEST(Help, BackAndForwardWalkThroughThePagesAsTheHistoryAllows)
     window.browser()->setSource(second);
 
     struct Step { std::function<void()> act; QUrl page; bool backEnabled, forwardEnabled; };
-    const Step steps[] = { // Alt+Right with the focus off the page too
-        {[] {}, second, true, false}, {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
+    const Step steps[] = {
+        // Alt+Right with the focus off the page too
+        {[] {}, second, true, false},
+        {[&] { QTest::keyClick(window.browser(), Qt::Key_Left, Qt::AltModifier); }, first, false, true},
         {[&] { forward->setFocus(), QTest::keyClick(forward, Qt::Key_Right, Qt::AltModifier); }, second, true, false},
-        {[&] { back->click(); }, first, false, true}, {[&] { forward->click(); }, second, true, false}};
+        {[&] { back->click(); }, first, false, true},
+        {[&] { forward->click(); }, second, true, false}};
     for (const Step &step : steps) {
         step.act();
         EXPECT_EQ(std::tuple(window.browser()->source(), back->isEnabled(), forward->isEnabled()),

@@ -75,7 +75,8 @@ TEST_F(HostTest, ButtonShowsTheFrameWithinTheScreenReturnGivesTheMainViewBackAnd
     QApplication::processEvents();
     const QRect available = window.screen()->availableGeometry();
     auto *exit = child<QPushButton>(frame, "BtnExit");
-    EXPECT_TRUE(available.contains(window.frameGeometry()) && available.contains(QRect(exit->mapToGlobal(QPoint()), exit->size())));
+    EXPECT_TRUE(available.contains(window.frameGeometry()) &&
+                available.contains(QRect(exit->mapToGlobal(QPoint()), exit->size())));
     exit->click();
     EXPECT_TRUE(!frame->isVisible() && window.mainView()->isVisible());
 
@@ -124,27 +125,31 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAboutAndTheApplicationFolde
             entries << entry->text();
     }
     EXPECT_EQ(menus, (QStringList{"&File", "&Help"}));
-    EXPECT_EQ(entries, (QStringList{"&Restore Previous Data Set...", "", "&Quit", "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "",
-                                    "&About KT930 Plus PC", "About &Qt"}));
+    EXPECT_EQ(entries, (QStringList{"&Restore Previous Data Set...", "", "&Quit", "AUTOSEQUENCEEDITOR Help",
+                                    "TestProcedureEditor Help", "", "&About KT930 Plus PC", "About &Qt"}));
 
     // A help entry opens its file at the first page.
     window.findChild<QMenu *>(QStringLiteral("menuHelp"))->actions().at(0)->trigger();
     ASSERT_EQ(helpWindows().size(), 1);
-    EXPECT_TRUE(helpWindows().first()->windowTitle() == "AUTOSEQUENCEEDITOR Help" && helpWindows().first()->topicLoaded());
+    EXPECT_TRUE(helpWindows().first()->windowTitle() == "AUTOSEQUENCEEDITOR Help" &&
+                helpWindows().first()->topicLoaded());
     helpWindows().first()->close();
 
     BoxSeen about; // the version and the libraries' licences
     about.answer(QMessageBox::Ok);
     window.findChild<QAction *>(QStringLiteral("actionAbout"))->trigger();
     EXPECT_EQ(about.caption, QStringLiteral("About KT930 Plus PC"));
-    EXPECT_EQ(about.text, QStringLiteral("<h3>KT930 Plus PC 1.0</h3>"
-                                         "<p>Edits the test content of the KT930 Plus safety analyzer and moves it to and from "
-                                         "the analyzer over USB, a serial port or Ethernet.</p>"
-                                         "<p>Built with these libraries, each under its own licence:</p><ul>"
-                                         "<li>Qt ") + QString::fromLatin1(qVersion()) + QStringLiteral(": GNU LGPL version 3</li>"
-                                         "<li>libftdi1: GNU LGPL version 2.1</li>"
-                                         "<li>libusb-1.0: GNU LGPL version 2.1</li>"
-                                         "<li>Boost: Boost Software License 1.0</li></ul>"));
+    EXPECT_EQ(about.text,
+              QStringLiteral("<h3>KT930 Plus PC 1.0</h3>"
+                             "<p>Edits the test content of the KT930 Plus safety analyzer and moves it to and from "
+                             "the analyzer over USB, a serial port or Ethernet.</p>"
+                             "<p>Built with these libraries, each under its own licence:</p><ul>"
+                             "<li>Qt ") +
+                  QString::fromLatin1(qVersion()) +
+                  QStringLiteral(": GNU LGPL version 3</li>"
+                                 "<li>libftdi1: GNU LGPL version 2.1</li>"
+                                 "<li>libusb-1.0: GNU LGPL version 2.1</li>"
+                                 "<li>Boost: Boost Software License 1.0</li></ul>"));
     window.findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
     EXPECT_FALSE(window.isVisible());
 }
@@ -152,7 +157,8 @@ TEST_F(HostTest, LooksLikeAnApplicationTitleIconMenusAboutAndTheApplicationFolde
 TEST_F(HostTest, RemembersItsPlaceAndSizeButNeverOpensOffTheScreen)
 {
     QRect placed;
-    for (QRect geometry : {QRect(40, 60, 500, 400), QRect(100000, 100000, 500, 400)}) { // the second on a screen gone since
+    for (QRect geometry :
+         {QRect(40, 60, 500, 400), QRect(100000, 100000, 500, 400)}) { // the second on a screen gone since
         ThostMainWindow window(folders());
         EXPECT_TRUE(placed.isNull() || window.geometry() == placed);
         window.show();
@@ -177,7 +183,8 @@ TEST_F(HostTest, FirstStartSaysWhereTheNewDataFolderIs)
     seen.answer(QMessageBox::Ok);
     ThostMainWindow::prepareDataFolder(fresh);
     EXPECT_TRUE(seen.caption == "KT930 Plus PC" && seen.icon == QMessageBox::Information);
-    EXPECT_TRUE(seen.text.startsWith("Your data folder " + QString::fromStdString(fresh.application.string()) + " was created"));
+    EXPECT_TRUE(seen.text.startsWith("Your data folder " + QString::fromStdString(fresh.application.string()) +
+                                     " was created"));
     EXPECT_EQ(TempDir::read(fresh.application / "Data/catdes.dat"), "shipped");
     ThostMainWindow::prepareDataFolder(fresh); // present now: no second box (a box would hang here)
 }
@@ -192,12 +199,14 @@ TEST_F(HostTest, NoPluginsOrOneThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOt
     }
     appDir.dir().write("Plugins/broken.so", "not a library");
     fs::create_symlink(folders().plugins / "libVAROAutoSeqEditor.so", mixed.plugins / "libVAROAutoSeqEditor.so");
-    const std::string loadError = "The plug-in broken.so could not be loaded.\n" + (mixed.plugins / "broken.so").string();
+    const std::string loadError =
+        "The plug-in broken.so could not be loaded.\n" + (mixed.plugins / "broken.so").string();
     BoxSeen seen;
     seen.answer(QMessageBox::Ok);
     {
         ThostMainWindow window(mixed);
-        EXPECT_TRUE(seen.caption == "Plug-in Error" && seen.text.startsWith(QString::fromStdString(loadError))) << seen.text.toStdString();
+        EXPECT_TRUE(seen.caption == "Plug-in Error" && seen.text.startsWith(QString::fromStdString(loadError)))
+            << seen.text.toStdString();
         EXPECT_EQ(std::pair(window.pluginCount(), window.pluginErrors()), std::pair(1, 1));
     }
     BoxWatch boxes;
@@ -218,7 +227,8 @@ TEST_F(HostTest, RestorePreviousDataSetListsConfirmsAndPutsTheFilesBackOnlyFromT
     BoxSeen seen, done;
     seen.answer(QMessageBox::Ok);
     restore->trigger();
-    EXPECT_EQ(seen.text.toStdString(), "There are no restore points in " + data.string() + ".\nA download, a sync or an import keeps the files it replaces as one.");
+    EXPECT_EQ(seen.text.toStdString(), "There are no restore points in " + data.string() +
+                                           ".\nA download, a sync or an import keeps the files it replaces as one.");
     // A frame on show may hold edits of the files: the user goes back first.
     window.showPlugin(0);
     seen.answer(QMessageBox::Ok);
@@ -239,9 +249,11 @@ TEST_F(HostTest, RestorePreviousDataSetListsConfirmsAndPutsTheFilesBackOnlyFromT
     });
     restore->trigger();
     EXPECT_EQ(row, "1.  " + time + "  sync:  mit.dat");
-    EXPECT_EQ(seen.text, "Put back the files that \"sync\" replaced on " + time + "?\n\nThe current files are kept as a restore point first, so this can be undone.");
+    EXPECT_EQ(seen.text, "Put back the files that \"sync\" replaced on " + time +
+                             "?\n\nThe current files are kept as a restore point first, so this can be undone.");
     EXPECT_EQ(seen.defaultButton, QMessageBox::No);
-    EXPECT_EQ(done.text, "The files that \"sync\" replaced on " + time + " were put back.\nThe files they replaced are now restore point 1.");
+    EXPECT_EQ(done.text, "The files that \"sync\" replaced on " + time +
+                             " were put back.\nThe files they replaced are now restore point 1.");
     EXPECT_EQ(appDir.readData("mit.dat"), original);
     EXPECT_EQ(TempDir::read(TrestorePoints(data).list().at(0).folder / "mit.dat"), "replaced by the sync");
 }
@@ -254,9 +266,11 @@ TEST_F(HostTest, ASecondHostOnTheDataFolderNamesTheProcessAndNoEndsIt)
     seen.answer(QMessageBox::No);
     EXPECT_FALSE(ThostMainWindow::continueWithDataFolderInUse(second, data));
     EXPECT_TRUE(seen.caption == "Data Folder In Use" && seen.defaultButton == QMessageBox::Yes);
-    EXPECT_EQ(seen.text.toStdString(), "The data folder\n" + data.string() + "\nis in use by another KT930 program (process " + std::to_string(::getpid())
-                                           + ").\n\nBoth may change the same files. Before each save this program checks for changes made by the "
-                                           "other and asks which version to keep.\n\nContinue anyway?");
+    EXPECT_EQ(seen.text.toStdString(),
+              "The data folder\n" + data.string() + "\nis in use by another KT930 program (process " +
+                  std::to_string(::getpid()) +
+                  ").\n\nBoth may change the same files. Before each save this program checks for changes made by the "
+                  "other and asks which version to keep.\n\nContinue anyway?");
     EXPECT_TRUE(ThostMainWindow::continueWithDataFolderInUse(first, data)); // no box: it would wait here
 }
 }

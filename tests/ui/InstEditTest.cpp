@@ -17,10 +17,14 @@
 
 namespace {
 using Messages = std::vector<Message>;
-const std::string FatalText = "Fatal Error - Invalid Checkitem\n\nIt appears that either the master checkitem database or the database files are "
-                              "corrupt.\nPlease try re-starting the program.  If the problem persists, please contact your software vendor.\n\nDO NOT sync with the safety analyzer!";
-const QStringList Browsing{"btnSync", "btnHelp", "btnOk", "btnImport", "btnDelete", "btnNewInst", "btnEditInst", "btnFilter", "instList", "btnPrint", "btnExport"};
-const QStringList Editing{"btnExport", "lblOp", "lstOp", "lblCat", "lstCat", "btnNewCat", "btnEditCat", "btnUpdate", "btnCancel", "pnlInst"};
+const std::string FatalText =
+    "Fatal Error - Invalid Checkitem\n\nIt appears that either the master checkitem database or the database files are "
+    "corrupt.\nPlease try re-starting the program.  If the problem persists, please contact your software "
+    "vendor.\n\nDO NOT sync with the safety analyzer!";
+const QStringList Browsing{"btnSync",     "btnHelp",   "btnOk",    "btnImport", "btnDelete", "btnNewInst",
+                           "btnEditInst", "btnFilter", "instList", "btnPrint",  "btnExport"};
+const QStringList Editing{"btnExport", "lblOp",      "lstOp",     "lblCat",    "lstCat",
+                          "btnNewCat", "btnEditCat", "btnUpdate", "btnCancel", "pnlInst"};
 
 QTableView *grid(QWidget *editor) { return child<QTableView>(editor, "instList"); }
 TinstGridHeader *header(QWidget *editor) { return qobject_cast<TinstGridHeader *>(grid(editor)->horizontalHeader()); }
@@ -35,9 +39,15 @@ QList<QLineEdit *> shownFields(QWidget *editor)
             shown << box;
     return shown;
 }
-void retype(QWidget *editor, int field, const QString &keys) { shownFields(editor).value(field)->clear(), QTest::keyClicks(shownFields(editor).value(field), keys); }
+void retype(QWidget *editor, int field, const QString &keys)
+{
+    shownFields(editor).value(field)->clear(), QTest::keyClicks(shownFields(editor).value(field), keys);
+}
 // As a user's pick.
-void choose(QWidget *form, const char *list, int index) { child<QComboBox>(form, list)->setCurrentIndex(index), Q_EMIT child<QComboBox>(form, list)->activated(index); }
+void choose(QWidget *form, const char *list, int index)
+{
+    child<QComboBox>(form, list)->setCurrentIndex(index), Q_EMIT child<QComboBox>(form, list)->activated(index);
+}
 QStringList enabledControls(QWidget *editor)
 {
     QStringList enabled;
@@ -46,9 +56,19 @@ QStringList enabledControls(QWidget *editor)
             enabled << name;
     return enabled;
 }
-QPoint rowCentre(QWidget *editor, int row) { return grid(editor)->visualRect(grid(editor)->model()->index(row, 1)).center(); }
-void clickRow(QWidget *editor, int row) { QTest::mouseClick(grid(editor)->viewport(), Qt::LeftButton, {}, rowCentre(editor, row)); }
-void clickHeader(QWidget *editor, int c) { QTest::mouseClick(header(editor)->viewport(), Qt::LeftButton, {}, QPoint(header(editor)->sectionViewportPosition(c) + 4, 5)); }
+QPoint rowCentre(QWidget *editor, int row)
+{
+    return grid(editor)->visualRect(grid(editor)->model()->index(row, 1)).center();
+}
+void clickRow(QWidget *editor, int row)
+{
+    QTest::mouseClick(grid(editor)->viewport(), Qt::LeftButton, {}, rowCentre(editor, row));
+}
+void clickHeader(QWidget *editor, int c)
+{
+    QTest::mouseClick(header(editor)->viewport(), Qt::LeftButton, {},
+                      QPoint(header(editor)->sectionViewportPosition(c) + 4, 5));
+}
 void answer(const char *button, std::function<void(QWidget *)> before = [](QWidget *) {})
 {
     whenModal([=](QWidget *dialog) { before(dialog), click(dialog, button); });
@@ -91,7 +111,10 @@ struct Editor : ::testing::Test {
         });
         click(editor, "btnImport");
     }
-    static void nameCategory(const QString &name) { answer("btnOK", [name](QWidget *dialog) { child<QLineEdit>(dialog, "txtName")->setText(name); }); }
+    static void nameCategory(const QString &name)
+    {
+        answer("btnOK", [name](QWidget *dialog) { child<QLineEdit>(dialog, "txtName")->setText(name); });
+    }
 };
 } // namespace
 
@@ -106,8 +129,9 @@ TEST_F(Editor, OpensOnTheListWithTheOpCodesInListOrderTheTraceAndTheSilentRepair
               (QStringList{"P - Pass/Fail", "I - Input", "E - Data Entry", "K - OK Prompt", "T - Stopwatch",
                            "D - Delay", "C - Control", "R - Remote w Entry", "M - Measure", "L - Meas. w Limits"}));
     EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual inspection", "B"}));
-    EXPECT_EQ(TempDir::read("lstOpChange.log"),
-              "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
+    EXPECT_EQ(
+        TempDir::read("lstOpChange.log"),
+        "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
     EXPECT_EQ(child<QPushButton>(editor.get(), "btnSync")->text(), "Sync\nWith\nKT930");
     EXPECT_EQ(enabledControls(editor.get()), Browsing);
     EXPECT_TRUE(editor->focusWidget() == child(editor.get(), "btnNewInst") && header(editor.get())->sortColumn() == 0);
@@ -132,15 +156,19 @@ TEST_F(Editor, MissingDescriptorsAndACorruptDefinitionFileAreReported)
     appDir.writeData("measure.in", appDir.readData("measure.in") + "\n"); // a blank line after the fields
     const std::string before = mitBytes(db.slots());
     EXPECT_THROW(open(), TinstructionEditorFormException);
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An unexpected error occured while processing " + appDir.data("measure.in").string()
-                                                     + ".\nThe file is corrupt.  Please contact your product's distributor immediately."}}));
+    EXPECT_EQ(
+        sink.messages,
+        (Messages{{"ERROR", "An unexpected error occured while processing " + appDir.data("measure.in").string() +
+                                ".\nThe file is corrupt.  Please contact your product's distributor immediately."}}));
     EXPECT_TRUE(mitBytes(db.slots()) == before); // no checkitem of that op code repaired
     sink.messages.clear();
     for (const auto &entry : std::filesystem::directory_iterator(appDir.dir().path() / "Data"))
         std::filesystem::remove(entry.path());
     EXPECT_THROW(open(), TinstructionEditorFormException);
-    EXPECT_EQ(sink.messages.front(), (Message{"ERROR!", "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
-                                                        "If this problem persists, contact your software vendor."}));
+    EXPECT_EQ(sink.messages.front(),
+              (Message{"ERROR!",
+                       "Warning!\nCheckitem Database Files Cannot Be Found Or Are Corrupt!\nPlease restart program.\n"
+                       "If this problem persists, contact your software vendor."}));
     EXPECT_EQ(sink.messages.back(), (Message{"FATAL ERROR", FatalText, MsgIcon::Exclamation}));
 }
 
@@ -176,7 +204,10 @@ TEST_F(Editor, EditUpdateStoresThePanelsRecordAndEscapeCancelsPuttingOpCodeAndCa
 // A command that does not fit its op code's fields is said once and kept until typed over.
 TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
 {
-    const struct { char opCode; const char *command, *says; } cases[] = {{'C', "MAINS\t-1", "\"C - Control\": a value does not suit the type of its field"},
+    const struct {
+        char opCode;
+        const char *command, *says;
+    } cases[] = {{'C', "MAINS\t-1", "\"C - Control\": a value does not suit the type of its field"},
                  {'M', "IR\t500", "\"M - Measure\": it has fewer values than the op code has fields"},
                  {'K', "Press\tOK", "\"K - OK Prompt\": it has more values than the op code has fields"}};
     for (const auto &c : cases) {
@@ -188,9 +219,13 @@ TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
         click(editor.get(), "btnEditInst");
         click(editor.get(), "btnUpdate");
         EXPECT_TRUE(mitBytes(db.slots()) == before) << c.command;
-        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit", std::string("The command of checkitem 4 does not fit "
-                                            "the fields of ") + c.says + ".\nThe command is kept as it is. To replace "
-                                            "it, type new values into the fields and press Update.", MsgIcon::Exclamation}}));
+        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit",
+                                            std::string("The command of checkitem 4 does not fit "
+                                                        "the fields of ") +
+                                                c.says +
+                                                ".\nThe command is kept as it is. To replace "
+                                                "it, type new values into the fields and press Update.",
+                                            MsgIcon::Exclamation}}));
         click(editor.get(), "btnEditInst");
         retype(editor.get(), 0, "Z");
         QTest::keyClick(shownFields(editor.get())[0], Qt::Key_Return); // the tick
@@ -202,7 +237,8 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
 {
     auto editor = open();
     click(editor.get(), "btnNewInst");
-    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "5", "4"}) && enabledControls(editor.get()) == Editing);
+    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "5", "4"}) &&
+                enabledControls(editor.get()) == Editing);
     click(editor.get(), "btnCancel");
     EXPECT_EQ(bytesOf(db[3]), bytesOf(TInstr(' ', 'C', "")));
     for (std::size_t used : {std::size_t(250), TInstrDatabase::SlotCount}) { // free slots only above 249, none
@@ -211,8 +247,10 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
         const std::string before = mitBytes(db.slots());
         sink.messages.clear();
         click(open().get(), "btnNewInst");
-        EXPECT_EQ(sink.messages, (Messages{{"Checkitem Database Full", "Warning: checkitem database full!\nCheckitem cannot be "
-                                            "added.\n\nPlease delete one or more existing checkitems.", MsgIcon::Exclamation}}));
+        EXPECT_EQ(sink.messages, (Messages{{"Checkitem Database Full",
+                                            "Warning: checkitem database full!\nCheckitem cannot be "
+                                            "added.\n\nPlease delete one or more existing checkitems.",
+                                            MsgIcon::Exclamation}}));
         EXPECT_TRUE(mitBytes(db.slots()) == before);
     }
 }
@@ -250,14 +288,19 @@ TEST_F(Editor, CategoriesAreNamedAndOkWritesThemOrSaysWhyNot)
     click(editor.get(), "btnNewCat");
     EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual checks", "Bench tests"}));
     click(editor.get(), "btnUpdate"), click(editor.get(), "btnOk");
-    EXPECT_EQ(sink.messages, (Messages{{"Cannot Edit Category", "You cannot edit this category.\nPlease change the checkitem's category.", MsgIcon::Exclamation},
-                                       {"File Error", "The category names could not be saved to " + appDir.data("catdes.dat").string()
-                                                          + ".\nCheck that it is a file you may write to, then press OK again."}}));
+    EXPECT_EQ(
+        sink.messages,
+        (Messages{{"Cannot Edit Category", "You cannot edit this category.\nPlease change the checkitem's category.",
+                   MsgIcon::Exclamation},
+                  {"File Error", "The category names could not be saved to " + appDir.data("catdes.dat").string() +
+                                     ".\nCheck that it is a file you may write to, then press OK again."}}));
     EXPECT_TRUE(editor->isVisible());
     std::filesystem::permissions(appDir.data("catdes.dat"), std::filesystem::perms::owner_all);
     click(editor.get(), "btnOk");
     EXPECT_EQ(editor->result(), QDialog::Accepted);
-    EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")), "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional checks\nI, Insulation\nL, Leakage current\nP, Operator prompts\n");
+    EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")),
+              "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional checks\nI, Insulation\nL, Leakage "
+              "current\nP, Operator prompts\n");
 }
 
 // Escape and the close button drop a renamed category only when the user says so.
@@ -272,7 +315,8 @@ TEST_F(Editor, ClosingAfterRenamingACategoryAsksWhetherToSaveIt)
         click(editor.get(), "btnUpdate");
         sink.answers = {reply};
         reply == MsgAnswer::No ? QTest::keyClick(editor.get(), Qt::Key_Escape) : void(editor->close());
-        EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?", MsgIcon::Question, MsgButtons::YesNo}));
+        EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?",
+                                                 MsgIcon::Question, MsgButtons::YesNo}));
         EXPECT_FALSE(editor->isVisible());
         EXPECT_EQ(appDir.readData("catdes.dat") != before, reply == MsgAnswer::Yes);
     }
@@ -295,7 +339,8 @@ TEST_F(Editor, OpeningClicksAreIgnoredAndTheEditorsFitTheScreen)
     TsequenceEditor sequenceEditor(nullptr, &host, &db, seq, [] {}, false, &sink);
     sequenceEditor.show();
     for (QWidget *window : std::initializer_list<QWidget *>{editor.get(), &sequenceEditor})
-        EXPECT_TRUE(QRect(QPoint(), window->screen()->availableGeometry().size()).contains(QRect(QPoint(), window->size().expandedTo(window->minimumSize()))));
+        EXPECT_TRUE(QRect(QPoint(), window->screen()->availableGeometry().size())
+                        .contains(QRect(QPoint(), window->size().expandedTo(window->minimumSize()))));
     QApplication::setFont(font);
 }
 
@@ -306,11 +351,14 @@ TEST_F(Editor, FilterAndHeaderClicksRefillTheListAndMoveTheSortPicture)
     answer("btnOk", [](QWidget *dialog) { child<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
-    answer("btnCancel", [](QWidget *dialog) { choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail")); });
+    answer("btnCancel", [](QWidget *dialog) {
+        choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail"));
+    });
     click(editor.get(), "btnFilter");
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
     clickHeader(editor.get(), 0);
-    EXPECT_TRUE(column(editor.get(), 0) == QStringList{"2"} && editor->checkitemList().sortState().number() == 2 && grid(editor.get())->currentIndex().row() == 0);
+    EXPECT_TRUE(column(editor.get(), 0) == QStringList{"2"} && editor->checkitemList().sortState().number() == 2 &&
+                grid(editor.get())->currentIndex().row() == 0);
     EXPECT_TRUE(header(editor.get())->sortPicture().toImage() == QPixmap(":/instEdit/PIC_SORT_DOWN").toImage());
 }
 
@@ -320,15 +368,23 @@ TEST_F(Editor, ImportAddsToFreeSlotsResetsTheOrderAndReportsMissingFileAndOverfl
     auto editor = open();
     clickHeader(editor.get(), 0);
     importFile(editor.get(), "more.csv");
-    EXPECT_EQ(bytesOf(db[3]) + bytesOf(db[5]), bytesOf(TInstr(' ', 'K', "Plug in")) + bytesOf(TInstr('Z', 'P', "Tab\there ")));
-    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "4", "5", "6"}) && header(editor.get())->sortColumn() == -1);
+    EXPECT_EQ(bytesOf(db[3]) + bytesOf(db[5]),
+              bytesOf(TInstr(' ', 'K', "Plug in")) + bytesOf(TInstr('Z', 'P', "Tab\there ")));
+    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "4", "5", "6"}) &&
+                header(editor.get())->sortColumn() == -1);
     importFile(editor.get(), "absent.csv");
     for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
         db[i].assign(' ', 'P', "Question");
     importFile(editor.get(), "more.csv");
-    EXPECT_EQ(sink.messages, (Messages{{"ERROR", "An error occurred while importing the checkitems.\nAn error code of -1 was returned - File I/O Error."},
-                                       {"OVERFLOW", "WARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the "
-                                                    "checkitem database to\ninsert all of the checkitems from the specified file.", MsgIcon::Exclamation}}));
+    EXPECT_EQ(
+        sink.messages,
+        (Messages{
+            {"ERROR",
+             "An error occurred while importing the checkitems.\nAn error code of -1 was returned - File I/O Error."},
+            {"OVERFLOW",
+             "WARNING!\n\nNot all checkitems could be imported because there\nwas insufficient space in the "
+             "checkitem database to\ninsert all of the checkitems from the specified file.",
+             MsgIcon::Exclamation}}));
 }
 
 TEST_F(Editor, FrameOpensTheEditorFromBothButtonsAndSavesTheCheckitems)
@@ -344,7 +400,8 @@ TEST_F(Editor, FrameOpensTheEditorFromBothButtonsAndSavesTheCheckitems)
         });
         click(&frame, button);
     }
-    EXPECT_EQ(TempDir::read(frameHost.appDir.data("mit.dat")).substr(44, 88), bytesOf(TInstr(' ', 'C', padded("MAINS\t1"))) + bytesOf(TInstr(' ', 'C', padded("MAINS\t1"))));
+    EXPECT_EQ(TempDir::read(frameHost.appDir.data("mit.dat")).substr(44, 88),
+              bytesOf(TInstr(' ', 'C', padded("MAINS\t1"))) + bytesOf(TInstr(' ', 'C', padded("MAINS\t1"))));
 }
 
 TEST_F(Editor, SyncReplacesTheDatabaseResetsTheOrderAndWritesTheBackupAndAFailureChangesNothing)
@@ -362,26 +419,32 @@ TEST_F(Editor, SyncReplacesTheDatabaseResetsTheOrderAndWritesTheBackupAndAFailur
     clickHeader(editor.get(), 1);
     connectByEthernet(silent.address());
     click(editor.get(), "btnSync");
-    EXPECT_EQ(sink.messages, (Messages{{"Data Timed Out.", "A communications timeout occurred.\r\rOperation Canceled.", MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
+    EXPECT_EQ(sink.messages, (Messages{{"Data Timed Out.", "A communications timeout occurred.\r\rOperation Canceled.",
+                                        MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
     EXPECT_TRUE(mitBytes(db.slots()) == before && !std::filesystem::exists(appDir.data("mit.dat")));
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"2", "1", "5", "3"}));
     connectByEthernet(sim.address());
     click(editor.get(), "btnSync");
-    EXPECT_TRUE(mitBytes(db.slots()) == memory.checkitems && TempDir::read(appDir.data("mit.dat")) == memory.checkitems);
+    EXPECT_TRUE(mitBytes(db.slots()) == memory.checkitems &&
+                TempDir::read(appDir.data("mit.dat")) == memory.checkitems);
     EXPECT_EQ(column(editor.get(), 0), (QStringList{"1", "4"}));
 }
 
 // The export's bytes are the database's, checked there.
 TEST_F(Editor, PrintsTheListAsItStandsExportsEverySlotAndHelpOpensInAWindowOfTheEditor)
 {
-    std::filesystem::copy_file(KT930_TEST_APPDIR "/TestProcedureEditor.qch", appDir.dir().path() / "TestProcedureEditor.qch");
+    std::filesystem::copy_file(KT930_TEST_APPDIR "/TestProcedureEditor.qch",
+                               appDir.dir().path() / "TestProcedureEditor.qch");
     db[5].assign(' ', 'A', "UT203");
     auto editor = open(true);
     editor->pdf = QString::fromStdString((appDir.dir().path() / "listing.pdf").string());
     clickHeader(editor.get(), 0);
     click(editor.get(), "btnPrint");
-    EXPECT_TRUE(QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.toStdString(), "-"}, ".").out).simplified().startsWith(
-        "KT930pc Instruction Listing No. Category Op Code Command 6 A - Autosequence UT203 5 Functional checks C - Control AUX»1"));
+    EXPECT_TRUE(
+        QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.toStdString(), "-"}, ".").out)
+            .simplified()
+            .startsWith("KT930pc Instruction Listing No. Category Op Code Command 6 A - Autosequence UT203 5 "
+                        "Functional checks C - Control AUX»1"));
     click(editor.get(), "btnHelp");
     click(editor.get(), "btnHelp"); // a second press brings the one window back
     ASSERT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
@@ -398,6 +461,8 @@ TEST(EditorGuard, TheParameterlessFormOnlySaysSoAndCanOnlyBeClosed)
     TguiMessageSink::setDefaultSink(&sink);
     TinstructionEditorForm guard;
     TguiMessageSink::setDefaultSink(nullptr);
-    EXPECT_EQ(sink.messages, (Messages{{"Error 0001 - TinstructionEditorForm::TinstructionEditorForm()", "Fatal Error - Please contact your software vendor immediately!", MsgIcon::Exclamation}}));
+    EXPECT_EQ(sink.messages,
+              (Messages{{"Error 0001 - TinstructionEditorForm::TinstructionEditorForm()",
+                         "Fatal Error - Please contact your software vendor immediately!", MsgIcon::Exclamation}}));
     EXPECT_EQ(enabledControls(&guard), QStringList{"btnOk"});
 }

@@ -10,7 +10,10 @@
 namespace {
 struct InstrPanelTest : ::testing::Test {
     const bool applicationFirst = (ensureApplication(), true); // before the widgets
-    void build(const std::filesystem::path &file) { panel = std::make_unique<TInstrPanel>(&owner, file, 517, 25, 10, 4, 56); }
+    void build(const std::filesystem::path &file)
+    {
+        panel = std::make_unique<TInstrPanel>(&owner, file, 517, 25, 10, 4, 56);
+    }
     QLineEdit *box(int field) const { return panel->findChild<QLineEdit *>(QStringLiteral("field%1").arg(field)); }
     QComboBox *combo(const char *name) const { return child<QComboBox>(panel.get(), name); }
     TempDir temp;
@@ -21,7 +24,10 @@ struct InstrPanelTest : ::testing::Test {
 const char *const AllTypes = "M - Measure\nN\n\"Volts\"\t\"V\"\t\"N0,10\"\n\"Limit\"\t\"\xB5" "A\"\t\"F\"\n"
                              "\"Unit\"\t\"\"\t\"U\"\n\"Note\"\t\"\"\t\"A\"\n";
 
-std::string recordBytes(char op, const std::string &text) { return std::string{'\0', op} + text + std::string(41 - text.size(), ' ') + '\0'; }
+std::string recordBytes(char op, const std::string &text)
+{
+    return std::string{'\0', op} + text + std::string(41 - text.size(), ' ') + '\0';
+}
 } // namespace
 
 TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
@@ -33,10 +39,14 @@ TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
     TInstr record;
     panel->GetInstr(record);
     EXPECT_EQ(bytesOf(record) + box(0)->text().toStdString(), recordBytes('M', "10\t-3.5\tMOHM\tnote") + "10");
-    for (auto [opCode, text, code] : {std::tuple{'L', "1\t2\t3\t4", 1}, {'M', "1\t2\t3\t4\t5", 2}, {'M', "x\t2\t3\t4", 4}})
+    for (auto [opCode, text, code] :
+         {std::tuple{'L', "1\t2\t3\t4", 1}, {'M', "1\t2\t3\t4\t5", 2}, {'M', "x\t2\t3\t4", 4}})
         EXPECT_EQ(thrown<TInstrPanelError>([&] { panel->SetInstr(TInstr(' ', opCode, text)); }).value().code, code);
     QString rows = QString("\"a\"\t\"b\"\t\"A\"\n").repeated(TInstrPanel::PanelHeight + 1);
-    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("rows.in", "M - Measure\nN\n" + rows.toStdString())); }).value().code, 2);
+    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("rows.in", "M - Measure\nN\n" + rows.toStdString())); })
+                  .value()
+                  .code,
+              2);
 }
 
 TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
@@ -57,7 +67,10 @@ TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
 
 TEST_F(InstrPanelTest, TheAutosequencePanelConvertsTypeAndNumber)
 {
-    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("a.in", "A - Autosequence\nN\nPHY\tPhysical\t100\n")); }).value().code, 6);
+    EXPECT_EQ(thrown<TInstrPanelError>([&] { build(temp.write("a.in", "A - Autosequence\nN\nPHY\tPhysical\t100\n")); })
+                  .value()
+                  .code,
+              6);
     build(std::string(KT930_TEST_APPDIR) + "/Data/autoseq.in");
     panel->SetInstr(TInstr(' ', 'A', "UT307"));
     EXPECT_EQ(combo("comboAutoType")->currentText() + "|" + combo("comboAutoNum")->currentText(), "User Tester 3|7");
@@ -82,8 +95,9 @@ TEST(InstrPanelExport, PluginExportsThePanelAndNothingElseNew)
         std::string symbol = line.substr(line.find(' ', line.find(' ') + 1) + 1);
         (symbol.find("TInstrPanel") != std::string::npos ? panelSymbols : others).insert(symbol);
     }
-    EXPECT_EQ(others, (std::set<std::string>{"Finalize", "Initialize", "_AutoSeqEditFrame", "getConfigButton", "getConfigForm",
-                                             "getMainButton", "getMainForm", "initialize", "pshutdown", "setup"}));
+    EXPECT_EQ(others,
+              (std::set<std::string>{"Finalize", "Initialize", "_AutoSeqEditFrame", "getConfigButton", "getConfigForm",
+                                     "getMainButton", "getMainForm", "initialize", "pshutdown", "setup"}));
     for (const char *member : {"TInstrPanel(QWidget*, std::filesystem::__cxx11::path const&, int, int, int, int, int)",
                                "~TInstrPanel()", "SetInstr(TInstr const&)", "GetInstr(TInstr&)", "Show()", "Hide()",
                                "Enable()", "Disable()", "Clear()", "initAuto()", "createAutoNumList()",

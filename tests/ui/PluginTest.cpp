@@ -32,7 +32,8 @@ TEST(PluginExports, CallingOrderResultsAndStoredHostPointers)
     QWidget view1, view2, container;
     TPluginHostInfo first{&view1, &container}, second{&view2, &container};
     int opaque = 0;
-    EXPECT_EQ((std::vector<int>{setup(&first, &opaque), setup(nullptr, &opaque), setup(&second, nullptr)}), (std::vector<int>{0, -1, -1}));
+    EXPECT_EQ((std::vector<int>{setup(&first, &opaque), setup(nullptr, &opaque), setup(&second, nullptr)}),
+              (std::vector<int>{0, -1, -1}));
 
     // The frame returns to the view of the record that was in force when it was made.
     std::unique_ptr<Tkt930Frame> frameA(getMainForm()), frameB(getMainForm());

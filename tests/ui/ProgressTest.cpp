@@ -35,6 +35,7 @@ TEST(Progress, ExitCodeFollowsTheKindAndTheWorkersResult)
         EXPECT_EQ(std::pair(ran.load(), form.isCancelled()), std::pair(c.workerRuns, !c.workerRuns)) << int(c.kind);
         const QString reported = form.findChild<QLabel *>("lblOperation")->text() + "|"
                                  + QString::number(form.findChild<QProgressBar *>("transferProgress")->value());
-        EXPECT_TRUE(!c.workerRuns || reported == "Downloading Checkitems|57") << reported.toStdString(); // from the worker's thread
+        EXPECT_TRUE(!c.workerRuns || reported == "Downloading Checkitems|57")
+            << reported.toStdString(); // from the worker's thread
     }
 }

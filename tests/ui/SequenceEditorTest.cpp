@@ -12,7 +12,10 @@ namespace {
 struct PdfSequenceEditor : TsequenceEditor {
     using TsequenceEditor::TsequenceEditor;
     std::filesystem::path pdf;
-    bool choosePrinter(QPrinter &printer) override { return printer.setOutputFileName(QString::fromStdString(pdf.string())), true; }
+    bool choosePrinter(QPrinter &printer) override
+    {
+        return printer.setOutputFileName(QString::fromStdString(pdf.string())), true;
+    }
 };
 
 struct SequenceEditorFixture : ::testing::Test {
@@ -41,7 +44,10 @@ struct SequenceEditorFixture : ::testing::Test {
     template <class T = QWidget> T *get(const char *name) { return child<T>(editor.get(), name); }
     void click(const char *name) { ::click(editor.get(), name); }
     QStringList column(const char *grid, int c) { return columnTexts(get<QTableView>(grid), c); }
-    void select(const char *grid, int row) { get<QTableView>(grid)->setCurrentIndex(get<QTableView>(grid)->model()->index(row, 0)); }
+    void select(const char *grid, int row)
+    {
+        get<QTableView>(grid)->setCurrentIndex(get<QTableView>(grid)->model()->index(row, 0));
+    }
 };
 } // namespace
 
@@ -63,12 +69,17 @@ TEST_F(SequenceEditorFixture, EachItemButtonEditsTheSequenceAndMovesTheSelection
     seq = sequence("A", "B", {1, 2, 4, 5}); // 4 is a call: shown, not offered
     open();
     struct Step { const char *grid; int row; const char *button; QStringList shown; int selected; };
-    for (const Step &s : std::vector<Step>{{"asList", 2, "btnUp", {"1", "4", "2", "5"}, 1}, {"asList", 1, "btnTop", {"4", "1", "2", "5"}, 0},
-                                           {"asList", 0, "btnDown", {"1", "4", "2", "5"}, 1}, {"asList", 1, "btnBottom", {"1", "2", "5", "4"}, 3},
-                                           {"asList", 3, "btnRemove", {"1", "2", "5"}, 2}, {"instList", 0, "btnAdd", {"1", "2", "5", "1"}, 2},
+    for (const Step &s : std::vector<Step>{{"asList", 2, "btnUp", {"1", "4", "2", "5"}, 1},
+                                           {"asList", 1, "btnTop", {"4", "1", "2", "5"}, 0},
+                                           {"asList", 0, "btnDown", {"1", "4", "2", "5"}, 1},
+                                           {"asList", 1, "btnBottom", {"1", "2", "5", "4"}, 3},
+                                           {"asList", 3, "btnRemove", {"1", "2", "5"}, 2},
+                                           {"instList", 0, "btnAdd", {"1", "2", "5", "1"}, 2},
                                            {"asList", 2, "btnClear", {}, -1}}) {
         select(s.grid, s.row), click(s.button);
-        EXPECT_EQ(column("asList", 0) << QString::number(get<QTableWidget>("asList")->currentRow()), s.shown + QStringList{QString::number(s.selected)}) << s.button;
+        EXPECT_EQ(column("asList", 0) << QString::number(get<QTableWidget>("asList")->currentRow()),
+                  s.shown + QStringList{QString::number(s.selected)})
+            << s.button;
     }
 }
 
@@ -83,7 +94,10 @@ TEST_F(SequenceEditorFixture, AddTakesTheSelectedCheckitemByButtonOrEnterAndWarn
     QTest::keyClick(get("instList"), Qt::Key_Return);
     EXPECT_EQ(column("asList", 0).last(), "5");
     click("btnAdd");
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Autosequence Full", "The selected checkitem cannot be added because\nthe autosequence is full.", MsgIcon::Exclamation}}));
+    EXPECT_EQ(sink.messages,
+              (std::vector<Message>{{"Autosequence Full",
+                                     "The selected checkitem cannot be added because\nthe autosequence is full.",
+                                     MsgIcon::Exclamation}}));
 }
 
 // The current cell of the grid with the focus is framed, on a selected row too.
@@ -113,7 +127,9 @@ TEST_F(SequenceEditorFixture, PortAndBaudChoicesWriteTheSettingWordAtOnceAndTheL
     QHeaderView *head = get<QTableView>("instList")->horizontalHeader();
     QTest::mouseClick(head->viewport(), Qt::LeftButton, {}, QPoint(head->sectionSize(0) / 2, head->height() / 2));
     EXPECT_EQ(column("instList", 0), QStringList({"5", "2", "1"}));
-    whenModal([](QWidget *filter) { child<QComboBox>(filter, "lstBasicCat")->setCurrentText("Electrical"), ::click(filter, "btnOk"); });
+    whenModal([](QWidget *filter) {
+        child<QComboBox>(filter, "lstBasicCat")->setCurrentText("Electrical"), ::click(filter, "btnOk");
+    });
     click("btnFilter");
     EXPECT_EQ(column("instList", 0), QStringList({"1"}));
 }
@@ -135,7 +151,8 @@ TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenReloadsAndRefre
 TEST_F(SequenceEditorFixture, OkStoresTheTitlesUpperCasedButKeepsAnUnusedOne)
 {
     open();
-    get<QLineEdit>("title1txt")->clear(), get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
+    get<QLineEdit>("title1txt")->clear(),
+        get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
     click("btnOk");
     EXPECT_EQ(std::string(seq.title1, 19), "ABC" + std::string(15, ' ') + '\0');
     seq.makeUnused();
@@ -158,6 +175,8 @@ TEST_F(SequenceEditorFixture, PrintPrintsTheTitlesAsOkWouldStoreThemAndReportsWh
     seq = sequence("A", "B", {1});
     open().pdf = appDir.dir().path() / "absent" / "printed.pdf";
     click("btnPrint");
-    EXPECT_EQ(sink.messages, (std::vector<Message>{{"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.", MsgIcon::Information},
-                                                   {"Printing Error", "An error occurred while printing.\nPrint operation aborted."}}));
+    EXPECT_EQ(sink.messages, (std::vector<Message>{
+                                 {"Empty Autosequence", "Autosequence is unused.\nPrint operation not initiated.",
+                                  MsgIcon::Information},
+                                 {"Printing Error", "An error occurred while printing.\nPrint operation aborted."}}));
 }

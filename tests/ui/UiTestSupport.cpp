@@ -65,7 +65,8 @@ void AppDirScope::writeCompleteDataSet(const std::vector<Tautosequence> &inspect
     for (std::size_t i = 0; i < testerNames.size(); ++i) {
         std::vector<Tautosequence> sequences(12, unusedSequence());
         sequences[0] = sequence("LEAKAGE", "CLASS " + std::to_string(i + 1), {1});
-        writeData("usertester" + std::to_string(i + 1) + ".asq", asqBytes("User Tester Autosequences", testerNames[i], sequences));
+        writeData("usertester" + std::to_string(i + 1) + ".asq",
+                  asqBytes("User Tester Autosequences", testerNames[i], sequences));
     }
     writeData("testProc.asq", asqBytes("Checklists", "", {sequence("CHECKLIST", "ONE", {1})}));
 }
@@ -99,7 +100,10 @@ QStringList modelTexts(const QAbstractItemModel *model, int column)
 
 QStringList columnTexts(const QTableView *grid, int column) { return modelTexts(grid->model(), column); }
 QStringList comboTexts(const QComboBox *list) { return modelTexts(list->model()); }
-QStringList comboTexts(const QObject *parent, const char *list) { return modelTexts(child<QComboBox>(parent, list)->model()); }
+QStringList comboTexts(const QObject *parent, const char *list)
+{
+    return modelTexts(child<QComboBox>(parent, list)->model());
+}
 QStringList listTexts(QWidget *frame) { return modelTexts(child<QListWidget>(frame, "lstIP")->model()); }
 
 QStringList numberTexts(int count)
@@ -149,7 +153,8 @@ void connectByEthernet(const std::string &address, std::function<void()> then)
         click(selector, "radEthernet");
         const QStringList octets = QString::fromStdString(address).split('.');
         for (int i = 0; i < 4; ++i)
-            child<QLineEdit>(selector, QStringLiteral("IP%1").arg(i + 1).toLatin1().constData())->setText(octets.value(i));
+            child<QLineEdit>(selector, QStringLiteral("IP%1").arg(i + 1).toLatin1().constData())
+                ->setText(octets.value(i));
         click(selector, "btnConnect");
         if (then)
             then();

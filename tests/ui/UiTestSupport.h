@@ -30,7 +30,8 @@ public:
     // The demo folder's op code definitions (*.in), and its catdes.dat if asked.
     void copyDemoDefinitions(bool withDescriptors = false) const;
     // mit.dat, inspection.asq, usertester1..5.asq, testProc.asq, all valid.
-    void writeCompleteDataSet(const std::vector<Tautosequence> &inspections, const std::vector<std::string> &testerNames) const;
+    void writeCompleteDataSet(const std::vector<Tautosequence> &inspections,
+                              const std::vector<std::string> &testerNames) const;
 
 private:
     TempDir m_dir;
@@ -64,7 +65,8 @@ template <class T = QWidget> T *child(const QObject *parent, const char *name)
 void click(const QObject *parent, const char *button);
 void mouseClick(const QObject *parent, const char *name);
 
-// The texts of a model's column (top to bottom), of a grid column, of a drop-down list, of the frame's inspection list; "1" to "count".
+// The texts of a model's column (top to bottom), of a grid column, of a drop-down list, of the frame's inspection list;
+// "1" to "count".
 QStringList modelTexts(const QAbstractItemModel *model, int column = 0);
 QStringList columnTexts(const QTableView *grid, int column);
 QStringList comboTexts(const QComboBox *list);

@@ -1,8 +1,9 @@
 #pragma once
-// The analyzer's USB chip in a umockdev testbed: a full-speed FTDI-class device (vendor 0403, one interface, bulk endpoints
-// 0x81 in and 0x02 out of 64 bytes) answering the usbfs ioctls of libusb and libftdi1 as the kernel and the chip would, for
-// this process and the programs it starts. Its serial side is a file (the simulator's pseudo-terminal). Every packet to the
-// PC starts with the two modem-status bytes; a short packet goes out when the latency timer runs out.
+// The analyzer's USB chip in a umockdev testbed: a full-speed FTDI-class device (vendor 0403, one interface, bulk
+// endpoints 0x81 in and 0x02 out of 64 bytes) answering the usbfs ioctls of libusb and libftdi1 as the kernel and the
+// chip would, for this process and the programs it starts. Its serial side is a file (the simulator's pseudo-terminal).
+// Every packet to the PC starts with the two modem-status bytes; a short packet goes out when the latency timer runs
+// out.
 #include <algorithm>
 #include <sys/ioctl.h>
 #include <chrono>
@@ -64,10 +65,14 @@ public:
         // The handler first, so that the device opens as soon as it is listed; the descriptors of
         // device, configuration, interface and the two bulk endpoints as sysfs shows them.
         umockdev_testbed_attach_ioctl(m_testbed, Node, m_handler, nullptr);
-        const std::string device = "P: /devices/usb1\nN: bus/usb/001/001\nE: SUBSYSTEM=usb\nE: DRIVER=usb\nE: BUSNUM=001\nE: DEVNUM=001\n"
-                                   "E: DEVNAME=/dev/bus/usb/001/001\nE: DEVTYPE=usb_device\nA: busnum=1\\n\nA: devnum=1\\n\n"
-                                   "A: bConfigurationValue=1\\n\nA: speed=12\\n\nA: idVendor=0403\\n\nA: idProduct=6001\\n\nA: product="
-            + product + "\\n\nH: descriptors=12010002000000080304016000060102030109022000010100802d0904000002ffffff020705810240000007050202400000\n";
+        const std::string device =
+            "P: /devices/usb1\nN: bus/usb/001/001\nE: SUBSYSTEM=usb\nE: DRIVER=usb\nE: BUSNUM=001\nE: DEVNUM=001\n"
+            "E: DEVNAME=/dev/bus/usb/001/001\nE: DEVTYPE=usb_device\nA: busnum=1\\n\nA: devnum=1\\n\n"
+            "A: bConfigurationValue=1\\n\nA: speed=12\\n\nA: idVendor=0403\\n\nA: idProduct=6001\\n\nA: product=" +
+            product +
+            "\\n\nH: "
+            "descriptors="
+            "12010002000000080304016000060102030109022000010100802d0904000002ffffff020705810240000007050202400000\n";
         umockdev_testbed_add_from_string(m_testbed, device.c_str(), nullptr);
     }
     // In order: "detach ftdi_sio", "claim", "vendor request RR value VVVV index IIII", "release", "attach ftdi_sio".
@@ -186,8 +191,8 @@ private:
     void control(usbdevfs_urb &urb)
     {
         auto *setup = static_cast<std::uint8_t *>(urb.buffer);
-        const unsigned type = setup[0], request = setup[1], value = setup[2] | setup[3] << 8, index = setup[4] | setup[5] << 8,
-                       length = setup[6] | setup[7] << 8;
+        const unsigned type = setup[0], request = setup[1], value = setup[2] | setup[3] << 8,
+                       index = setup[4] | setup[5] << 8, length = setup[6] | setup[7] << 8;
         std::string reply;
         if (type == 0x80 && request == 6 && value >> 8 == 3) { // a string descriptor
             const unsigned which = value & 0xff;

@@ -11,8 +11,10 @@
 namespace fs = std::filesystem;
 
 namespace {
-// One open and close: the serial driver gives the chip up for the claim and back; the latency timer is the only setting.
-const std::vector<std::string> OneSession{"detach ftdi_sio", "claim", "vendor request 09 value 0002 index 0001", "release", "attach ftdi_sio"};
+// One open and close: the serial driver gives the chip up for the claim and back; the latency timer is the only
+// setting.
+const std::vector<std::string> OneSession{"detach ftdi_sio", "claim", "vendor request 09 value 0002 index 0001",
+                                          "release", "attach ftdi_sio"};
 
 enum class Attached { Nothing, Analyzer, FallbackNamed, SilentChip }; // the analyzer under its second product name
 using enum Attached;
@@ -28,8 +30,8 @@ protected:
         fs::remove(temp / "memory.bin");
         const std::string line = (temp / "analyzer-tty").string();
         if (attached == Analyzer || attached == FallbackNamed) {
-            sim = std::make_unique<TsimProcess>(
-                std::vector<std::string>{"--pty", line, "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory.bin").string()});
+            sim = std::make_unique<TsimProcess>(std::vector<std::string>{"--pty", line, "--appdir", KT930_TEST_APPDIR,
+                                                                         "--memory", (temp / "memory.bin").string()});
             ASSERT_TRUE(sim->waitForLog("ready")) << sim->log();
         }
         chip = std::make_unique<EmulatedFtdiChip>();
@@ -42,14 +44,15 @@ protected:
         fs::remove_all(temp / "pc");
         fs::create_directories(temp / "pc/Data");
         for (const auto &entry : fs::directory_iterator(fs::path(KT930_TEST_APPDIR) / "Data"))
-            if (entry.path().extension() == ".in" || data == PcData::DataSet || (data == PcData::MitDat && entry.path().filename() == "mit.dat"))
+            if (entry.path().extension() == ".in" || data == PcData::DataSet ||
+                (data == PcData::MitDat && entry.path().filename() == "mit.dat"))
                 fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
     }
     std::string pcFiles() const
     {
         std::string all;
-        for (const std::string name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
-                                       "usertester4.asq", "usertester5.asq", "testProc.asq"})
+        for (const std::string name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
+                                       "usertester3.asq", "usertester4.asq", "usertester5.asq", "testProc.asq"})
             all += name + (fs::exists(temp / "pc/Data" / name) ? ": " + TempDir::read(temp / "pc/Data" / name) : "-");
         return all;
     }
@@ -63,13 +66,17 @@ protected:
 TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
 {
     const std::string pc = (temp / "pc/Data").string(), downloaded = "Downloaded the data set into " + pc + "\n";
-    const std::string start = "Initializing\nInitiating Handshake\n", syncStart = "Requesting USB Handle\nInitializing USB Connection\n";
+    const std::string start = "Initializing\nInitiating Handshake\n",
+                      syncStart = "Requesting USB Handle\nInitializing USB Connection\n";
     const std::string download = start + "Getting Checkitems\nGetting Autosequences\nGetting Checklists\nCompleted!\n";
     const std::string upload = start + "Putting Checkitems\nPutting Autosequences\nPutting Checklists\nCompleted!\n";
-    const std::string syncUnderWay = syncStart + "Sending Handshake\nHandshake Valid - Beginning Download\nSending Request for Data\n";
-    const std::string notDetected = start + "Error\nDevice Not Detected.\nPlease check connection.\n\nOperation Canceled.\n"
-                                            "Exception\nCould not initialize connection.\nOperation Canceled.\n";
-    const std::string tried = "USB device tried: 0403:6001 \"Brennix Systems KT930 Plus\"\n", noDevice = "no USB device of vendor 0403 was found\n";
+    const std::string syncUnderWay =
+        syncStart + "Sending Handshake\nHandshake Valid - Beginning Download\nSending Request for Data\n";
+    const std::string notDetected = start +
+                                    "Error\nDevice Not Detected.\nPlease check connection.\n\nOperation Canceled.\n"
+                                    "Exception\nCould not initialize connection.\nOperation Canceled.\n";
+    const std::string tried = "USB device tried: 0403:6001 \"Brennix Systems KT930 Plus\"\n",
+                      noDevice = "no USB device of vendor 0403 was found\n";
     const std::string timedOut = start + "Error\nTimeout Error.\nOperation Canceled.\nkt930ctl download: " + tried,
                       unplugged = "Error\nNo Deviced Attached.\nOperation Canceled.\n";
     using enum PcData;
@@ -86,24 +93,86 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
         {"fallback name", FallbackNamed, {}, {"download"}, OpCodesOnly, DataSet, 0, downloaded, download},
         // The chip goes quiet for 300 ms with a transfer half filled.
         {"stall", Analyzer, {10000, 300}, {"download"}, OpCodesOnly, DataSet, 0, downloaded, download},
-        {"upload", Analyzer, {}, {"upload", "--verify"}, DataSet, DataSet, 0,
-         "Uploaded the data set of " + pc + "\nVerified: the analyzer's memory equals what was sent\n", upload + download},
-        {"sync", Analyzer, {}, {"sync"}, OpCodesOnly, MitDat, 0, "Saved the analyzer's checkitem database as " + pc + "/mit.dat\n",
+        {"upload",
+         Analyzer,
+         {},
+         {"upload", "--verify"},
+         DataSet,
+         DataSet,
+         0,
+         "Uploaded the data set of " + pc + "\nVerified: the analyzer's memory equals what was sent\n",
+         upload + download},
+        {"sync",
+         Analyzer,
+         {},
+         {"sync"},
+         OpCodesOnly,
+         MitDat,
+         0,
+         "Saved the analyzer's checkitem database as " + pc + "/mit.dat\n",
          syncUnderWay + "Transfer Complete\n"},
-        {"no device", Nothing, {}, {"download"}, OpCodesOnly, OpCodesOnly, 1, "", notDetected + "kt930ctl download: " + noDevice},
-        {"no device, sync", Nothing, {}, {"sync"}, OpCodesOnly, OpCodesOnly, 1, "",
-         syncStart + "Device Not Detected\nA Safety Analyzer could not be found\nPlease check the connection.\n\n"
-                     "Operation Canceled.\nkt930ctl sync: " + noDevice},
-        {"held by another program", Analyzer, {.claimedElsewhere = true}, {"download"}, DataSet, DataSet, 1, "",
-         notDetected + "kt930ctl download: " + tried
-             + "the device is in use by another program (its interface is claimed): close that program and try again\n"},
-        {"unplugged in a download", Analyzer, {.unplugAfterIn = 50000}, {"download"}, DataSet, DataSet, 1, "",
+        {"no device",
+         Nothing,
+         {},
+         {"download"},
+         OpCodesOnly,
+         OpCodesOnly,
+         1,
+         "",
+         notDetected + "kt930ctl download: " + noDevice},
+        {"no device, sync",
+         Nothing,
+         {},
+         {"sync"},
+         OpCodesOnly,
+         OpCodesOnly,
+         1,
+         "",
+         syncStart +
+             "Device Not Detected\nA Safety Analyzer could not be found\nPlease check the connection.\n\n"
+             "Operation Canceled.\nkt930ctl sync: " +
+             noDevice},
+        {"held by another program",
+         Analyzer,
+         {.claimedElsewhere = true},
+         {"download"},
+         DataSet,
+         DataSet,
+         1,
+         "",
+         notDetected + "kt930ctl download: " + tried +
+             "the device is in use by another program (its interface is claimed): close that program and try again\n"},
+        {"unplugged in a download",
+         Analyzer,
+         {.unplugAfterIn = 50000},
+         {"download"},
+         DataSet,
+         DataSet,
+         1,
+         "",
          start + "Getting Checkitems\nGetting Autosequences\n" + unplugged + "kt930ctl download: " + tried},
-        {"unplugged in an upload", Analyzer, {.unplugAfterOut = 50000}, {"upload"}, DataSet, DataSet, 1, "",
+        {"unplugged in an upload",
+         Analyzer,
+         {.unplugAfterOut = 50000},
+         {"upload"},
+         DataSet,
+         DataSet,
+         1,
+         "",
          start + "Putting Checkitems\nPutting Autosequences\n" + unplugged + "kt930ctl upload: " + tried},
-        {"unplugged in a sync", Analyzer, {.unplugAfterIn = 20000}, {"sync"}, DataSet, DataSet, 1, "",
-         syncUnderWay + "Invalid Handshake Received.\nA communications error occurred.\n\nOperation Canceled.\nkt930ctl sync: " + tried},
-        // Attached, but nothing answers (only status packets, or not even those): the handshake's 2 s, not many times it.
+        {"unplugged in a sync",
+         Analyzer,
+         {.unplugAfterIn = 20000},
+         {"sync"},
+         DataSet,
+         DataSet,
+         1,
+         "",
+         syncUnderWay +
+             "Invalid Handshake Received.\nA communications error occurred.\n\nOperation Canceled.\nkt930ctl sync: " +
+             tried},
+        // Attached, but nothing answers (only status packets, or not even those): the handshake's 2 s, not many times
+        // it.
         {"silent chip", SilentChip, {}, {"download"}, DataSet, DataSet, 1, "", timedOut},
         {"stalled chip", SilentChip, {0, 60000}, {"download"}, DataSet, DataSet, 1, "", timedOut},
     };
@@ -147,7 +216,8 @@ TEST_F(UsbStackTest, CancelReleasesTheChipWithinAPoll)
             run.progress.setCancelled();
         });
     };
-    EXPECT_EQ(run.run({.kind = TtransferJob::Kind::Download, .method = TcommMethod::USB}), TtransferJob::Outcome::Failed);
+    EXPECT_EQ(run.run({.kind = TtransferJob::Kind::Download, .method = TcommMethod::USB}),
+              TtransferJob::Outcome::Failed);
     user.join();
     EXPECT_EQ(run.progress.results, std::vector<TransferResult>{TransferResult::Cancel});
     // The flag is seen after the USB call under way, which lasts one poll at most.
