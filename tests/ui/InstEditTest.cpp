@@ -106,7 +106,11 @@ struct Editor : ::testing::Test {
     {
         whenModal([file = QString::fromStdString((appDir.dir().path() / name).string())](QWidget *dialog) {
             EXPECT_EQ(dialog->objectName(), "instTableOpenDlg");
+            // The dialog lists its folder in the background and may select a file it
+            // finds there: accept once it returns what was typed, as a user would see.
+            auto *files = qobject_cast<QFileDialog *>(dialog);
             child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
+            QTRY_COMPARE(files->selectedFiles(), QStringList{file});
             qobject_cast<QDialog *>(dialog)->accept();
         });
         click(editor, "btnImport");
