@@ -4,7 +4,7 @@
 
 namespace {
 // Fields of the given type specifications ("N0,10", "F", "U" ...).
-TcommandCodec codec(std::initializer_list<const char *> types)
+TcommandCodec codec(const std::vector<const char *> &types)
 {
     std::vector<std::string> lines;
     for (const char *type : types)
@@ -36,7 +36,7 @@ TEST(CommandCodec, ReadsOneCheckedValuePerField)
 
 TEST(CommandCodec, WritesValuesWithTabsPaddedAndNumbersClampedToTheNearerBound)
 {
-    struct Case { std::initializer_list<const char *> types; std::vector<std::string> values; const char *text; };
+    struct Case { std::vector<const char *> types; std::vector<std::string> values; const char *text; };
     for (const Case &c : std::vector<Case>{
              {{"N0,10", "F-1.5,2.5", "N"}, {"15", "-7.25", "99999"}, "10\t-1.5\t99999"},
              {{"N0,10", "F-1.5,2.5", "A"}, {"7", "2", "caf\xE9"}, "7\t2\tcaf\xE9"},
