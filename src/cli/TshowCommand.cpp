@@ -3,6 +3,7 @@
 #include "OpCodeDefinitions.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
+#include "TcommandFields.h"
 #include "TdataSet.h"
 #include "TitemList.h"
 #include "TlistTexts.h"
@@ -15,6 +16,7 @@ namespace {
 struct Tcheckitem {
     int number;
     std::string category, categoryName, opCode, opCodeName, command;
+    TnamedCommand fields;
 };
 struct Ttester {
     std::string root;
@@ -51,6 +53,7 @@ Treport gather(const std::filesystem::path &appDir)
     } catch (const TopCodeFileCorrupt &) {
         // Already reported; the op codes read so far still name their checkitems.
     }
+    const TcommandFields fields = TcommandFields::load(data.dataFolder());
     TcategoryMap categories;
     if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)
         sink.error(CategoryDescriptors::loadErrorCaption(), CategoryDescriptors::loadErrorText());
@@ -68,7 +71,7 @@ Treport gather(const std::filesystem::path &appDir)
                                      utf8(CategoryDescriptors::displayText(categories, record.category)),
                                      utf8(std::string(1, record.opCode)),
                                      opCode != opCodes.end() ? utf8(opCode->second.name) : "(unknown op code)",
-                                     TtextEncoding::toUtf8(command, true)});
+                                     TtextEncoding::toUtf8(command, true), fields.name(record)});
     }
     for (const Tautosequence &inspection : data.inspections)
         report.inspections.push_back(utf8(TlistTexts::inspectionRow(inspection)));
@@ -101,7 +104,7 @@ std::string itemList(const std::vector<int> &items)
     return text;
 }
 
-void printText(const Treport &report, std::ostream &out)
+void printText(const Treport &report, bool withFields, std::ostream &out)
 {
     out << "Load messages:" << (report.messages.empty() ? " none" : "") << "\n";
     for (const Message &message : report.messages) {
@@ -125,6 +128,10 @@ void printText(const Treport &report, std::ostream &out)
         std::snprintf(number, sizeof number, "%4d", item.number);
         out << number << "  " << item.category << " " << item.categoryName << " | " << item.opCodeName << " | "
             << item.command << "\n";
+        if (withFields && !item.fields.values.empty())
+            out << "        " << utf8(item.fields.text()) << "\n";
+        if (withFields && !item.fields.misfit.empty())
+            out << "        does not fit its fields: " << utf8(item.fields.misfit) << "\n";
     }
     out << "\nPhysical Inspections:\n";
     for (std::size_t i = 0; i < report.inspections.size(); ++i)
@@ -155,7 +162,13 @@ void printJson(const Treport &report, std::ostream &out)
         const Tcheckitem &item = report.checkitems[i];
         out << (i ? ",\n" : "\n") << "    {\"number\": " << item.number << ", \"category\": " << q(item.category)
             << ", \"categoryName\": " << q(item.categoryName) << ", \"opCode\": " << q(item.opCode)
-            << ", \"opCodeName\": " << q(item.opCodeName) << ", \"command\": " << q(item.command) << "}";
+            << ", \"opCodeName\": " << q(item.opCodeName) << ", \"command\": " << q(item.command) << ", \"fields\": [";
+        for (std::size_t k = 0; k < item.fields.values.size(); ++k) {
+            const TnamedValue &value = item.fields.values[k];
+            out << (k ? ", " : "") << "{\"label\": " << q(utf8(value.label)) << ", \"value\": " << q(utf8(value.value))
+                << ", \"unit\": " << q(utf8(value.unit)) << "}";
+        }
+        out << "], \"misfit\": " << (item.fields.misfit.empty() ? "null" : q(utf8(item.fields.misfit))) << "}";
     }
     out << "\n  ],\n  \"physicalInspections\": [";
     for (std::size_t i = 0; i < report.inspections.size(); ++i)
@@ -178,7 +191,7 @@ void printJson(const Treport &report, std::ostream &out)
     }
     out << "\n  ]\n}\n";
 }
-}
+} // namespace
 
 std::string TshowCommand::summary() const
 {
@@ -187,24 +200,28 @@ std::string TshowCommand::summary() const
 
 std::string TshowCommand::usage() const
 {
-    return "Usage: kt930ctl show [--json] [--appdir DIR]\n"
+    return "Usage: kt930ctl show [--fields] [--json] [--appdir DIR]\n"
            "Loads the data set of DIR/Data as the editor does and prints the load messages,\n"
            "the used checkitems (number, category, op code, command with tabs shown as \xC2\xBB),\n"
            "the physical inspections, the user tester sequences and the used checklists, and warns\n"
            "when other users may write the data folder or one of its data files.\n"
-           "  --json         print the same as one JSON document\n"
+           "  --fields       under each checkitem, its command's values named by the fields of its op\n"
+           "                 code's definition file (\"Low limit=0 ohm/MOhm/uA\"), or why the command does\n"
+           "                 not fit those fields\n"
+           "  --json         print the same as one JSON document; each checkitem has its \"fields\"\n"
+           "                 (label, value, unit) and \"misfit\" (null when the command fits)\n"
            "  --appdir DIR   application folder (default: as kt930ctl where says)\n";
 }
 
 int TshowCommand::run(const std::vector<std::string> &arguments)
 {
     TcliArguments args;
-    if (auto exitCode = parseArguments(arguments, args, {"--json"}, 0))
+    if (auto exitCode = parseArguments(arguments, args, {"--json", "--fields"}, 0))
         return *exitCode;
     Treport report = gather(args.appDir);
     if (args.has("--json"))
         printJson(report, std::cout);
     else
-        printText(report, std::cout);
+        printText(report, args.has("--fields"), std::cout);
     return 0;
 }

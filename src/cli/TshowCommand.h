@@ -1,7 +1,7 @@
 #pragma once
 #include "TcliCommand.h"
 
-// kt930ctl show [--json]: the data set as the frame loads and lists it.
+// kt930ctl show [--fields] [--json]: the data set as the frame loads and lists it.
 class TshowCommand : public TcliCommand {
 public:
     std::string name() const override { return "show"; }

@@ -1,5 +1,4 @@
 #include "TtransferCommand.h"
-#include "TusbOpenAdvice.h"
 #include "OpCodeDefinitions.h"
 #include "TCommPort.h"
 #include "TcliArguments.h"
@@ -7,30 +6,18 @@
 #include "TcliProgressSink.h"
 #include "TdataSet.h"
 #include "TserialPortMap.h"
+#include "TtransferMessageSink.h"
+#include "TusbOpenAdvice.h"
 #include <QCoreApplication>
 #include <cstdio>
 #include <iostream>
 #include <unistd.h>
 
 namespace {
-// Worker messages end the progress bar's line before they are printed.
-class TtransferMessageSink : public TcliMessageSink {
-public:
-    explicit TtransferMessageSink(TcliProgressSink &progress) : TcliMessageSink(&std::cerr), m_progress(progress) {}
-    MsgAnswer show(const Message &message) override
-    {
-        m_progress.finish();
-        return TcliMessageSink::show(message);
-    }
-
-private:
-    TcliProgressSink &m_progress;
-};
-
 int appArgc = 1;
 char appName[] = "kt930ctl";
 char *appArgv[] = {appName, nullptr};
-}
+} // namespace
 
 std::string TtransferCommand::name() const
 {
@@ -58,8 +45,8 @@ std::string TtransferCommand::summary() const
 
 std::string TtransferCommand::usage() const
 {
-    std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N)"
-        + (m_kind == Kind::Upload ? " [--verify] [--force]" : "") + " [--appdir DIR]\n";
+    std::string text = "Usage: kt930ctl " + name() + " (--usb | --ethernet A.B.C.D | --serial N)" +
+                       (m_kind == Kind::Upload ? " [--verify] [--force]" : "") + " [--appdir DIR]\n";
     switch (m_kind) {
     case Kind::Download:
         text += "Fetches the whole data set from the analyzer. When the transfer completed, checks every\n"
@@ -90,8 +77,7 @@ std::string TtransferCommand::usage() const
     return text;
 }
 
-bool TtransferCommand::connectionFrom(const TcliArguments &args, TtransferJob::Parameters &parameters,
-                                      std::string &why)
+bool TtransferCommand::connectionFrom(const TcliArguments &args, TtransferJob::Parameters &parameters, std::string &why)
 {
     const int chosen = int(args.has("--usb")) + int(args.has("--ethernet")) + int(args.has("--serial"));
     if (chosen != 1) {
@@ -104,7 +90,8 @@ bool TtransferCommand::connectionFrom(const TcliArguments &args, TtransferJob::P
         int octets[4];
         char extra;
         const std::string &address = args.options.at("--ethernet");
-        if (std::sscanf(address.c_str(), "%d.%d.%d.%d%c", &octets[0], &octets[1], &octets[2], &octets[3], &extra) != 4) {
+        if (std::sscanf(address.c_str(), "%d.%d.%d.%d%c", &octets[0], &octets[1], &octets[2], &octets[3], &extra) !=
+            4) {
             why = "--ethernet needs an IPv4 address such as 127.0.0.1";
             return false;
         }
@@ -143,8 +130,7 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
         std::cerr << "kt930ctl " << name() << ": " << why << "\n" << usage();
         return 2;
     }
-    QCoreApplication app(appArgc, appArgv);
-    TCommPort::setPortOverrides(TserialPortMap::readOverrides(args.appDir / "KT930pc.ini"));
+    const auto app = transferApplication(args);
     switch (m_kind) {
     case Kind::Download:
         parameters.kind = TtransferJob::Kind::Download;
@@ -157,12 +143,20 @@ int TtransferCommand::run(const std::vector<std::string> &arguments)
     }
 }
 
-TtransferJob::Outcome TtransferCommand::runJob(TtransferJob &job, TcliProgressSink &progress, TcommMethod method) const
+std::unique_ptr<QCoreApplication> TtransferCommand::transferApplication(const TcliArguments &args)
+{
+    auto app = std::make_unique<QCoreApplication>(appArgc, appArgv);
+    TCommPort::setPortOverrides(TserialPortMap::readOverrides(args.appDir / "KT930pc.ini"));
+    return app;
+}
+
+TtransferJob::Outcome TtransferCommand::runJob(const std::string &command, TtransferJob &job,
+                                               TcliProgressSink &progress, TcommMethod method)
 {
     const TtransferJob::Outcome outcome = job.run(progress);
     progress.finish();
     if (outcome == TtransferJob::Outcome::Failed && method == TcommMethod::USB)
-        std::cerr << "kt930ctl " << name() << ": " << TusbOpenAdvice::forFailure(TusbDeviceApi::lastOpenAttempt());
+        std::cerr << "kt930ctl " << command << ": " << TusbOpenAdvice::forFailure(TusbDeviceApi::lastOpenAttempt());
     return outcome;
 }
 
@@ -176,7 +170,7 @@ int TtransferCommand::replace(TtransferJob::Parameters parameters, const TcliArg
     parameters.context = &data;
     parameters.savedParts = TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters | TdataSet::Checklists;
     TtransferJob job(parameters, messages);
-    if (runJob(job, progress, parameters.method) != TtransferJob::Outcome::Completed)
+    if (runJob(name(), job, progress, parameters.method) != TtransferJob::Outcome::Completed)
         return 1;
     if (parameters.kind == TtransferJob::Kind::Sync)
         std::cout << "Saved the analyzer's checkitem database as " << data.dataFile("mit.dat").string() << "\n";
@@ -200,13 +194,13 @@ std::string checkitemsWithUnknownOpCodes(const TdataSet &data, MessageSink &sink
     const std::vector<std::size_t> slots = data.checkitems.slotsWithUnknownOpCodes(known);
     std::string named;
     for (std::size_t i = 0; i < slots.size() && i < NamedAtMost; ++i)
-        named += std::string(i ? ", " : "") + "slot " + std::to_string(slots[i]) + " ("
-            + data.checkitems[slots[i] - 1].opCode + ")";
+        named += std::string(i ? ", " : "") + "slot " + std::to_string(slots[i]) + " (" +
+                 data.checkitems[slots[i] - 1].opCode + ")";
     if (slots.size() > NamedAtMost)
         named += " and " + std::to_string(slots.size() - NamedAtMost) + " more";
     return named;
 }
-}
+} // namespace
 
 int TtransferCommand::upload(TtransferJob::Parameters parameters, const TcliArguments &args)
 {
@@ -232,7 +226,7 @@ int TtransferCommand::upload(TtransferJob::Parameters parameters, const TcliArgu
     parameters.data = &data;
     parameters.context = &data;
     TtransferJob job(parameters, messages);
-    if (runJob(job, progress, parameters.method) != TtransferJob::Outcome::Completed)
+    if (runJob(name(), job, progress, parameters.method) != TtransferJob::Outcome::Completed)
         return 1;
     std::cout << "Uploaded the data set of " << data.dataFolder().string() << "\n";
     if (!args.has("--verify"))
@@ -246,7 +240,7 @@ int TtransferCommand::verify(TtransferJob::Parameters parameters)
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
     TtransferJob job(parameters, messages);
-    switch (runJob(job, progress, parameters.method)) {
+    switch (runJob(name(), job, progress, parameters.method)) {
     case TtransferJob::Outcome::Completed:
         std::cout << "Verified: the analyzer's memory equals what was sent\n";
         return 0;

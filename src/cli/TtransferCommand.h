@@ -3,6 +3,9 @@
 // from the command line against an analyzer (or kt930sim).
 #include "TcliCommand.h"
 #include "TtransferJob.h"
+#include <memory>
+
+class QCoreApplication;
 
 struct TcliArguments;
 class TcliProgressSink;
@@ -19,6 +22,12 @@ public:
 
     // --usb, --ethernet A.B.C.D or --serial N into the parameters; false with why.
     static bool connectionFrom(const TcliArguments &args, TtransferJob::Parameters &parameters, std::string &why);
+    // The Qt application a transfer's worker needs, with the serial ports DIR/KT930pc.ini maps.
+    static std::unique_ptr<QCoreApplication> transferApplication(const TcliArguments &args);
+    // Runs the job to its end. A failed USB transfer names the device it tried,
+    // which the analyzer's boxes do not.
+    static TtransferJob::Outcome runJob(const std::string &command, TtransferJob &job, TcliProgressSink &progress,
+                                        TcommMethod method);
 
 private:
     // Download and sync: the job run, its files saved; the exit code.
@@ -26,9 +35,5 @@ private:
     int upload(TtransferJob::Parameters parameters, const TcliArguments &args);
     // Reads the analyzer's memory back after an upload; 0 when it equals what was sent.
     int verify(TtransferJob::Parameters parameters);
-    // Runs the job to its end. A failed USB transfer names the device it tried,
-    // which the analyzer's boxes do not.
-    TtransferJob::Outcome runJob(TtransferJob &job, TcliProgressSink &progress, TcommMethod method) const;
-
     Kind m_kind;
 };

@@ -1,4 +1,5 @@
 // kt930ctl: the data set and the analyzer from a terminal or a script.
+#include "TdiffCommand.h"
 #include "TexportCsvCommand.h"
 #ifdef KT930_HAS_PRINT
 #include "TlistingCommand.h"
@@ -28,6 +29,7 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Sync));
+    commands.push_back(std::make_unique<TdiffCommand>());
     commands.push_back(std::make_unique<TrestorePointsCommand>());
     commands.push_back(std::make_unique<TrestoreCommand>());
     commands.push_back(std::make_unique<TwhereCommand>());
@@ -49,7 +51,7 @@ std::string overview(const std::vector<std::unique_ptr<TcliCommand>> &commands)
             "Exit codes: 0 success, 1 failure, 2 bad command line.\n";
     return text;
 }
-}
+} // namespace
 
 int main(int argc, char **argv)
 {

@@ -49,6 +49,7 @@ TtransferJob::TtransferJob(const Parameters &parameters, MessageSink &messages)
                                                        &data->inspections);
         break;
     case Kind::Download:
+    case Kind::Read:
         m_record = std::make_unique<TdownloadCommStruct>(&data->checkitems, &data->checklists, &data->userTesters,
                                                          &data->inspections);
         break;
@@ -116,6 +117,7 @@ TtransferJob::Outcome TtransferJob::takeOver()
         return m_difference.empty() ? Outcome::Completed : Outcome::Differs;
     }
     case Kind::Upload:
+    case Kind::Read:
         break;
     }
     return Outcome::Completed;

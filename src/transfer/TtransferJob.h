@@ -1,5 +1,5 @@
 #pragma once
-// One transfer with the analyzer as a job: download, upload, verify or sync. The
+// One transfer with the analyzer as a job: download, upload, verify, sync or read. The
 // parameters go in, progress and messages go out through the sinks, an outcome
 // comes back. The job builds the transfer record and its worker, and owns what
 // follows a completed transfer (the op-code check, the saves that keep a restore
@@ -19,8 +19,10 @@ struct TsyncCommStruct;
 class TtransferJob {
 public:
     // Verify reads the analyzer's memory back into a record of its own and compares
-    // it with what an upload of the data set sends; it changes nothing.
-    enum class Kind { Download, Upload, Verify, Sync };
+    // it with what an upload of the data set sends; it changes nothing. Read is a
+    // download into the data set's containers alone: no op-code repair, no file saved,
+    // so a scratch data set shows the analyzer's content as it is.
+    enum class Kind { Download, Upload, Verify, Sync, Read };
     enum class Outcome {
         Completed,
         Failed,   // the transfer failed or was cancelled; the worker has said why

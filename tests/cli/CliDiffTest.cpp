@@ -1,0 +1,110 @@
+// kt930ctl diff against another folder and against the real simulator (its memory: the demo set), and show --fields.
+#include "CliFixture.h"
+#include "LoopbackAddress.h"
+#include "TsimProcess.h"
+namespace fs = std::filesystem;
+
+namespace {
+struct CliDiffTest : CliFixture {
+    // Checkitem 15 of the demo set holds "EB\t0\t0.1\t0\t5".
+    void changeCheckitem15(const std::string &folder, const std::string &command)
+    {
+        std::string bytes = TempDir::read(temp / folder / "Data/mit.dat");
+        bytes.replace(bytes.find("EB\t0\t0.1\t0\t5"), command.size(), command);
+        temp.write(folder + "/Data/mit.dat", bytes);
+    }
+    std::string dataFiles() const
+    {
+        std::string all;
+        for (const auto &entry : fs::directory_iterator(temp / "app/Data"))
+            all += entry.path().filename().string() + ":" + TempDir::read(entry.path()) + "\n";
+        return all;
+    }
+    static std::string shown(const std::string &low)
+    {
+        return "\"L - Meas. w Limits\" EB\xC2\xBB"
+               "0\xC2\xBB" +
+               low +
+               "\xC2\xBB"
+               "0\xC2\xBB"
+               "5";
+    }
+    static std::string escaped(std::string text)
+    {
+        for (std::size_t at = 0; (at = text.find('"', at)) != std::string::npos; at += 2)
+            text.insert(at, "\\");
+        return "\"" + text + "\"";
+    }
+    const std::string demo = shown("0.1"), changed = shown("0.2");
+};
+} // namespace
+
+TEST_F(CliDiffTest, FolderAgainstFolderOrItsDataFolder)
+{
+    fs::copy(temp / "app", temp / "other", fs::copy_options::recursive);
+    EXPECT_EQ(outcome(ctl({"diff", (temp / "other/Data").string()})), std::tuple(0, "No differences\n", ""));
+    changeCheckitem15("other", "EB\t0\t0.2\t0\t5");
+    const std::string line = "checkitem 15: " + demo + " -> " + changed;
+    EXPECT_EQ(outcome(ctl({"diff", (temp / "other").string()})),
+              std::tuple(1, line + "\n1 difference (checkitems 1)\n", ""));
+    EXPECT_EQ(ctl({"diff", (temp / "other").string(), "--json"}).out,
+              "{\n  \"differences\": [\n    {\"kind\": \"checkitem\", \"number\": 15, \"place\": \"checkitem 15\", "
+              "\"from\": " +
+                  escaped(demo) + ", \"to\": " + escaped(changed) + ", \"line\": " + escaped(line) +
+                  "}\n  ],\n  \"counts\": {\"checkitems\": 1, \"inspections\": 0, \"user testers\": 0, "
+                  "\"checklists\": 0, \"categories\": 0},\n  \"summary\": \"1 difference (checkitems 1)\"\n}\n");
+    EXPECT_EQ(outcome(ctl({"diff", temp.path().string()})),
+              std::tuple(2, "",
+                         "kt930ctl diff: " + temp.path().string() +
+                             " holds no data set: neither it nor its Data folder has mit.dat, inspection.asq, "
+                             "usertester1-5.asq or testProc.asq\n"));
+    EXPECT_EQ(ctl({"diff"}).err.substr(0, 102), "kt930ctl diff: name another folder, or the analyzer with --usb, "
+                                                "--ethernet A.B.C.D or --serial N\nUsage");
+    EXPECT_EQ(ctl({"diff", "--usb", (temp / "other").string()}).exitCode, 2);
+}
+
+// The analyzer is read into memory only: the PC's files stay as they were, byte for byte.
+TEST_F(CliDiffTest, PcAgainstTheAnalyzerChangesNoFile)
+{
+    const std::string at = LoopbackAddress(40, 32).text();
+    TsimProcess sim(
+        {"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "mem.bin").string()});
+    ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
+    changeCheckitem15("app", "EB\t0\t0.2\t0\t5");
+    const std::string before = dataFiles();
+    ProgramRun result = ctl({"diff", "--ethernet", at});
+    EXPECT_EQ(std::tuple(result.exitCode, result.out),
+              std::tuple(1, "checkitem 15: " + changed + " -> " + demo + "\n1 difference (checkitems 1)\n"))
+        << result.err;
+    EXPECT_EQ(dataFiles(), before);
+    sim.stop();
+    result = ctl({"diff", "--ethernet", at});
+    EXPECT_EQ(std::tuple(result.exitCode, result.out), std::tuple(2, ""));
+    EXPECT_TRUE(
+        result.err.ends_with("kt930ctl diff: the analyzer's data set could not be read; nothing was compared\n"))
+        << result.err;
+    EXPECT_EQ(dataFiles(), before);
+}
+
+TEST_F(CliDiffTest, ShowFieldsNamesEachValueAndSaysWhenACommandDoesNotFit)
+{
+    changeCheckitem15("app", "EB\t0\t0.1\t0\tx");
+    const std::string text = ctl({"show", "--fields"}).out;
+    const std::string fields = "        Test (EB/IR/LC)=EB, Low limit=0 ohm/MOhm/uA, High limit=0.1 ohm/MOhm/uA, "
+                               "Test voltage=0 V\n        does not fit its fields: \"x\" is not a number (Duration)\n";
+    EXPECT_NE(text.find("EB\xC2\xBB"
+                        "0\xC2\xBB"
+                        "0.1\xC2\xBB"
+                        "0\xC2\xBBx\n" +
+                        fields),
+              std::string::npos)
+        << text;
+    const std::string json = ctl({"show", "--json"}).out;
+    EXPECT_NE(
+        json.find("\"fields\": [{\"label\": \"Test (EB/IR/LC)\", \"value\": \"EB\", \"unit\": \"\"}, {\"label\": "
+                  "\"Low limit\", \"value\": \"0\", \"unit\": \"ohm/MOhm/uA\"}, {\"label\": \"High limit\", "
+                  "\"value\": \"0.1\", \"unit\": \"ohm/MOhm/uA\"}, {\"label\": \"Test voltage\", \"value\": \"0\", "
+                  "\"unit\": \"V\"}], \"misfit\": \"\\\"x\\\" is not a number (Duration)\"}"),
+        std::string::npos)
+        << json;
+}
