@@ -20,22 +20,31 @@ namespace fs = std::filesystem;
 namespace {
 // A data set with what names its checkitems: the op codes and category names of its folder.
 struct Tloaded {
-    Tloaded(const fs::path &appDir, MessageSink &sink) : data(appDir, sink) {}
+    explicit Tloaded(const fs::path &appDir) : data(appDir, messages) {}
+    TcliMessageSink messages; // kept until the load is over, then printed under the folder's name
     TdataSet data;
     TopCodeTable opCodes;
     std::optional<TcategoryMap> categories;
+    const TcategoryMap *names() const { return categories ? &*categories : nullptr; }
 };
 
-void load(Tloaded &set, MessageSink &sink)
+// Two sets' load messages would read alike: each set's come under its folder's name.
+void load(Tloaded &set)
 {
     set.data.loadAll();
     try {
-        OpCodeDefinitions::load(set.data.dataFolder(), set.opCodes, sink);
+        OpCodeDefinitions::load(set.data.dataFolder(), set.opCodes, set.messages);
     } catch (const TopCodeFileCorrupt &) {
         // Reported; the op codes read so far still name their checkitems.
     }
     if (TcategoryMap names; CategoryDescriptors::load(set.data.dataFile("catdes.dat"), names) == 0)
         set.categories = std::move(names);
+    if (set.messages.messages().empty())
+        return;
+    std::cerr << "kt930ctl diff: loading " << set.data.dataFolder().string() << ":\n";
+    TcliMessageSink printer(&std::cerr);
+    for (const Message &message : set.messages.messages())
+        printer.show(message);
 }
 
 // The application folder of folder: folder itself when its data folder holds a data
@@ -109,7 +118,7 @@ bool choosesAnalyzer(const std::vector<std::string> &arguments)
 bool namesFolderOrAsksForHelp(const std::vector<std::string> &arguments)
 {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (arguments[i] == "--help" || arguments[i] == "-h" || arguments[i].rfind("-", 0) != 0)
+        if (arguments[i] == "--help" || arguments[i] == "-h" || !arguments[i].starts_with('-'))
             return true;
         if (arguments[i] == "--appdir")
             ++i;
@@ -170,14 +179,10 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
                          "usertester1-5.asq or testProc.asq\n";
             return Trouble;
         }
-        TcliMessageSink sink(&std::cerr);
-        Tloaded mine(args.appDir, sink), theirs(*otherApp, sink);
-        load(mine, sink);
-        load(theirs, sink);
-        return report(TdataSetComparison({mine.data, mine.categories ? &*mine.categories : nullptr},
-                                         {theirs.data, theirs.categories ? &*theirs.categories : nullptr},
-                                         mine.opCodes),
-                      json);
+        Tloaded mine(args.appDir), theirs(*otherApp);
+        load(mine);
+        load(theirs);
+        return report(TdataSetComparison({mine.data, mine.names()}, {theirs.data, theirs.names()}, mine.opCodes), json);
     }
 
     TtransferJob::Parameters parameters;
@@ -189,8 +194,8 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
     const auto app = TtransferCommand::transferApplication(args);
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
-    Tloaded mine(args.appDir, messages);
-    load(mine, messages);
+    Tloaded mine(args.appDir);
+    load(mine);
     // Never saved: the analyzer's content goes into this set alone.
     TdataSet analyzerSet(args.appDir, messages);
     parameters.kind = TtransferJob::Kind::Read;
