@@ -29,7 +29,8 @@ struct Tloaded {
 };
 
 // Two sets' load messages would read alike: each set's come under its folder's name.
-void load(Tloaded &set)
+// False when the set did not load cleanly: what failed was replaced by defaults.
+bool load(Tloaded &set)
 {
     set.data.loadAll();
     try {
@@ -40,11 +41,12 @@ void load(Tloaded &set)
     if (TcategoryMap names; CategoryDescriptors::load(set.data.dataFile("catdes.dat"), names) == 0)
         set.categories = std::move(names);
     if (set.messages.messages().empty())
-        return;
+        return true;
     std::cerr << "kt930ctl diff: loading " << set.data.dataFolder().string() << ":\n";
     TcliMessageSink printer(&std::cerr);
     for (const Message &message : set.messages.messages())
         printer.show(message);
+    return false;
 }
 
 // The application folder of folder: folder itself when its data folder holds a data
@@ -98,12 +100,19 @@ void printJson(const TdataSetComparison &comparison, std::ostream &out)
     out << "},\n  \"summary\": " << q(comparison.summary()) << "\n}\n";
 }
 
-int report(const TdataSetComparison &comparison, bool json)
+// A set that did not load cleanly was compared with defaults in place of what failed:
+// the differences are printed, but the answer is trouble, not "same" or "different".
+int report(const TdataSetComparison &comparison, bool json, bool loadedCleanly)
 {
     if (json)
         printJson(comparison, std::cout);
     else
         printText(comparison, std::cout);
+    if (!loadedCleanly) {
+        std::cerr << "kt930ctl diff: a data set did not load cleanly (see above); defaults stood in for what "
+                     "failed\n";
+        return TdiffCommand::Trouble;
+    }
     return comparison.same() ? TdiffCommand::Same : TdiffCommand::Different;
 }
 
@@ -152,7 +161,8 @@ std::string TdiffCommand::usage() const
            "  --usb, --ethernet ADDR, --serial N   the analyzer, as kt930ctl download --help says\n"
            "  --appdir DIR     application folder (default: as kt930ctl where says)\n"
            "Exit code 0 when the data sets are the same, 1 when they differ, 2 on trouble (a bad\n"
-           "command line, a folder without a data set, a read from the analyzer that failed).\n";
+           "command line, a folder without a data set, a data set that did not load cleanly, a read from\n"
+           "the analyzer that failed).\n";
 }
 
 int TdiffCommand::run(const std::vector<std::string> &arguments)
@@ -180,9 +190,10 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
             return Trouble;
         }
         Tloaded mine(args.appDir), theirs(*otherApp);
-        load(mine);
-        load(theirs);
-        return report(TdataSetComparison({mine.data, mine.names()}, {theirs.data, theirs.names()}, mine.opCodes), json);
+        const bool mineClean = load(mine);
+        const bool theirsClean = load(theirs);
+        return report(TdataSetComparison({mine.data, mine.names()}, {theirs.data, theirs.names()}, mine.opCodes), json,
+                      mineClean && theirsClean);
     }
 
     TtransferJob::Parameters parameters;
@@ -195,7 +206,7 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
     TcliProgressSink progress(std::cerr, isatty(STDERR_FILENO));
     TtransferMessageSink messages(progress);
     Tloaded mine(args.appDir);
-    load(mine);
+    const bool clean = load(mine);
     // Never saved: the analyzer's content goes into this set alone.
     TdataSet analyzerSet(args.appDir, messages);
     parameters.kind = TtransferJob::Kind::Read;
@@ -206,5 +217,5 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
         std::cerr << "kt930ctl diff: the analyzer's data set could not be read; nothing was compared\n";
         return Trouble;
     }
-    return report(TdataSetComparison({mine.data, nullptr}, {analyzerSet, nullptr}, mine.opCodes), json);
+    return report(TdataSetComparison({mine.data, nullptr}, {analyzerSet, nullptr}, mine.opCodes), json, clean);
 }

@@ -43,6 +43,13 @@ TEST_F(CliDiffTest, FolderAgainstFolderOrItsDataFolder)
                          "kt930ctl diff: " + temp.path().string() +
                              " holds no data set: neither it nor its Data folder has mit.dat, inspection.asq, "
                              "usertester1-5.asq or testProc.asq\n"));
+    // A file that did not load was compared as its defaults: printed, but trouble.
+    temp.write("other/Data/inspection.asq", "not an autosequence file");
+    const ProgramRun corrupt = ctl({"diff", (temp / "other").string()});
+    EXPECT_EQ(corrupt.exitCode, 2);
+    EXPECT_TRUE(corrupt.err.ends_with("kt930ctl diff: a data set did not load cleanly (see above); defaults stood in "
+                                      "for what failed\n"))
+        << corrupt.err;
     EXPECT_EQ(ctl({"diff"}).err.substr(0, 102), "kt930ctl diff: name another folder, or the analyzer with --usb, "
                                                 "--ethernet A.B.C.D or --serial N\nUsage");
 }

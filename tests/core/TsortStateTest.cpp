@@ -25,7 +25,8 @@ TEST(TsortState, NumberNamesColumnAndDirection)
     for (const auto &s : states) {
         const TsortState sort(std::uint8_t(s.number));
         EXPECT_EQ(sort.column(), s.column) << s.number;
-        if (s.column >= 0)
+        if (s.column >= 0) {
             EXPECT_EQ(sort.ascending(), s.ascending) << s.number;
+        }
     }
 }
