@@ -44,9 +44,10 @@ int TwhereCommand::run(const std::vector<std::string> &arguments)
               << "shipped defaults:   "
               << (folders.defaults.empty() ? std::string("none (not installed)") : existing(folders.defaults)) << "\n";
     const TrecentFolders recent(folders.hostSettings);
+    std::error_code ec;
     if (!recent.folders().empty())
         std::cout << "recent folders (newest first, from " << recent.file().string() << "):\n";
     for (const std::filesystem::path &folder : recent.folders())
-        std::cout << "  " << existing(folder) << "\n";
+        std::cout << "  " << folder.string() << (std::filesystem::exists(folder, ec) ? "" : " (not there)") << "\n";
     return 0;
 }
