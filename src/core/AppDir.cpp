@@ -41,24 +41,6 @@ fs::path installPrefix(const fs::path &executableFolder)
     return {};
 }
 
-// The user's data is the user's alone: folders the program makes are 0700.
-void createPrivateFolders(const fs::path &folder, std::error_code &ec)
-{
-    fs::path made;
-    for (const fs::path &part : folder) {
-        made /= part;
-        struct stat st {};
-        if (::stat(made.c_str(), &st) == 0)
-            continue;
-        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-            ec.assign(errno, std::generic_category());
-            return;
-        }
-    }
-    if (!fs::is_directory(folder, ec) && !ec)
-        ec = std::make_error_code(std::errc::not_a_directory);
-}
-
 fs::path makeStagingFolder(const fs::path &applicationFolder, std::error_code &ec)
 {
     std::string name = (applicationFolder / "Data.seed-XXXXXX").string();
@@ -118,7 +100,7 @@ bool renameIntoPlace(const fs::path &from, const fs::path &to, std::error_code &
     ec.assign(errno, std::generic_category());
     return true;
 }
-}
+} // namespace
 
 TappEnvironment TappEnvironment::current()
 {
@@ -129,6 +111,8 @@ TappEnvironment TappEnvironment::current()
     environment.appDirOverride = variable("KT930PC_APPDIR");
     environment.xdgDataHome = variable("XDG_DATA_HOME");
     environment.home = variable("HOME");
+    environment.openedFolder = variable(TappDir::OpenedFolderVariable);
+    environment.xdgConfigHome = variable("XDG_CONFIG_HOME");
     return environment;
 }
 
@@ -161,6 +145,14 @@ TappFolders TappDir::resolve(const TappEnvironment &environment)
         folders.help = prefix / KT930_INSTALL_SHAREDIR;
         folders.defaults = prefix / KT930_INSTALL_SHAREDIR / "Data";
     }
+    if (fs::path(environment.xdgConfigHome).is_absolute())
+        folders.hostSettings = fs::path(environment.xdgConfigHome) / "kt930pc";
+    else if (!environment.home.empty())
+        folders.hostSettings = fs::path(environment.home) / ".config/kt930pc";
+    if (!environment.openedFolder.empty()) {
+        folders.application = environment.openedFolder;
+        folders.reason = "it was opened in kt930pc (File > Open Data Folder)";
+    }
     return folders;
 }
 
@@ -170,6 +162,24 @@ fs::path TappDir::dataFolder(const fs::path &appDir)
     if (!fs::is_directory(appDir / "Data", ec) && fs::is_directory(appDir / "data", ec))
         return appDir / "data";
     return appDir / "Data";
+}
+
+// The user's data is the user's alone: folders the program makes are 0700.
+void TappDir::createPrivateFolders(const fs::path &folder, std::error_code &ec)
+{
+    fs::path made;
+    for (const fs::path &part : folder) {
+        made /= part;
+        struct stat st {};
+        if (::stat(made.c_str(), &st) == 0)
+            continue;
+        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+            ec.assign(errno, std::generic_category());
+            return;
+        }
+    }
+    if (!fs::is_directory(folder, ec) && !ec)
+        ec = std::make_error_code(std::errc::not_a_directory);
 }
 
 TappDir::Seeding TappDir::seed(const TappFolders &folders, std::string &message)
@@ -198,12 +208,12 @@ TappDir::Seeding TappDir::seed(const TappFolders &folders, std::string &message)
     if (lost)
         return Seeding::Present; // another program seeded it first: theirs is the data set
     if (ec) {
-        message = "The data folder " + target.string() + " could not be created from " + folders.defaults.string()
-            + ": " + ec.message() + ".";
+        message = "The data folder " + target.string() + " could not be created from " + folders.defaults.string() +
+                  ": " + ec.message() + ".";
         return Seeding::Failed;
     }
     syncFolder(folders.application);
-    message = "Your data folder " + folders.application.string()
-        + " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.";
+    message = "Your data folder " + folders.application.string() +
+              " was created from the shipped defaults. Your checkitems, sequences and settings are kept there.";
     return Seeding::Created;
 }

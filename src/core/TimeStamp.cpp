@@ -1,12 +1,22 @@
 #include "TimeStamp.h"
-#include <ctime>
+
+namespace {
+std::string formatted(std::time_t time, const char *format)
+{
+    std::tm local{};
+    localtime_r(&time, &local);
+    char text[32];
+    std::strftime(text, sizeof text, format, &local);
+    return text;
+}
+} // namespace
 
 std::string localTimeStamp()
 {
-    const std::time_t now = std::time(nullptr);
-    std::tm local {};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y%m%d-%H%M%S", &local);
-    return text;
+    return formatted(std::time(nullptr), "%Y%m%d-%H%M%S");
+}
+
+std::string localTimeText(std::time_t time)
+{
+    return formatted(time, "%Y-%m-%d %H:%M:%S");
 }

@@ -1,14 +1,18 @@
 #include "ThostMainWindow.h"
 #include "THelpWindow.h"
+#include "TdataFolderCopy.h"
 #include "TdataFolderLock.h"
 #include "TdataFolderSession.h"
+#include "ThostDashboard.h"
 #include "TrestorePointDialog.h"
 #include "TrestorePoints.h"
+#include <QAbstractButton>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
-#include <QFileInfo>
 #include <QEvent>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -26,6 +30,10 @@
 namespace {
 const QString ProgramName = QStringLiteral("KT930 Plus PC");
 const QString RestoreCaption = QStringLiteral("Restore Previous Data Set");
+const QString OpenCaption = QStringLiteral("Open Data Folder");
+const QString SaveAsCaption = QStringLiteral("Save Data Folder As");
+const QString ReturnFirstText =
+    QStringLiteral("Return to the main window first, so that the open view saves its changes.");
 
 QString text(const std::filesystem::path &path)
 {
@@ -47,12 +55,12 @@ void tell(ThostMainWindow::Reporting reporting, QMessageBox::Icon icon, const QS
     box.setWindowModality(Qt::ApplicationModal);
     box.exec();
 }
-}
+} // namespace
 
-ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting)
-    : m_folders(folders), m_reporting(reporting)
+ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting,
+                                 std::unique_ptr<TdataFolderSession> session)
+    : m_folders(folders), m_reporting(reporting), m_session(std::move(session)), m_recent(folders.hostSettings)
 {
-    setWindowTitle(ProgramName);
     setWindowIcon(QIcon(QStringLiteral(":/kt930pc.svg")));
     restoreWindowGeometry();
     m_container = new QWidget(this);
@@ -75,20 +83,55 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
     const QString pluginFolder = text(folders.plugins);
     loadPlugins(pluginFolder);
     if (m_plugins.empty())
-        m_buttonLayout->addWidget(new QLabel(QStringLiteral("No plug-ins were found in %1.").arg(pluginFolder), m_mainView));
+        m_buttonLayout->addWidget(
+            new QLabel(QStringLiteral("No plug-ins were found in %1.").arg(pluginFolder), m_mainView));
+    m_dashboard = new ThostDashboard(m_mainView);
+    connect(m_dashboard, &ThostDashboard::folderChosen, this,
+            [this](const QString &folder) { openDataFolder(folder.toStdString()); });
+    m_buttonLayout->addWidget(m_dashboard);
     m_buttonLayout->addStretch();
+    // The overview is read again whenever the main view comes back.
+    m_mainView->installEventFilter(this);
     createMenus();
 
     // A permanent widget: transient status messages never hide which data is in use.
-    auto *folderLabel = new QLabel(QStringLiteral("Application folder: %1").arg(text(folders.application)), this);
-    folderLabel->setObjectName(QStringLiteral("applicationFolder"));
-    folderLabel->setToolTip(QString::fromStdString(folders.reason));
-    statusBar()->addWidget(folderLabel, 1);
+    m_folderLabel = new QLabel(this);
+    m_folderLabel->setObjectName(QStringLiteral("applicationFolder"));
+    statusBar()->addWidget(m_folderLabel, 1);
+    std::string why;
+    m_recent.add(m_folders.application, why); // a list that cannot be written costs nothing now
+    showFolder();
+}
+
+void ThostMainWindow::showFolder()
+{
+    const QString folder = text(m_folders.application);
+    setWindowTitle(ProgramName + QStringLiteral(" - ") + folder);
+    m_folderLabel->setText(QStringLiteral("Data folder: %1").arg(folder));
+    m_folderLabel->setToolTip(QString::fromStdString(m_folders.reason));
+    std::vector<std::filesystem::path> others;
+    for (const std::filesystem::path &recent : m_recent.folders())
+        if (recent != m_folders.application.lexically_normal())
+            others.push_back(recent);
+    m_recentMenu->clear();
+    for (const std::filesystem::path &recent : others)
+        m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(m_recentMenu->actions().size() + 1).arg(text(recent)),
+                                this, [this, recent] { openDataFolder(recent); });
+    m_recentMenu->setEnabled(!others.empty());
+    m_dashboard->refresh(m_folders.application, others);
 }
 
 void ThostMainWindow::createMenus()
 {
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    QAction *open = file->addAction(QStringLiteral("&Open Data Folder..."), this, &ThostMainWindow::chooseDataFolder);
+    open->setObjectName(QStringLiteral("actionOpenFolder"));
+    open->setShortcut(QKeySequence::Open);
+    file->addAction(QStringLiteral("Save Data Folder &As..."), this, &ThostMainWindow::chooseSaveTarget)
+        ->setObjectName(QStringLiteral("actionSaveFolderAs"));
+    m_recentMenu = file->addMenu(QStringLiteral("Recent Data &Folders"));
+    m_recentMenu->setObjectName(QStringLiteral("menuRecent"));
+    file->addSeparator();
     file->addAction(QStringLiteral("&Restore Previous Data Set..."), this, &ThostMainWindow::restorePreviousDataSet)
         ->setObjectName(QStringLiteral("actionRestore"));
     file->addSeparator();
@@ -108,7 +151,8 @@ void ThostMainWindow::createMenus()
         help->addSeparator();
     help->addAction(QStringLiteral("&About %1").arg(ProgramName), this, &ThostMainWindow::showAbout)
         ->setObjectName(QStringLiteral("actionAbout"));
-    help->addAction(QStringLiteral("About &Qt"), qApp, &QApplication::aboutQt)->setObjectName(QStringLiteral("actionAboutQt"));
+    help->addAction(QStringLiteral("About &Qt"), qApp, &QApplication::aboutQt)
+        ->setObjectName(QStringLiteral("actionAboutQt"));
 }
 
 QString ThostMainWindow::aboutText()
@@ -139,8 +183,8 @@ void ThostMainWindow::prepareDataFolder(const TappFolders &folders, Reporting re
          QString::fromStdString(message));
 }
 
-bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &session, const std::filesystem::path &dataFolder,
-                                                  Reporting reporting)
+bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &session,
+                                                  const std::filesystem::path &dataFolder, Reporting reporting)
 {
     if (!session.inUse())
         return true;
@@ -162,18 +206,18 @@ bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &sess
 void ThostMainWindow::restorePreviousDataSet()
 {
     if (m_mainView->isHidden()) {
-        QMessageBox::information(this, RestoreCaption,
-                                 QStringLiteral("Return to the main window first, so that the open view saves its changes."));
+        QMessageBox::information(this, RestoreCaption, ReturnFirstText);
         return;
     }
     const std::filesystem::path dataFolder = TappDir::dataFolder(m_folders.application);
     TrestorePoints restorePoints(dataFolder);
     const std::vector<TrestorePoint> points = restorePoints.list();
     if (points.empty()) {
-        QMessageBox::information(this, RestoreCaption,
-                                 QStringLiteral("There are no restore points in %1.\nA download, a sync or an import keeps "
-                                                "the files it replaces as one.")
-                                     .arg(text(dataFolder)));
+        QMessageBox::information(
+            this, RestoreCaption,
+            QStringLiteral("There are no restore points in %1.\nA download, a sync or an import keeps "
+                           "the files it replaces as one.")
+                .arg(text(dataFolder)));
         return;
     }
     TrestorePointDialog dialog(points, this);
@@ -181,11 +225,12 @@ void ThostMainWindow::restorePreviousDataSet()
         return;
     const TrestorePoint &chosen = points[std::size_t(dialog.chosenNumber() - 1)];
     const QString when = QString::fromStdString(chosen.time), action = QString::fromStdString(chosen.action);
-    QMessageBox confirm(QMessageBox::Question, RestoreCaption,
-                        QStringLiteral("Put back the files that \"%1\" replaced on %2?\n\nThe current files are kept as "
-                                       "a restore point first, so this can be undone.")
-                            .arg(action, when),
-                        QMessageBox::Yes | QMessageBox::No, this);
+    QMessageBox confirm(
+        QMessageBox::Question, RestoreCaption,
+        QStringLiteral("Put back the files that \"%1\" replaced on %2?\n\nThe current files are kept as "
+                       "a restore point first, so this can be undone.")
+            .arg(action, when),
+        QMessageBox::Yes | QMessageBox::No, this);
     confirm.setDefaultButton(QMessageBox::No);
     if (confirm.exec() != QMessageBox::Yes)
         return;
@@ -214,8 +259,9 @@ void ThostMainWindow::restorePreviousDataSet()
                                                 "replaced are now restore point 1.")
                                      .arg(action, when));
     else
-        QMessageBox::warning(this, RestoreCaption,
-                             QStringLiteral("The data set could not be restored.\n%1").arg(QString::fromStdString(why)));
+        QMessageBox::warning(
+            this, RestoreCaption,
+            QStringLiteral("The data set could not be restored.\n%1").arg(QString::fromStdString(why)));
 }
 
 ThostMainWindow::~ThostMainWindow()
@@ -231,7 +277,8 @@ ThostMainWindow::~ThostMainWindow()
 // may have gone away or shrunk since); else the design size fitted to the screen.
 void ThostMainWindow::restoreWindowGeometry()
 {
-    const QByteArray saved = QSettings(settingsFile(m_folders), QSettings::IniFormat).value(QStringLiteral("HOST/geometry")).toByteArray();
+    const QByteArray saved =
+        QSettings(settingsFile(m_folders), QSettings::IniFormat).value(QStringLiteral("HOST/geometry")).toByteArray();
     if (!saved.isEmpty() && restoreGeometry(saved)) {
         // Not shown yet, so the frame is not known: allow for one as fitToScreen does.
         const QRect framed = geometry().adjusted(-8, -40, 8, 8);
@@ -257,7 +304,8 @@ void ThostMainWindow::fitToScreen()
     // Room for the title bar and borders, which the window system adds outside.
     const QSize decoration(16, 48);
     resize(QSize(820, 620).boundedTo(available.size() - decoration));
-    move(available.topLeft() + QPoint((available.width() - width()) / 2, (available.height() - height() - decoration.height()) / 2));
+    move(available.topLeft() +
+         QPoint((available.width() - width()) / 2, (available.height() - height() - decoration.height()) / 2));
 }
 
 void ThostMainWindow::report(const QString &text)
@@ -318,6 +366,8 @@ void ThostMainWindow::showPlugin(int index)
 
 bool ThostMainWindow::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_mainView && event->type() == QEvent::Show)
+        showFolder();
     // A frame that hid itself without handing the view back still returns the user to the buttons.
     if (event->type() == QEvent::HideToParent && !m_mainView->isVisible()) {
         for (const Plugin &plugin : m_plugins)
@@ -325,4 +375,131 @@ bool ThostMainWindow::eventFilter(QObject *watched, QEvent *event)
                 m_mainView->show();
     }
     return QMainWindow::eventFilter(watched, event);
+}
+
+// ---- data folders
+
+void ThostMainWindow::tellFailure(const QString &caption, const QString &text)
+{
+    tell(m_reporting, QMessageBox::Warning, caption, text);
+}
+
+void ThostMainWindow::chooseDataFolder()
+{
+    const QString folder = QFileDialog::getExistingDirectory(
+        this, OpenCaption, text(m_folders.application.parent_path()), QFileDialog::DontUseNativeDialog);
+    if (!folder.isEmpty())
+        openDataFolder(folder.toStdString());
+}
+
+void ThostMainWindow::chooseSaveTarget()
+{
+    QFileDialog dialog(this, SaveAsCaption, text(m_folders.application.parent_path()));
+    dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::ShowDirsOnly);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setLabelText(QFileDialog::FileName, QStringLiteral("New folder:"));
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty())
+        saveDataFolderAs(dialog.selectedFiles().first().toStdString());
+}
+
+// The host contract has the frame hand the main view back itself: its own return,
+// which saves, is pressed, and the switch goes on only when the view came back.
+bool ThostMainWindow::returnToMainView(int &shownPlugin)
+{
+    shownPlugin = -1;
+    for (std::size_t i = 0; i < m_plugins.size(); ++i) {
+        Tkt930Frame *frame = m_plugins[i].frame;
+        if (!frame || !frame->isVisible())
+            continue;
+        shownPlugin = int(i);
+        if (auto *exit = frame->findChild<QAbstractButton *>(QStringLiteral("BtnExit")))
+            exit->click();
+        if (frame->isVisible() || !m_mainView->isVisible()) {
+            tellFailure(OpenCaption, ReturnFirstText);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
+{
+    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
+    if (folder == m_folders.application.lexically_normal())
+        return true;
+    std::error_code ec;
+    if (!std::filesystem::is_directory(folder, ec)) {
+        tellFailure(OpenCaption, QStringLiteral("The folder %1 is not there.").arg(text(folder)));
+        return false;
+    }
+    if (!std::filesystem::is_directory(TappDir::dataFolder(folder), ec)) {
+        const QString missing = QStringLiteral("The folder %1 holds no Data folder.").arg(text(folder));
+        if (m_folders.defaults.empty()) {
+            tellFailure(OpenCaption, missing + QStringLiteral("\nChoose a folder that holds one, or make a new one "
+                                                              "from the data set in use with Save Data Folder As..."));
+            return false;
+        }
+        QMessageBox ask(QMessageBox::Question, OpenCaption,
+                        missing + QStringLiteral("\n\nCreate one from the shipped defaults?"),
+                        QMessageBox::Yes | QMessageBox::No, this);
+        if (ask.exec() != QMessageBox::Yes)
+            return false;
+        TappFolders seeded = m_folders;
+        seeded.application = folder;
+        std::string message;
+        if (TappDir::seed(seeded, message) == TappDir::Seeding::Failed) {
+            tellFailure(OpenCaption, QString::fromStdString(message));
+            return false;
+        }
+    }
+    int shownPlugin = -1;
+    if (!returnToMainView(shownPlugin) || !switchTo(folder))
+        return false;
+    if (shownPlugin >= 0)
+        showPlugin(shownPlugin);
+    return true;
+}
+
+bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
+{
+    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
+    int shownPlugin = -1;
+    if (!returnToMainView(shownPlugin))
+        return false;
+    std::string why;
+    if (!TdataFolderCopy::copy(m_folders.application, folder, why)) {
+        tellFailure(SaveAsCaption,
+                    QStringLiteral("The data set was not copied.\n%1\n\nThe data folder in use is still %2.")
+                        .arg(QString::fromStdString(why), text(m_folders.application)));
+    } else if (switchTo(folder)) {
+        if (shownPlugin >= 0)
+            showPlugin(shownPlugin);
+        return true;
+    }
+    if (shownPlugin >= 0)
+        showPlugin(shownPlugin);
+    return false;
+}
+
+// The new folder is held before the old one is let go, so a decline keeps everything as it was.
+bool ThostMainWindow::switchTo(const std::filesystem::path &folder)
+{
+    if (folder == m_folders.application.lexically_normal())
+        return true;
+    const std::filesystem::path dataFolder = TappDir::dataFolder(folder);
+    auto session = std::make_unique<TdataFolderSession>(dataFolder);
+    if (!continueWithDataFolderInUse(*session, dataFolder, m_reporting))
+        return false;
+    m_session = std::move(session);
+    m_folders.application = folder;
+    m_folders.reason = "it was opened in this window";
+    // The plug-ins find the data folder as every program does: through the process's environment.
+    qputenv(TappDir::OpenedFolderVariable, QByteArray(folder.c_str()));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, text(folder));
+    std::string why;
+    if (!m_recent.add(folder, why))
+        statusBar()->showMessage(QString::fromStdString(why), 10000);
+    showFolder();
+    return true;
 }

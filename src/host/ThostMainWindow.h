@@ -1,11 +1,14 @@
 #pragma once
 // The host's main window: one button per plug-in found in the plug-in folder.
 // A button swaps the main view for the plug-in's frame; the frame swaps back
-// itself through the host record ("Return To Main Window"). Menus give Restore
-// Previous Data Set, Quit, the help files, About and About Qt; the status line
-// names the application folder.
+// itself through the host record ("Return To Main Window"). Below the buttons an
+// overview of the data folder in use. Menus open another data folder, save the data
+// set as a new one, reopen a recent one, restore a previous data set, quit, show
+// the help files, About and About Qt; the title and status line name the folder.
 #include "AppDir.h"
+#include "TdataFolderSession.h"
 #include "TpluginModule.h"
+#include "TrecentFolders.h"
 #include <QMainWindow>
 #include <QPointer>
 #include <memory>
@@ -15,7 +18,7 @@ class QLabel;
 class QPushButton;
 class QVBoxLayout;
 class THelpWindow;
-class TdataFolderSession;
+class ThostDashboard;
 
 class ThostMainWindow : public QMainWindow {
     Q_OBJECT
@@ -23,7 +26,9 @@ public:
     // Boxes for a user; lines on stderr for a self-test, which nobody is there to answer.
     enum class Reporting { Boxes, Console };
 
-    explicit ThostMainWindow(const TappFolders &folders, Reporting reporting = Reporting::Boxes);
+    // session: the hold on the data folder that main() took; the window moves it along on a switch.
+    explicit ThostMainWindow(const TappFolders &folders, Reporting reporting = Reporting::Boxes,
+                             std::unique_ptr<TdataFolderSession> session = {});
     ~ThostMainWindow() override;
 
     QWidget *mainView() const { return m_mainView; }
@@ -38,6 +43,15 @@ public:
     // Puts back a restore point the user picks, after a confirmation; only from the main view,
     // so that no open frame holds unsaved edits of the files it replaces.
     void restorePreviousDataSet();
+
+    const std::filesystem::path &applicationFolder() const { return m_folders.application; }
+    const TrecentFolders &recentFolders() const { return m_recent; }
+    // Switches to another application folder: one without Data/ may be made from the
+    // shipped defaults. An open frame saves as Return To Main Window does first and
+    // re-reads afterwards. False, with the folder in use unchanged, when declined or failed.
+    bool openDataFolder(const std::filesystem::path &folder);
+    // Copies the data set in use to a new or empty folder and switches to the copy.
+    bool saveDataFolderAs(const std::filesystem::path &folder);
 
     // Makes a missing per-user data folder from the shipped defaults and says where it is.
     static void prepareDataFolder(const TappFolders &folders, Reporting reporting = Reporting::Boxes);
@@ -58,6 +72,14 @@ private:
         QPointer<Tkt930Frame> frame;
     };
     void createMenus();
+    void chooseDataFolder();
+    void chooseSaveTarget();
+    // The frame on show saves and hands the main view back; -1 when none was shown,
+    // false when it did not come back.
+    bool returnToMainView(int &shownPlugin);
+    bool switchTo(const std::filesystem::path &folder);
+    void showFolder();
+    void tellFailure(const QString &caption, const QString &text);
     void fitToScreen();
     void restoreWindowGeometry();
     void loadPlugins(const QString &folder);
@@ -72,4 +94,9 @@ private:
     QVBoxLayout *m_buttonLayout;
     std::vector<Plugin> m_plugins;
     QPointer<THelpWindow> m_helpWindow;
+    std::unique_ptr<TdataFolderSession> m_session;
+    TrecentFolders m_recent;
+    ThostDashboard *m_dashboard;
+    QMenu *m_recentMenu = nullptr;
+    QLabel *m_folderLabel;
 };

@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 namespace {
 const char Usage[] = "Usage: kt930pc [--self-test]\n"
@@ -31,7 +32,7 @@ int selfTest(ThostMainWindow &window)
     std::printf("%s\n", shown ? "window shown" : "window not shown");
     return shown && window.pluginErrors() == 0 ? 0 : 1;
 }
-}
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -64,13 +65,13 @@ int main(int argc, char *argv[])
                        QString::fromStdString(folders.application.string()));
     ThostMainWindow::prepareDataFolder(folders, reporting);
     const std::filesystem::path dataFolder = TappDir::dataFolder(folders.application);
-    // Held until the host ends, so that a second host on this folder can say who has it.
-    const TdataFolderSession session(dataFolder);
-    if (!ThostMainWindow::continueWithDataFolderInUse(session, dataFolder, reporting))
+    // Held while the folder is in use, so that a second host on it can say who has it.
+    auto session = std::make_unique<TdataFolderSession>(dataFolder);
+    if (!ThostMainWindow::continueWithDataFolderInUse(*session, dataFolder, reporting))
         return 0;
     int result = 0;
     {
-        ThostMainWindow window(folders, reporting);
+        ThostMainWindow window(folders, reporting, std::move(session));
         window.show();
         result = test ? selfTest(window) : QApplication::exec();
     }

@@ -1,4 +1,5 @@
 #include "TtransferJob.h"
+#include "TlastTransfer.h"
 #include "TransferWorkers.h"
 #include "TuploadVerifier.h"
 #include <QEventLoop>
@@ -91,6 +92,15 @@ QThread &TtransferJob::makeWorker(ProgressSink &progress)
         break;
     }
     settings().worker = m_worker.get();
+    // When and how the data set last met an analyzer, for the host's overview; a verify moves nothing.
+    if (m_parameters.kind != Kind::Verify)
+        QObject::connect(m_worker.get(), &QThread::finished, [this] {
+            const auto &p = m_parameters;
+            if (completed())
+                TlastTransfer::record(p.data->dataFolder(),
+                                      p.kind == Kind::Upload ? "upload" : p.kind == Kind::Sync ? "sync" : "download",
+                                      TlastTransfer::linkText(int(p.method), p.serialPort, p.ip));
+        });
     return *m_worker;
 }
 

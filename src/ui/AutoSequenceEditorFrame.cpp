@@ -150,6 +150,9 @@ void TAutoSeqEditFrame::refreshDataStatus()
 
 void TAutoSeqEditFrame::ReloadData()
 {
+    // The host may have opened another data folder since the last read.
+    if (const std::filesystem::path folder = TappDir::applicationFolder(); folder != m_data->appDir())
+        m_data = std::make_unique<TdataSet>(folder, m_sink);
     m_data->reloadData();
     ui->lstIP->setCurrentRow(-1);
     ui->LstUTS->clearSelection();
