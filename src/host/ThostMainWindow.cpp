@@ -3,6 +3,8 @@
 #include "TdataFolderCopy.h"
 #include "TdataFolderLock.h"
 #include "TdataFolderSession.h"
+#include "TanalyzerComparison.h"
+#include "TguiMessageSink.h"
 #include "ThostDashboard.h"
 #include "TrestorePointDialog.h"
 #include "TrestorePoints.h"
@@ -134,6 +136,8 @@ void ThostMainWindow::createMenus()
     file->addSeparator();
     file->addAction(QStringLiteral("&Restore Previous Data Set..."), this, &ThostMainWindow::restorePreviousDataSet)
         ->setObjectName(QStringLiteral("actionRestore"));
+    file->addAction(QStringLiteral("&Compare With KT930..."), this, &ThostMainWindow::compareWithAnalyzer)
+        ->setObjectName(QStringLiteral("actionCompare"));
     file->addSeparator();
     QAction *quit = file->addAction(QStringLiteral("&Quit"), this, &QWidget::close);
     quit->setObjectName(QStringLiteral("actionQuit"));
@@ -201,6 +205,21 @@ bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &sess
                     warning + QStringLiteral("\n\nContinue anyway?"), QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
     return box.exec() == QMessageBox::Yes;
+}
+
+// Compares what is on disk, so a shown view first saves through its own return and
+// comes back afterwards.
+void ThostMainWindow::compareWithAnalyzer()
+{
+    int shownPlugin = -1;
+    if (!returnToMainView(shownPlugin))
+        return;
+    TPluginHostInfo host;
+    host.mainView = m_mainView;
+    host.container = m_container;
+    TanalyzerComparison::run(m_folders.application, host, TguiMessageSink::defaultSink(), this);
+    if (shownPlugin >= 0)
+        showPlugin(shownPlugin);
 }
 
 void ThostMainWindow::restorePreviousDataSet()

@@ -43,6 +43,8 @@ public:
     // Puts back a restore point the user picks, after a confirmation; only from the main view,
     // so that no open frame holds unsaved edits of the files it replaces.
     void restorePreviousDataSet();
+    // "Compare With KT930...": the data set on disk against what the analyzer holds.
+    void compareWithAnalyzer();
 
     const std::filesystem::path &applicationFolder() const { return m_folders.application; }
     const TrecentFolders &recentFolders() const { return m_recent; }

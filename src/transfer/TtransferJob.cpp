@@ -92,8 +92,8 @@ QThread &TtransferJob::makeWorker(ProgressSink &progress)
         break;
     }
     settings().worker = m_worker.get();
-    // When and how the data set last met an analyzer, for the host's overview; a verify moves nothing.
-    if (m_parameters.kind != Kind::Verify)
+    // When and how the data set last met an analyzer, for the host's overview; a verify or a read moves nothing.
+    if (m_parameters.kind != Kind::Verify && m_parameters.kind != Kind::Read)
         QObject::connect(m_worker.get(), &QThread::finished, [this] {
             const auto &p = m_parameters;
             if (completed())

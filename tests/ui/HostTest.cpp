@@ -128,8 +128,9 @@ TEST_F(HostTest, LooksLikeAnApplicationIconMenusAndAbout)
     }
     EXPECT_EQ(menus, (QStringList{"&File", "&Help"}));
     EXPECT_EQ(entries, (QStringList{"&Open Data Folder...", "Save Data Folder &As...", "Recent Data &Folders", "",
-                                    "&Restore Previous Data Set...", "", "&Quit", "AUTOSEQUENCEEDITOR Help",
-                                    "TestProcedureEditor Help", "", "&About KT930 Plus PC", "About &Qt"}));
+                                    "&Restore Previous Data Set...", "&Compare With KT930...", "", "&Quit",
+                                    "AUTOSEQUENCEEDITOR Help", "TestProcedureEditor Help", "", "&About KT930 Plus PC",
+                                    "About &Qt"}));
 
     // A help entry opens its file at the first page.
     window.findChild<QMenu *>(QStringLiteral("menuHelp"))->actions().at(0)->trigger();
