@@ -23,6 +23,9 @@ TcomparisonDialog::TcomparisonDialog(const TdataSetComparison &comparison, const
     m_differences->setHeaderHidden(true);
     m_differences->setRootIsDecorated(true);
     m_differences->setUniformRowHeights(true);
+    // A checklist's or a checkitem's line can be long: scroll rather than cut it short.
+    m_differences->header()->setStretchLastSection(false);
+    m_differences->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     for (std::size_t kind = 0; kind < TdataSetDifference::KindCount; ++kind) {
         const auto groupKind = TdataSetDifference::Kind(kind);
         if (comparison.count(groupKind) == 0)
