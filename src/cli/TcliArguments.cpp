@@ -1,9 +1,9 @@
 #include "TcliArguments.h"
 #include "AppDir.h"
+#include <charconv>
 
 bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
-                          std::size_t positionalCount, std::string &why,
-                          const std::set<std::string> &valueOptions)
+                          std::size_t positionalCount, std::string &why, const std::set<std::string> &valueOptions)
 {
     // The value of an option is the next argument, unless that is an option itself:
     // "--pdf --appdir DIR" would otherwise print to a file named "--appdir".
@@ -42,8 +42,9 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
         }
     }
     if (positional.size() != positionalCount) {
-        why = positionalCount ? "expected " + std::to_string(positionalCount) + (positionalCount > 1 ? " arguments" : " argument")
-                              : "unexpected argument " + positional.front();
+        why = positionalCount
+                  ? "expected " + std::to_string(positionalCount) + (positionalCount > 1 ? " arguments" : " argument")
+                  : "unexpected argument " + positional.front();
         return false;
     }
     folders = TappDir::folders();
@@ -53,4 +54,13 @@ bool TcliArguments::parse(const std::vector<std::string> &arguments, const std::
     }
     appDir = folders.application;
     return true;
+}
+
+std::size_t TcliArguments::oneBased(const std::string &text, std::size_t count)
+{
+    std::size_t number = 0;
+    auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || number < 1 || number > count)
+        return 0;
+    return number;
 }

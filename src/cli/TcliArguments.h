@@ -19,7 +19,8 @@ struct TcliArguments {
 
     // False (with why) for an unknown option or a wrong number of positionals.
     bool parse(const std::vector<std::string> &arguments, const std::set<std::string> &knownFlags,
-               std::size_t positionalCount, std::string &why,
-               const std::set<std::string> &valueOptions = {});
+               std::size_t positionalCount, std::string &why, const std::set<std::string> &valueOptions = {});
+    // A number from 1 to count, as the frames count their rows; 0 when it is not one.
+    static std::size_t oneBased(const std::string &text, std::size_t count);
     bool has(const std::string &flag) const { return flags.contains(flag) || options.contains(flag); }
 };

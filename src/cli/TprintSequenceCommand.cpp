@@ -5,21 +5,15 @@
 #include "TpdfOutput.h"
 #include "TsequencePrinter.h"
 #include "TsequenceReport.h"
-#include <charconv>
 #include <ctime>
 #include <iostream>
 
 namespace {
 const char *const Prefix = "kt930ctl print-sequence: ";
 
-// A number from 1 to count, as the frame counts its rows; 0 when it is not one.
 std::size_t oneBased(const std::string &text, std::size_t count)
 {
-    std::size_t number = 0;
-    auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || number < 1 || number > count)
-        return 0;
-    return number;
+    return TcliArguments::oneBased(text, count);
 }
 
 struct Choice {
@@ -27,11 +21,12 @@ struct Choice {
     std::string name; // for messages: "inspection 3", "tester 2 sequence 5"
     bool fromLoadedFile;
 };
-}
+} // namespace
 
 std::string TprintSequenceCommand::usage() const
 {
-    return "Usage: kt930ctl print-sequence (--inspection K | --tester I --sequence J | --all) --pdf FILE [--appdir DIR]\n"
+    return "Usage: kt930ctl print-sequence (--inspection K | --tester I --sequence J | --all) --pdf FILE [--appdir "
+           "DIR]\n"
            "Prints autosequences of DIR/Data as the sequence editor prints them, one page each, to\n"
            "the PDF file FILE. Needs no display. Numbers count from 1, as the frame shows them.\n"
            "Load messages go to stderr; only sequences whose own file did not load are refused.\n"
@@ -50,8 +45,7 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
         return *exitCode;
     const int picks = int(args.has("--all")) + int(args.has("--inspection")) + int(args.has("--tester"));
     if (!args.has("--pdf") || picks != 1 || args.has("--tester") != args.has("--sequence")) {
-        std::cerr << Prefix << "give --pdf FILE and one of --inspection K, --tester I --sequence J, --all\n"
-                  << usage();
+        std::cerr << Prefix << "give --pdf FILE and one of --inspection K, --tester I --sequence J, --all\n" << usage();
         return 2;
     }
     const std::string pdf = args.options["--pdf"];
@@ -135,7 +129,7 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
         std::cerr << Prefix << "cannot write " << pdf << "\n";
         return 1;
     }
-    std::cout << "Printed " << reports.size() << (reports.size() == 1 ? " autosequence" : " autosequences")
-              << " to " << pdf << "\n";
+    std::cout << "Printed " << reports.size() << (reports.size() == 1 ? " autosequence" : " autosequences") << " to "
+              << pdf << "\n";
     return 0;
 }

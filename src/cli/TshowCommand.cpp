@@ -1,6 +1,7 @@
 #include "TshowCommand.h"
 #include "CategoryDescriptors.h"
 #include "OpCodeDefinitions.h"
+#include "TautosequenceCall.h"
 #include "TcliArguments.h"
 #include "TcliMessageSink.h"
 #include "TcommandFields.h"
@@ -26,6 +27,7 @@ struct Tchecklist {
     int number;
     std::string title;
     std::vector<int> items;
+    std::vector<std::string> steps; // what each item does, as the checklist editor shows it
 };
 struct Treport {
     std::vector<Message> messages;
@@ -39,6 +41,22 @@ struct Treport {
 std::string utf8(const std::string &text)
 {
     return TtextEncoding::toUtf8(text);
+}
+
+// "<number> <op code name> | <command>"; an "A" step names the autosequence it runs.
+std::string stepText(const TdataSet &data, const TopCodeTable &opCodes, std::uint16_t item)
+{
+    const std::size_t index = item - 1u;
+    if (index >= data.checkitems.size() || data.checkitems[index].isFree())
+        return std::to_string(item) + " (no such checkitem)";
+    const TInstr &record = data.checkitems[index];
+    const auto opCode = opCodes.find(record.opCode);
+    std::string command = record.opCode == 'A'
+                              ? TautosequenceCall::runsText(record.commandText(), data.inspections, data.userTesters)
+                              : record.commandText();
+    command.erase(command.find_last_not_of(' ') + 1);
+    return std::to_string(item) + " " + (opCode != opCodes.end() ? utf8(opCode->second.name) : "(unknown op code)") +
+           " | " + TtextEncoding::toUtf8(command, true);
 }
 
 Treport gather(const std::filesystem::path &appDir)
@@ -87,8 +105,10 @@ Treport gather(const std::filesystem::path &appDir)
         if (checklist.isUnused())
             continue;
         Tchecklist shown{static_cast<int>(i + 1), utf8(TlistTexts::trim(checklist.titleText())), {}};
-        for (std::uint16_t item : TitemList::used(checklist.items))
+        for (std::uint16_t item : TitemList::used(checklist.items)) {
             shown.items.push_back(item);
+            shown.steps.push_back(stepText(data, opCodes, item));
+        }
         report.checklists.push_back(shown);
     }
     report.messages = sink.messages();
@@ -143,8 +163,11 @@ void printText(const Treport &report, bool withFields, std::ostream &out)
             out << "      " << child << "\n";
     }
     out << "\nChecklists (" << report.checklists.size() << " used):\n";
-    for (const Tchecklist &checklist : report.checklists)
+    for (const Tchecklist &checklist : report.checklists) {
         out << "  " << checklist.number << ". " << checklist.title << ": " << itemList(checklist.items) << "\n";
+        for (std::size_t i = 0; i < checklist.steps.size(); ++i)
+            out << "      " << i + 1 << ". " << checklist.steps[i] << "\n";
+    }
 }
 
 void printJson(const Treport &report, std::ostream &out)
@@ -203,7 +226,8 @@ std::string TshowCommand::usage() const
     return "Usage: kt930ctl show [--fields] [--json] [--appdir DIR]\n"
            "Loads the data set of DIR/Data as the editor does and prints the load messages,\n"
            "the used checkitems (number, category, op code, command with tabs shown as \xC2\xBB),\n"
-           "the physical inspections, the user tester sequences and the used checklists, and warns\n"
+           "the physical inspections, the user tester sequences and the used checklists with their\n"
+           "steps (a step that runs an autosequence names it), and warns\n"
            "when other users may write the data folder or one of its data files.\n"
            "  --fields       under each checkitem, its command's values named by the fields of its op\n"
            "                 code's definition file (\"Low limit=0 ohm/MOhm/uA\"), or why the command does\n"

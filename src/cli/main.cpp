@@ -3,6 +3,7 @@
 #include "TexportCsvCommand.h"
 #ifdef KT930_HAS_PRINT
 #include "TlistingCommand.h"
+#include "TprintChecklistCommand.h"
 #include "TprintSequenceCommand.h"
 #endif
 #include "TimportCsvCommand.h"
@@ -25,6 +26,7 @@ std::vector<std::unique_ptr<TcliCommand>> makeCommands()
 #ifdef KT930_HAS_PRINT
     commands.push_back(std::make_unique<TlistingCommand>());
     commands.push_back(std::make_unique<TprintSequenceCommand>());
+    commands.push_back(std::make_unique<TprintChecklistCommand>());
 #endif
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Download));
     commands.push_back(std::make_unique<TtransferCommand>(TtransferCommand::Kind::Upload));
@@ -40,12 +42,13 @@ std::string overview(const std::vector<std::unique_ptr<TcliCommand>> &commands)
 {
     std::string text = "Usage: kt930ctl <command> [options]\n"
                        "Works on the data set of an application folder (its Data/ folder).\n\nCommands:\n";
-    std::size_t width = 0;
-    for (const auto &command : commands)
-        width = std::max(width, command->name().size() + 2);
+    // A fixed column, so a new command's name does not move the others'; a longer name gets two blanks.
+    constexpr std::size_t NameColumn = 16;
     for (const auto &command : commands) {
         const std::string name = command->name();
-        text += "  " + name + std::string(width - name.size(), ' ') + command->summary() + "\n";
+        text += "  " + name +
+                std::string(std::max<std::size_t>(NameColumn - std::min(name.size(), NameColumn), 2), ' ') +
+                command->summary() + "\n";
     }
     text += "\nEvery command takes --appdir DIR (default: as kt930ctl where says) and --help.\n"
             "Exit codes: 0 success, 1 failure, 2 bad command line.\n";

@@ -5,7 +5,7 @@
 namespace {
 const char UnusedTitle[] = "(UNUSED)                                 ";
 static_assert(sizeof UnusedTitle == 42);
-}
+} // namespace
 
 void TTestProc::blank()
 {
@@ -29,6 +29,15 @@ bool TTestProc::isUnused() const
 std::string TTestProc::titleText() const
 {
     return std::string(title, strnlen(title, 42));
+}
+
+void TTestProc::setTitle(const std::string &text)
+{
+    for (std::size_t i = 0; i < 41; ++i) {
+        const unsigned char c = i < text.size() ? static_cast<unsigned char>(text[i]) : ' ';
+        title[i] = (c < 32 || c == 127) ? ' ' : static_cast<char>(c);
+    }
+    title[41] = 0;
 }
 
 void TTestProc::assignFromSource(const TEST_PROCEDURE &source)

@@ -24,6 +24,8 @@ public:
     void makeUnused(); // "(UNUSED)" padded to 41
     bool isUnused() const;
     std::string titleText() const; // up to the first 0
+    // Typed text into the title: at most 41 characters, controls to blanks, blank padded.
+    void setTitle(const std::string &text);
     // Cleaning copy used for data from the analyzer.
     void assignFromSource(const TEST_PROCEDURE &source);
 };
@@ -35,7 +37,7 @@ public:
     std::vector<TTestProc> items;
 
     TTestProcList() : items(DefaultCount) {} // a new table holds 500 blank checklists
-    void makeUnused(); // 500 unused checklists
+    void makeUnused();                       // 500 unused checklists
     // The checklist at index, or nullptr for index >= 500 or past the end.
     TTestProc *at(std::size_t index);
     const TTestProc *at(std::size_t index) const;

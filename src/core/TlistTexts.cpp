@@ -45,3 +45,8 @@ std::string TlistTexts::testerChild(int index, const Tautosequence &sequence)
 {
     return std::to_string(index + 1) + ". " + sequenceText(sequence);
 }
+
+std::string TlistTexts::checklistRow(const TTestProc &checklist)
+{
+    return checklist.isUnused() ? UnusedText : trim(checklist.titleText());
+}

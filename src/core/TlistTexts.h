@@ -1,6 +1,7 @@
 #pragma once
 // Texts of the physical inspection list and the user tester tree, shared by the
 // frame and the command-line tool.
+#include "TTestProc.h"
 #include "Tautosequence.h"
 #include <string>
 
@@ -22,6 +23,8 @@ public:
     static std::string testerRoot(int index, TuserTester &tester);
     // The name a user tester gets from a rename: the typed text cleaned, in upper case.
     static std::string testerName(const std::string &typed);
+    // List row of a checklist: "<unused>" or its title trimmed (its number is drawn separately).
+    static std::string checklistRow(const TTestProc &checklist);
     // Tree child j (from 0): "<j + 1>. " + sequence text.
     static std::string testerChild(int index, const Tautosequence &sequence);
 };

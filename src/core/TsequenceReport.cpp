@@ -9,7 +9,7 @@ std::string rightTrimmed(const char (&title)[19])
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
 }
-}
+} // namespace
 
 std::string TsequenceReport::dateText(std::time_t when)
 {
@@ -30,21 +30,23 @@ TsequenceReport TsequenceReport::make(const Tautosequence &sequence, const TInst
     const std::uint16_t word = TesterSetting::isValid(sequence.setting) ? sequence.setting : 0;
     report.port = TesterSetting::port(word);
     report.baudRate = TesterSetting::baudRate(TesterSetting::baudIndex(word));
-    for (int i = 0; i < sequence.itemCount(); ++i) {
-        const std::uint32_t index = sequence.items[i] - 1u;
-        if (index >= db.size()) {
-            report.rows.push_back({});
-            continue;
-        }
-        try {
-            const std::array<std::string, 4> cells = TinstGridText::row(db, index, descriptors);
-            report.rows.push_back({cells[1], cells[2], cells[3]});
-        } catch (const std::runtime_error &) {
-            // An op code without a definition file: no name to show.
-            const TInstr &record = db[index];
-            report.rows.push_back({CategoryDescriptors::displayText(descriptors, record.category), std::string(),
-                                   TinstGridText::command(record)});
-        }
-    }
+    for (int i = 0; i < sequence.itemCount(); ++i)
+        report.rows.push_back(rowOf(db, sequence.items[i] - 1u, descriptors));
     return report;
+}
+
+std::array<std::string, 3> TsequenceReport::rowOf(const TInstrDatabase &db, std::uint32_t index,
+                                                  const TcategoryMap &descriptors)
+{
+    if (index >= db.size())
+        return {};
+    try {
+        const std::array<std::string, 4> cells = TinstGridText::row(db, index, descriptors);
+        return {cells[1], cells[2], cells[3]};
+    } catch (const std::runtime_error &) {
+        // An op code without a definition file: no name to show.
+        const TInstr &record = db[index];
+        return {CategoryDescriptors::displayText(descriptors, record.category), std::string(),
+                TinstGridText::command(record)};
+    }
 }

@@ -13,7 +13,7 @@ struct TsequenceReport {
     std::string date;   // "%B %d %Y - %X"
     std::string title1; // blanks on the right trimmed
     std::string title2;
-    int port = 0;       // 0 for an unused port
+    int port = 0; // 0 for an unused port
     int baudRate = 2400;
     // Per checkitem in sequence order: category text, op-code name, command (tabs as 0xBB).
     std::vector<std::array<std::string, 3>> rows;
@@ -23,4 +23,7 @@ struct TsequenceReport {
     static TsequenceReport make(const Tautosequence &sequence, const TInstrDatabase &db,
                                 const TcategoryMap &descriptors, std::time_t when);
     static std::string dateText(std::time_t when);
+    // The three cells of checkitem index (from 0); empty for one outside the table.
+    static std::array<std::string, 3> rowOf(const TInstrDatabase &db, std::uint32_t index,
+                                            const TcategoryMap &descriptors);
 };

@@ -23,6 +23,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cstdio>
 
 #ifndef KT930_VERSION
@@ -333,9 +334,11 @@ void ThostMainWindow::report(const QString &text)
     tell(m_reporting, QMessageBox::Warning, QStringLiteral("Plug-in Error"), text);
 }
 
+// The buttons follow the plug-ins' names, as the user reads them, not their file names.
 void ThostMainWindow::loadPlugins(const QString &folder)
 {
     const QStringList files = QDir(folder).entryList({QStringLiteral("*.so")}, QDir::Files, QDir::Name);
+    std::vector<Plugin> loaded;
     for (const QString &file : files) {
         Plugin plugin;
         plugin.module = std::make_unique<TpluginModule>(QDir(folder).filePath(file));
@@ -351,6 +354,12 @@ void ThostMainWindow::loadPlugins(const QString &folder)
             report(QStringLiteral("The plug-in %1 refused the host's set-up.").arg(file));
             continue;
         }
+        loaded.push_back(std::move(plugin));
+    }
+    std::stable_sort(loaded.begin(), loaded.end(), [](const Plugin &a, const Plugin &b) {
+        return a.module->displayName() < b.module->displayName();
+    });
+    for (Plugin &plugin : loaded) {
         auto *button = new QPushButton(plugin.module->buttonCaption(), m_mainView);
         button->setObjectName(QStringLiteral("plugin%1").arg(m_plugins.size()));
         button->setMinimumSize(200, 60);

@@ -2,11 +2,11 @@
 // captions, hands over its record with setup, and asks for frames.
 #include "VAROAutoSeqEditor.h"
 #include "AutoSequenceEditorFrame.h"
+#include "TpluginState.h"
 #include <atomic>
 
 namespace {
-TPluginHostInfo *g_hostData = nullptr;
-void *g_hostData2 = nullptr;
+TpluginState g_state;
 std::atomic<int> g_initialized{0};
 } // namespace
 
@@ -22,11 +22,7 @@ KT930_EXPORT const char *KT930_STDCALL initialize(std::uint32_t)
 
 KT930_EXPORT std::int32_t KT930_STDCALL setup(TPluginHostInfo *hostData, void *hostData2)
 {
-    if (!hostData || !hostData2)
-        return -1;
-    g_hostData = hostData;
-    g_hostData2 = hostData2;
-    return 0;
+    return g_state.setup(hostData, hostData2);
 }
 
 KT930_EXPORT const char *getMainButton()
@@ -41,11 +37,7 @@ KT930_EXPORT const char *getConfigButton()
 
 KT930_EXPORT Tkt930Frame *getMainForm()
 {
-    try {
-        return new TAutoSeqEditFrame(nullptr, g_hostData, g_hostData2);
-    } catch (...) {
-        return nullptr;
-    }
+    return g_state.makeFrame<TAutoSeqEditFrame>();
 }
 
 KT930_EXPORT Tkt930Frame *getConfigForm()

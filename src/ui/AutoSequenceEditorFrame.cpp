@@ -1,18 +1,21 @@
 #include "AutoSequenceEditorFrame.h"
-#include "ui_AutoSequenceEditorFrame.h"
 #include "AppDir.h"
 #include "THelpWindow.h"
 #include "TdataSet.h"
+#include "TdataStatusLabel.h"
 #include "TenterKey.h"
+#include "TframeButtons.h"
 #include "TguiMessageSink.h"
 #include "TguiText.h"
 #include "TlistRowDelegate.h"
 #include "TlistTexts.h"
+#include "TreturnToHost.h"
 #include "TseqTitleEditForm.h"
 #include "TtransferRunner.h"
 #include "TtreeNodeDelegate.h"
 #include "autoSequenceEditForm.h"
 #include "instEdit.h"
+#include "ui_AutoSequenceEditorFrame.h"
 #include <QApplication>
 #include <QFontMetrics>
 #include <QIcon>
@@ -23,19 +26,7 @@
 #include <stdexcept>
 
 namespace {
-// What the report of an exception that is not a std::exception says.
-const char *const UnknownExceptionText = "Unknown exception";
-const char *const ClearQuestion =
-    "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.";
-
-// A question mark drawn for each size, so it stays legible at 16 px.
-QIcon helpIcon()
-{
-    QIcon icon;
-    for (int size : {16, 24, 32, 48})
-        icon.addFile(QStringLiteral(":/icons/help-%1.png").arg(size), QSize(size, size));
-    return icon;
-}
+const char *const ClearQuestion = "Are you sure you want to clear this Autosequence?\nThis operation cannot be undone.";
 
 std::string applicationTitle()
 {
@@ -66,20 +57,10 @@ TAutoSeqEditFrame::~TAutoSeqEditFrame()
     delete m_helpWindow.data();
 }
 
-// Outside any namespace, as the macro requires; the resources live in a static library.
-static void initFrameResources()
-{
-    Q_INIT_RESOURCE(frameIcons);
-}
-
 void TAutoSeqEditFrame::setUpControls()
 {
-    initFrameResources();
     ui->setupUi(this);
-    ui->BtnUpload->setIcon(style()->standardIcon(QStyle::SP_ArrowUp));
-    ui->BtnDownload->setIcon(style()->standardIcon(QStyle::SP_ArrowDown));
-    ui->BtnHelp->setIcon(helpIcon());
-    ui->BtnExit->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+    TframeButtons::decorate(ui->BtnUpload, ui->BtnDownload, ui->BtnHelp, ui->BtnExit);
 
     QFont small = font();
     small.setPixelSize(13);
@@ -92,11 +73,7 @@ void TAutoSeqEditFrame::setUpControls()
     ui->Label1->setFont(title);
     ui->Label2->setFont(title);
 
-    m_dataStatus = new QLabel(this);
-    m_dataStatus->setObjectName(QStringLiteral("lblDataStatus"));
-    m_dataStatus->setWordWrap(true);
-    m_dataStatus->setStyleSheet(QStringLiteral("color: rgb(160, 0, 0)"));
-    m_dataStatus->hide();
+    m_dataStatus = new TdataStatusLabel(this);
     ui->frameLayout->addWidget(m_dataStatus);
 
     ui->lstIP->setItemDelegate(new TlistRowDelegate(ui->lstIP));
@@ -141,11 +118,7 @@ void TAutoSeqEditFrame::startUp()
 
 void TAutoSeqEditFrame::refreshDataStatus()
 {
-    QStringList lines;
-    for (const std::string &line : m_data->folderWarnings())
-        lines << QString::fromStdString(line);
-    m_dataStatus->setText(lines.join(QLatin1Char('\n')));
-    m_dataStatus->setVisible(!lines.isEmpty());
+    m_dataStatus->showWarnings(*m_data);
 }
 
 void TAutoSeqEditFrame::ReloadData()
@@ -264,7 +237,8 @@ void TAutoSeqEditFrame::BtnIPClearClick()
     const int row = selectedInspection();
     if (row < 0 || row >= int(m_data->inspections.size()))
         return;
-    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
+    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) ==
+        MsgAnswer::No)
         return;
     m_data->inspections[std::size_t(row)].makeUnused();
     refreshLists(0);
@@ -280,7 +254,8 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
     // The nodes are built once; a reload may have brought fewer sequences.
     if (i >= m_data->userTesters.size() || j >= m_data->userTesters[i].sequences.size())
         return;
-    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::No)
+    if (m_sink.show({"Confirm", ClearQuestion, MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) ==
+        MsgAnswer::No)
         return;
     m_data->userTesters[i].sequences[j].makeUnused();
     refreshLists(1);
@@ -289,8 +264,8 @@ void TAutoSeqEditFrame::BtnUTSClearClick()
 // The editor works on the autosequence in place and keeps whatever it left there.
 void TAutoSeqEditFrame::editSequence(Tautosequence &sequence)
 {
-    TsequenceEditor editor(nullptr, m_hostData, &m_data->checkitems, sequence, [this] { saveAutosequences(); },
-                           false, &m_sink);
+    TsequenceEditor editor(
+        nullptr, m_hostData, &m_data->checkitems, sequence, [this] { saveAutosequences(); }, false, &m_sink);
     if (editor.usable())
         editor.exec();
 }
@@ -432,8 +407,8 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
     if (watched == ui->LstUTS->viewport()) {
         if (event->type() == QEvent::MouseButtonPress)
             LstUTSMouseDown(static_cast<QMouseEvent *>(event));
-        if (event->type() == QEvent::MouseButtonDblClick
-            && static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+        if (event->type() == QEvent::MouseButtonDblClick &&
+            static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
             QTreeWidgetItem *node = ui->LstUTS->currentItem();
             const bool blocked = node && (node->isExpanded() ? !LstUTSCollapsing() : !LstUTSExpanding());
             if (blocked) {
@@ -450,63 +425,21 @@ bool TAutoSeqEditFrame::eventFilter(QObject *watched, QEvent *event)
 
 // ---- transfers, help, return to the host
 
-// Runs one transfer through the settings form and the progress dialog; the job
-// when the dialog ended with OK, null when the form or the transfer was cancelled.
-std::unique_ptr<TtransferJob> TAutoSeqEditFrame::runTransfer(bool upload)
-{
-    TtransferJob::Parameters parameters;
-    parameters.kind = upload ? TtransferJob::Kind::Upload : TtransferJob::Kind::Download;
-    parameters.data = m_data.get();
-    parameters.context = m_hostData;
-    if (!TtransferRunner::chooseTransport(parameters, upload, m_hostData, m_sink))
-        return nullptr;
-    auto job = std::make_unique<TtransferJob>(parameters, m_sink);
-    if (TtransferRunner::run(*job, m_hostData) == 2)
-        return nullptr;
-    return job;
-}
-
-void TAutoSeqEditFrame::showInternalError(bool upload, const char *what)
-{
-    if (upload)
-        m_sink.error(applicationTitle(), what);
-    m_sink.show({"Error", TtransferRunner::internalErrorText(), MsgIcon::Stop, MsgButtons::Ok, MsgModality::Task});
-}
-
 void TAutoSeqEditFrame::BtnUploadClick()
 {
-    try {
-        // What goes out is what is on disk.
-        BtnBackupClick();
-        runTransfer(true);
-    } catch (const std::exception &e) {
-        showInternalError(true, e.what());
-    } catch (...) {
-        showInternalError(true, UnknownExceptionText);
-    }
+    // What goes out is what is on disk.
+    BtnBackupClick();
+    TtransferRunner::upload(*m_data, m_hostData, m_sink);
 }
 
 void TAutoSeqEditFrame::BtnDownloadClick()
 {
-    std::unique_ptr<TtransferJob> job;
-    try {
-        job = runTransfer(false);
-        if (!job)
-            return;
-        job->takeOver();
-        refreshLists(2);
-    } catch (const std::exception &e) {
-        showInternalError(false, e.what());
-    } catch (...) {
-        showInternalError(false, UnknownExceptionText);
-    }
-    // A download replaces the set by design (and keeps a restore point); anything else is an edit.
-    if (job)
-        job->save();
-    else
-        m_data->backup(TsaveAction::Edit);
-    refreshLists(2);
-    refreshDataStatus();
+    TtransferRunner::download(*m_data, m_hostData, m_sink,
+                              TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters,
+                              TdataSet::Checkitems | TdataSet::Inspections | TdataSet::UserTesters, [this] {
+                                  refreshLists(2);
+                                  refreshDataStatus();
+                              });
 }
 
 void TAutoSeqEditFrame::BtnHelpClick()
@@ -517,24 +450,5 @@ void TAutoSeqEditFrame::BtnHelpClick()
 
 void TAutoSeqEditFrame::BtnExitClick()
 {
-    QWidget *mainView = m_hostData ? m_hostData->mainView : nullptr;
-    try {
-        BtnBackupClick();
-        QWidget *container = m_hostData ? m_hostData->container : nullptr;
-        if (container)
-            container->setUpdatesEnabled(false);
-        hide();
-        if (mainView)
-            mainView->show();
-        if (container)
-            container->setUpdatesEnabled(true);
-    } catch (const std::exception &e) {
-        if (mainView)
-            mainView->show();
-        m_sink.error(applicationTitle(), e.what());
-    } catch (...) {
-        if (mainView)
-            mainView->show();
-        m_sink.error(applicationTitle(), UnknownExceptionText);
-    }
+    TreturnToHost::run(this, m_hostData, m_sink, [this] { BtnBackupClick(); });
 }

@@ -7,12 +7,13 @@
 #include <memory>
 #include <vector>
 
-class QLabel;
-namespace Ui { class TAutoSeqEditFrame; }
+class TdataStatusLabel;
+namespace Ui {
+class TAutoSeqEditFrame;
+}
 class MessageSink;
 class TdataSet;
 class THelpWindow;
-class TtransferJob;
 class QPoint;
 class QTimer;
 class QMouseEvent;
@@ -77,8 +78,6 @@ private:
     void editTreeNode(bool setCaptions);
     void editSequence(Tautosequence &sequence);
     void editInspection(bool save);
-    void showInternalError(bool upload, const char *what);
-    std::unique_ptr<TtransferJob> runTransfer(bool upload);
     bool onNodeLabel(const QPoint &at) const;
     void refreshDataStatus();
 
@@ -88,7 +87,7 @@ private:
     void *m_hostData2 = nullptr;
     std::unique_ptr<TdataSet> m_data;
     QTimer *LstUTSTimer = nullptr;
-    QLabel *m_dataStatus = nullptr; // what is wrong with the data folder; hidden when nothing is
-    bool m_pressOnItem = false; // the stored hit-test result of the last left press
-    QPointer<THelpWindow> m_helpWindow; // closed, it deletes itself
+    TdataStatusLabel *m_dataStatus = nullptr; // what is wrong with the data folder; hidden when nothing is
+    bool m_pressOnItem = false;               // the stored hit-test result of the last left press
+    QPointer<THelpWindow> m_helpWindow;       // closed, it deletes itself
 };

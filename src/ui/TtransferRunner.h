@@ -4,6 +4,7 @@
 // the job's worker, and the wait for a worker that may still have a message box
 // to show.
 #include "TtransferJob.h"
+#include <functional>
 
 class MessageSink;
 struct TPluginHostInfo;
@@ -22,4 +23,13 @@ public:
     // Shows the progress dialog, which starts the job's worker made for it, and returns
     // the dialog's result (2 when cancelled) once the worker has finished.
     static int run(TtransferJob &job, void *context);
+
+    // A frame's Upload of data (already saved by the caller); a failure by exception
+    // gets the internal error box.
+    static void upload(TdataSet &data, TPluginHostInfo *host, MessageSink &sink);
+    // A frame's Download into data: after a completed transfer the op-code check, then
+    // refresh, then savedParts saved as a download (with its restore point); after a
+    // cancelled or failed one, editParts saved as an edit. refresh runs last either way.
+    static void download(TdataSet &data, TPluginHostInfo *host, MessageSink &sink, unsigned savedParts,
+                         unsigned editParts, const std::function<void()> &refresh);
 };

@@ -46,7 +46,12 @@ cmp -s "$usr/share/kt930pc/Data/mit.dat" "$work/home2/.local/share/kt930pc/Data/
 # The host on the same folder: the installed plug-in, not one found by a library path.
 "$usr/bin/kt930pc" --self-test >"$work/host.txt" 2>"$work/host.err" || fail "kt930pc --self-test: $(cat "$work/host.txt" "$work/host.err")"
 [ "$(cat "$work/host.txt")" = "plug-in \"Inspections and User Testers\" from $usr/lib/kt930pc/plugins/libVAROAutoSeqEditor.so
+plug-in \"Test Procedures\" from $usr/lib/kt930pc/plugins/libTestProcedureEditor.so
 window shown" ] || fail "kt930pc --self-test printed: $(cat "$work/host.txt")"
+
+for help in AUTOSEQUENCEEDITOR.qch TestProcedureEditor.qch; do
+  [ -s "$usr/share/kt930pc/$help" ] || fail "$help not installed"
+done
 
 desktop-file-validate "$usr"/share/applications/*.desktop || fail "desktop-file-validate"
 appstreamcli validate --no-net "$usr"/share/metainfo/*.metainfo.xml >/dev/null || fail "appstreamcli validate"

@@ -1,0 +1,43 @@
+#pragma once
+// TchecklistEditor: the modal editor of one checklist: its title and up to 96 steps.
+// It changes the checklist it is given in place: the steps at once, the title on OK.
+// Steps that are "A" checkitems show the autosequence they run.
+#include "TstepListEditor.h"
+#include <memory>
+#include <vector>
+
+namespace Ui {
+class TchecklistEditor;
+}
+class TTestProc;
+struct Tautosequence;
+struct TuserTester;
+
+class TchecklistEditor : public TstepListEditor {
+    Q_OBJECT
+public:
+    // inspections and testers name what an "A" step runs; save puts the frame's data
+    // on disk before the checkitem database editor looks for references.
+    TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database, TTestProc &checklist,
+                     const std::vector<Tautosequence> &inspections, const std::vector<TuserTester> &testers,
+                     std::function<void()> save, MessageSink *sink = nullptr);
+    ~TchecklistEditor() override;
+
+public Q_SLOTS:
+    void btnPrintClick();
+    void btnHelpClick();
+    void btnOkClick();
+
+protected:
+    std::span<std::uint16_t> steps() override;
+    void reportFull() override;
+    std::string stepCommand(const TInstr &record, const std::string &shown) const override;
+
+private:
+    void applyTitle(TTestProc &target) const;
+
+    std::unique_ptr<Ui::TchecklistEditor> ui;
+    TTestProc &m_checklist;
+    const std::vector<Tautosequence> &m_inspections;
+    const std::vector<TuserTester> &m_testers;
+};
