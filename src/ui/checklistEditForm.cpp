@@ -95,3 +95,10 @@ void TchecklistEditor::btnOkClick()
     applyTitle(m_checklist);
     accept();
 }
+
+void TchecklistEditor::done(int result)
+{
+    if (result != QDialog::Accepted && m_checklist.isUnused() && TitemList::count(m_checklist.items) > 0)
+        applyTitle(m_checklist);
+    TstepListEditor::done(result);
+}

@@ -28,6 +28,10 @@ public Q_SLOTS:
     void btnHelpClick();
     void btnOkClick();
 
+    // Closed without OK: the steps stay; an unused checklist that got steps takes the
+    // typed title, or its steps would stay hidden behind the unused mark.
+    void done(int result) override;
+
 protected:
     std::span<std::uint16_t> steps() override;
     void reportFull() override;

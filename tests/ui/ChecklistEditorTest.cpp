@@ -111,6 +111,24 @@ TEST_F(ChecklistPlugin, EditingChecklistsThenSequencesLosesNothingOfEither)
     EXPECT_TRUE(sink.messages.empty());
 }
 
+// Closed without OK: an unused checklist that got a step shows it, under the title typed so far.
+TEST_F(ChecklistPlugin, AnUnusedChecklistClosedWithoutOkKeepsItsStepsInSight)
+{
+    TTestProcEditFrame frame(nullptr, &host, &hostData2, &sink);
+    auto *list = child<QListWidget>(&frame, "lstTP");
+    list->setCurrentRow(9);
+    whenModal([](QWidget *editor) {
+        auto *available = editor->findChild<QTableView *>("instList");
+        available->setCurrentIndex(available->model()->index(1, 0));
+        click(editor, "btnAdd");
+        editor->findChild<QLineEdit *>("titletxt")->setText("Draft");
+        static_cast<QDialog *>(editor)->reject();
+    });
+    click(&frame, "BtnTPEdit");
+    EXPECT_EQ(list->item(9)->text(), "Draft");
+    EXPECT_EQ(frame.dataSet().checklists.items[9].items[0], 2);
+}
+
 // A 97th step is refused with its own words; Clear asks first.
 TEST_F(ChecklistPlugin, AFullChecklistRefusesAStepAndClearAsksFirst)
 {
