@@ -76,6 +76,7 @@ int TprintChecklistCommand::run(const std::vector<std::string> &arguments)
 
     const std::time_t now = std::time(nullptr);
     std::vector<TchecklistReport> reports;
+    reports.reserve(chosen.size());
     for (const TTestProc *checklist : chosen)
         reports.push_back(
             TchecklistReport::make(*checklist, data.checkitems, categories, data.inspections, data.userTesters, now));

@@ -44,7 +44,7 @@ std::string TautosequenceCall::runsText(const std::string &command, const std::v
     if (code == "PHY")
         return described("Physical inspection " + numberText, inspections, number);
     if (code.size() == 3 && code.compare(0, 2, "UT") == 0 && code[2] >= '1' && code[2] <= '9') {
-        const std::size_t tester = std::size_t(code[2] - '1');
+        const auto tester = std::size_t(code[2] - '1');
         const std::string name = "User tester " + std::string(1, code[2]) + " sequence " + numberText;
         static const std::vector<Tautosequence> none;
         return described(name, tester < testers.size() ? testers[tester].sequences : none, number);

@@ -43,7 +43,7 @@ bool TtablePagePrinter::print(QPrinter &printer, const QList<TtablePage> &pages)
             return false;
         first = false;
         for (int line = 0; line < page.heading.size(); ++line)
-            drawLine(line, page.boldLines.count(line) ? fonts.bold : fonts.regular, page.heading[line]);
+            drawLine(line, page.boldLines.contains(line) ? fonts.bold : fonts.regular, page.heading[line]);
 
         const QList<QStringList> &rows = page.rows;
         QList<int> widths(rows.front().size(), 0);

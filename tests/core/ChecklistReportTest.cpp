@@ -61,7 +61,7 @@ TEST(TchecklistReport, RowsFollowTheStepsAndNameCalls)
     EXPECT_EQ(report.date, TsequenceReport::dateText(0));
     EXPECT_EQ(report.rows, (std::vector<std::array<std::string, 3>>{
                                {"", "A - Autosequence", "Runs: Physical inspection 3 - EARTH BOND"},
-                               {"A Visual", "P - Pass/Fail", "Plug intact?"},
+                               {"Visual", "P - Pass/Fail", "Plug intact?"},
                                {}}));
 }
 
