@@ -26,7 +26,6 @@ ThostDashboard::ThostDashboard(QWidget *parent) : QWidget(parent)
     m_saved = addRow(form, QStringLiteral("Last saved:"), QStringLiteral("lastSaved"));
     m_transfer = addRow(form, QStringLiteral("Last transfer:"), QStringLiteral("lastTransfer"));
     m_warnings = addRow(form, QStringLiteral("Warnings:"), QStringLiteral("warnings"));
-    m_warnings->setStyleSheet(QStringLiteral("color: rgb(160, 0, 0)"));
     m_recentRow = new QWidget(this);
     m_recentButtons = new QVBoxLayout(m_recentRow);
     m_recentButtons->setContentsMargins(0, 0, 0, 0);
@@ -63,6 +62,7 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
     for (const std::string &warning : summary.warnings)
         warnings << text(warning);
     m_warnings->setText(warnings.isEmpty() ? QStringLiteral("none") : warnings.join(QLatin1Char('\n')));
+    m_warnings->setStyleSheet(warnings.isEmpty() ? QString() : QStringLiteral("color: rgb(160, 0, 0)"));
 
     // Later: the button that was clicked may be what asked for this refresh.
     while (QLayoutItem *item = m_recentButtons->takeAt(0)) {
@@ -71,10 +71,15 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
         delete item;
     }
     for (const std::filesystem::path &folder : recent) {
-        auto *button = new QPushButton(text(folder.string()), m_recentRow);
+        std::error_code ec;
+        const bool there = std::filesystem::is_directory(folder, ec);
+        auto *button =
+            new QPushButton(text(folder.string()) + (there ? QString() : QStringLiteral(" (not there)")), m_recentRow);
+        button->setEnabled(there);
         button->setFlat(true);
         button->setCursor(Qt::PointingHandCursor);
-        button->setStyleSheet(QStringLiteral("text-align: left; color: palette(link)"));
+        button->setStyleSheet(QStringLiteral(
+            "QPushButton { text-align: left; color: palette(link) } QPushButton:disabled { color: palette(mid) }"));
         const QString chosen = text(folder.string());
         connect(button, &QPushButton::clicked, this, [this, chosen] { Q_EMIT folderChosen(chosen); });
         m_recentButtons->addWidget(button);
