@@ -63,6 +63,8 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
                                  std::unique_ptr<TdataFolderSession> session)
     : m_folders(folders), m_reporting(reporting), m_session(std::move(session)), m_recent(folders.hostSettings)
 {
+    // One spelling of the folder, so that the recent list knows it.
+    m_folders.application = TrecentFolders::normal(std::filesystem::absolute(m_folders.application));
     setWindowIcon(QIcon(QStringLiteral(":/kt930pc.svg")));
     restoreWindowGeometry();
     m_container = new QWidget(this);
@@ -113,7 +115,7 @@ void ThostMainWindow::showFolder()
     m_folderLabel->setToolTip(QString::fromStdString(m_folders.reason));
     std::vector<std::filesystem::path> others;
     for (const std::filesystem::path &recent : m_recent.folders())
-        if (recent != m_folders.application.lexically_normal())
+        if (recent != m_folders.application)
             others.push_back(recent);
     m_recentMenu->clear();
     for (const std::filesystem::path &recent : others)
@@ -444,8 +446,8 @@ bool ThostMainWindow::returnToMainView(int &shownPlugin)
 
 bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
 {
-    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
-    if (folder == m_folders.application.lexically_normal())
+    const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
+    if (folder == m_folders.application)
         return true;
     std::error_code ec;
     if (!std::filesystem::is_directory(folder, ec)) {
@@ -482,7 +484,7 @@ bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
 
 bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 {
-    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
+    const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
     int shownPlugin = -1;
     if (!returnToMainView(shownPlugin))
         return false;
@@ -504,7 +506,7 @@ bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 // The new folder is held before the old one is let go, so a decline keeps everything as it was.
 bool ThostMainWindow::switchTo(const std::filesystem::path &folder)
 {
-    if (folder == m_folders.application.lexically_normal())
+    if (folder == m_folders.application)
         return true;
     const std::filesystem::path dataFolder = TappDir::dataFolder(folder);
     auto session = std::make_unique<TdataFolderSession>(dataFolder);
