@@ -120,7 +120,11 @@ void ThostMainWindow::showFolder()
     m_recentMenu->clear();
     for (const std::filesystem::path &recent : others)
         m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(m_recentMenu->actions().size() + 1).arg(text(recent)),
-                                this, [this, recent] { openDataFolder(recent); });
+                                this, [this, recent] {
+                                    // Queued: the switch rebuilds this menu, and with it the entry that was chosen.
+                                    QMetaObject::invokeMethod(
+                                        this, [this, recent] { openDataFolder(recent); }, Qt::QueuedConnection);
+                                });
     m_recentMenu->setEnabled(!others.empty());
     m_dashboard->refresh(m_folders.application, others);
 }
