@@ -44,7 +44,7 @@ TdataFolderSummary TdataFolderSummary::of(const std::filesystem::path &appDir)
     }
     if (newest)
         summary.lastSaved = localTimeText(newest);
-    summary.lastTransfer = TlastTransfer::read(appDir);
+    summary.lastTransfer = TlastTransfer::read(data.dataFolder());
     summary.warnings = sink.lines;
     for (const std::string &warning : data.folderWarnings())
         summary.warnings.push_back(warning);

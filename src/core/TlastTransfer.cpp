@@ -16,17 +16,17 @@ std::string TlastTransfer::linkText(int method, int serialPort, const std::array
     }
 }
 
-bool TlastTransfer::record(const std::filesystem::path &appDir, const std::string &action, const std::string &link)
+bool TlastTransfer::record(const std::filesystem::path &dataFolder, const std::string &action, const std::string &link)
 {
     const std::string line = localTimeText(std::time(nullptr)) + "\t" + action + "\t" + link + "\n";
-    return writeFileAtomically(appDir / FileName, line) == AtomicWriteResult::Ok;
+    return writeFileAtomically(dataFolder / FileName, line) == AtomicWriteResult::Ok;
 }
 
-std::optional<TlastTransfer> TlastTransfer::read(const std::filesystem::path &appDir)
+std::optional<TlastTransfer> TlastTransfer::read(const std::filesystem::path &dataFolder)
 {
     std::ifstream in;
     std::string line;
-    if (!openRegularFile(in, appDir / FileName) || !std::getline(in, line) || line.size() > 200)
+    if (!openRegularFile(in, dataFolder / FileName) || !std::getline(in, line) || line.size() > 200)
         return std::nullopt;
     const std::size_t first = line.find('\t'), second = line.find('\t', first + 1);
     if (first == std::string::npos || second == std::string::npos)

@@ -5,8 +5,7 @@
 #include <string>
 
 // When the data set last went to or came from an analyzer, and over which link: a
-// line in .last-transfer beside KT930pc.ini, written when a transfer completes. Not in
-// Data/, which holds the data set and nothing else.
+// line in Data/.last-transfer, written when a transfer completes.
 struct TlastTransfer {
     static constexpr const char *FileName = ".last-transfer";
 
@@ -17,7 +16,7 @@ struct TlastTransfer {
     // The link in words, from the transfer record's method (0 USB, 1 Ethernet, 2 serial).
     static std::string linkText(int method, int serialPort, const std::array<int, 4> &ip);
     // Nothing depends on the record, so a failed write only returns false.
-    static bool record(const std::filesystem::path &appDir, const std::string &action, const std::string &link);
+    static bool record(const std::filesystem::path &dataFolder, const std::string &action, const std::string &link);
     // None when no transfer was recorded or the record is not one of ours.
-    static std::optional<TlastTransfer> read(const std::filesystem::path &appDir);
+    static std::optional<TlastTransfer> read(const std::filesystem::path &dataFolder);
 };

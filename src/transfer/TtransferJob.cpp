@@ -97,10 +97,8 @@ QThread &TtransferJob::makeWorker(ProgressSink &progress)
         QObject::connect(m_worker.get(), &QThread::finished, [this] {
             const auto &p = m_parameters;
             if (completed())
-                TlastTransfer::record(p.data->appDir(),
-                                      p.kind == Kind::Upload ? "upload"
-                                      : p.kind == Kind::Sync ? "sync"
-                                                             : "download",
+                TlastTransfer::record(p.data->dataFolder(),
+                                      p.kind == Kind::Upload ? "upload" : p.kind == Kind::Sync ? "sync" : "download",
                                       TlastTransfer::linkText(int(p.method), p.serialPort, p.ip));
         });
     return *m_worker;

@@ -19,6 +19,6 @@ TEST_F(CliFixture, WhereListsTheHostsRecentFoldersAndADownloadRecordsItsLink)
     TsimProcess sim({"--listen", at + ":60601", "--appdir", KT930_TEST_APPDIR, "--memory", (temp / "memory").string()});
     ASSERT_TRUE(sim.waitForLog("ready")) << sim.log();
     ASSERT_EQ(ctl({"download", "--ethernet", at}).exitCode, 0);
-    const std::string line = TempDir::read(temp / "app/.last-transfer");
+    const std::string line = TempDir::read(data(".last-transfer"));
     EXPECT_EQ(line.substr(19), "\tdownload\tEthernet " + at + "\n");
 }
