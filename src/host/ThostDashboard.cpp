@@ -1,6 +1,7 @@
 #include "ThostDashboard.h"
 #include "TdataFolderSummary.h"
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -24,7 +25,20 @@ ThostDashboard::ThostDashboard(QWidget *parent) : QWidget(parent)
     m_sequences = addRow(form, QStringLiteral("User tester sequences:"), QStringLiteral("sequences"));
     m_checklists = addRow(form, QStringLiteral("Checklists:"), QStringLiteral("checklists"));
     m_saved = addRow(form, QStringLiteral("Last saved:"), QStringLiteral("lastSaved"));
-    m_transfer = addRow(form, QStringLiteral("Last transfer:"), QStringLiteral("lastTransfer"));
+    // After an upload the analyzer can be checked against what was sent.
+    auto *transferRow = new QWidget(this);
+    auto *transferLayout = new QHBoxLayout(transferRow);
+    transferLayout->setContentsMargins(0, 0, 0, 0);
+    m_transfer = new QLabel(transferRow);
+    m_transfer->setObjectName(QStringLiteral("lastTransfer"));
+    m_verify = new QPushButton(QStringLiteral("Verify..."), transferRow);
+    m_verify->setObjectName(QStringLiteral("btnVerifyUpload"));
+    m_verify->setToolTip(QStringLiteral("Compare what the KT930 holds with this data set"));
+    connect(m_verify, &QPushButton::clicked, this, &ThostDashboard::verifyRequested);
+    transferLayout->addWidget(m_transfer);
+    transferLayout->addWidget(m_verify);
+    transferLayout->addStretch();
+    form->addRow(QStringLiteral("Last transfer:"), transferRow);
     m_warnings = addRow(form, QStringLiteral("Warnings:"), QStringLiteral("warnings"));
     m_recentRow = new QWidget(this);
     m_recentButtons = new QVBoxLayout(m_recentRow);
@@ -58,6 +72,7 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
                                   .arg(text(summary.lastTransfer->time), text(summary.lastTransfer->action),
                                        text(summary.lastTransfer->link))
                             : QStringLiteral("none recorded"));
+    m_verify->setVisible(summary.lastTransfer && summary.lastTransfer->action == "upload");
     QStringList warnings;
     for (const std::string &warning : summary.warnings)
         warnings << text(warning);

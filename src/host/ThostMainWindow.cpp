@@ -92,6 +92,7 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
     m_dashboard = new ThostDashboard(m_mainView);
     connect(m_dashboard, &ThostDashboard::folderChosen, this,
             [this](const QString &folder) { openDataFolder(folder.toStdString()); });
+    connect(m_dashboard, &ThostDashboard::verifyRequested, this, &ThostMainWindow::compareWithAnalyzer);
     m_buttonLayout->addWidget(m_dashboard);
     m_buttonLayout->addStretch();
     // The overview is read again whenever the main view comes back.

@@ -189,7 +189,9 @@ TEST_F(HostTest, NoPluginsOrOneThatCannotBeLoadedIsNamedInABoxOrOnStderrAndTheOt
     mixed.plugins = appDir.dir().path() / "Plugins";
     {
         ThostMainWindow none(mixed); // no plug-in folder: no buttons, and the host goes on
-        EXPECT_EQ(none.pluginCount() + none.mainView()->findChildren<QPushButton *>().size(), 0);
+        EXPECT_EQ(none.pluginCount() +
+                      none.mainView()->findChildren<QPushButton *>(QString(), Qt::FindDirectChildrenOnly).size(),
+                  0);
     }
     appDir.dir().write("Plugins/broken.so", "not a library");
     fs::create_symlink(folders().plugins / "libVAROAutoSeqEditor.so", mixed.plugins / "libVAROAutoSeqEditor.so");
