@@ -61,19 +61,12 @@ TEST_F(CheckitemList, AnEmptyListIsOneBlankRowOnlyWhereAskedFor)
     }
 }
 
+// The orders themselves are the filter's and the sort state's, checked there.
 TEST_F(CheckitemList, HeaderPressesSortAndResetOrderDropsFilterAndSort)
 {
     TcheckitemListModel list(&db, names, false, TcheckitemListModel::EmptyList::BlankRow);
-    const struct {
-        int column, state;
-        QStringList numbers;
-    } presses[] = {{0, 2, {"5", "3", "2", "1"}}, {0, 1, {"1", "2", "3", "5"}}, {1, 3, {"3", "1", "5", "2"}},
-                   {3, 3, {"3", "1", "5", "2"}}};
-    for (const auto &p : presses) {
-        list.pressHeader(p.column);
-        EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()),
-                  p.numbers + QStringList{QString::number(p.state)});
-    }
+    list.pressHeader(0);
+    EXPECT_EQ(numbers(list) << QString::number(list.sortState().number()), (QStringList{"5", "3", "2", "1", "2"}));
     list.filter().categorySet = {'A'};
     list.refilter();
     EXPECT_EQ(numbers(list), (QStringList{"5", "2"}));
