@@ -69,14 +69,8 @@ struct FrameEditFixture : ::testing::Test, FrameHost {
     }
     void doubleClickInspection(int row)
     {
-        doubleClick(get<QListWidget>("lstIP"),
-                    get<QListWidget>("lstIP")->visualItemRect(get<QListWidget>("lstIP")->item(row)).center());
-    }
-    QTreeWidget *testerTree()
-    {
-        get<QTabWidget>("PageControl1")->setCurrentIndex(1);
-        QApplication::processEvents();
-        return get<QTreeWidget>("LstUTS");
+        auto *list = get<QListWidget>("lstIP");
+        doubleClick(list, list->visualItemRect(list->item(row)).center());
     }
 };
 } // namespace
@@ -89,7 +83,8 @@ TEST_F(FrameEditFixture, EachWayIntoTheEditorEditsThatAutosequenceAndOnlyTheButt
     EXPECT_EQ(writtenFiles(), Files);
     removeFiles();
     auto *list = get<QListWidget>("lstIP");
-    QTreeWidget *tree = testerTree();
+    auto *tree = get<QTreeWidget>("LstUTS");
+    get<QTabWidget>("PageControl1")->setCurrentIndex(1);
     tree->expandItem(tree->topLevelItem(3));
     QApplication::processEvents();
     QTreeWidgetItem *node = tree->topLevelItem(3)->child(0), *unusedNode = tree->topLevelItem(4)->child(5);

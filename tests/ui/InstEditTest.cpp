@@ -1,18 +1,16 @@
 // The checkitem database editor clicked through once per control; the rules are tested where they live.
+#include "instEdit.h"
 #include "../e2e/SimulatorUnderTest.h"
 #include "AutoSequenceEditorFrame.h"
+#include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
 #include "TcheckitemListModel.h"
 #include "TguiMessageSink.h"
 #include "TinstGridHeader.h"
-#include "TinstListingPrinter.h"
-#include "ProgramRun.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include <QPrinter>
-#include "instEdit.h"
 #include <sys/stat.h>
 
 namespace {
@@ -74,11 +72,7 @@ void answer(const char *button, std::function<void(QWidget *)> before = [](QWidg
     whenModal([=](QWidget *dialog) { before(dialog), click(dialog, button); });
 }
 
-struct PdfEditor : TinstructionEditorForm { // its print dialog answered by a PDF file
-    using TinstructionEditorForm::TinstructionEditorForm;
-    QString pdf;
-    bool choosePrinter(QPrinter &printer) override { return TinstListingPrinter::preparePdf(printer, pdf), true; }
-};
+using PdfEditor = PrintsToPdf<TinstructionEditorForm>;
 
 struct Editor : ::testing::Test {
     AppDirScope appDir;
@@ -436,11 +430,11 @@ TEST_F(Editor, PrintsTheListAsItStandsExportsEverySlotAndHelpOpensInAWindowOfThe
                                appDir.dir().path() / "TestProcedureEditor.qch");
     db[5].assign(' ', 'A', "UT203");
     PdfEditor *editor = open(true);
-    editor->pdf = QString::fromStdString((appDir.dir().path() / "listing.pdf").string());
+    editor->pdf = appDir.dir().path() / "listing.pdf";
     clickHeader(editor, 0);
     click(editor, "btnPrint");
     EXPECT_TRUE(
-        QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.toStdString(), "-"}, ".").out)
+        QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.string(), "-"}, ".").out)
             .simplified()
             .startsWith("KT930pc Instruction Listing No. Category Op Code Command 6 A - Autosequence UT203 5 "
                         "Functional checks C - Control AUX»1"));

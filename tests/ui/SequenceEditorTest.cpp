@@ -4,19 +4,10 @@
 #include "TInstrDatabase.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include <QPrinter>
 #include <cstring>
 
 namespace {
-// Prints to a PDF file where the user would have picked a printer.
-struct PdfSequenceEditor : TsequenceEditor {
-    using TsequenceEditor::TsequenceEditor;
-    std::filesystem::path pdf;
-    bool choosePrinter(QPrinter &printer) override
-    {
-        return printer.setOutputFileName(QString::fromStdString(pdf.string())), true;
-    }
-};
+using PdfSequenceEditor = PrintsToPdf<TsequenceEditor>;
 
 struct SequenceEditorFixture : ::testing::Test {
     AppDirScope appDir;
