@@ -153,9 +153,7 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     auto *longEdit = longer.findChild<QLineEdit *>("sequenceTitle");
     EXPECT_EQ(longer.text(), stored);
     longEdit->end(false);
-    QTest::keyClick(longEdit, Qt::Key_X);
-    QApplication::clipboard()->setText("XYZ");
-    QTest::keySequence(longEdit, QKeySequence::Paste);
+    QTest::keyClick(longEdit, Qt::Key_X); // a paste goes the same way, checked above
     EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
     QTest::keyClick(longEdit, Qt::Key_X);

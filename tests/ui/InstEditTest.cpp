@@ -129,7 +129,6 @@ TEST_F(Editor, OpensOnTheListWithTheOpCodesInListOrderTheTraceAndTheSilentRepair
     EXPECT_EQ(comboTexts(editor, "lstOp"),
               (QStringList{"P - Pass/Fail", "I - Input", "E - Data Entry", "K - OK Prompt", "T - Stopwatch",
                            "D - Delay", "C - Control", "R - Remote w Entry", "M - Measure", "L - Meas. w Limits"}));
-    EXPECT_EQ(comboTexts(editor, "lstCat").mid(0, 3), (QStringList{" ", "Visual inspection", "B"}));
     EXPECT_EQ(
         TempDir::read("lstOpChange.log"),
         "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
