@@ -102,11 +102,15 @@ struct Editor : ::testing::Test {
     {
         whenModal([file = QString::fromStdString((appDir.dir().path() / name).string())](QWidget *dialog) {
             EXPECT_EQ(dialog->objectName(), "instTableOpenDlg");
-            // The dialog lists its folder in the background and may select a file it
-            // finds there: accept once it returns what was typed, as a user would see.
+            // The dialog lists its folder in the background and may select a file it finds
+            // there after the name was typed: type it again until the dialog returns it, and
+            // accept in any case, so that a lost race fails the test instead of hanging it.
             auto *files = qobject_cast<QFileDialog *>(dialog);
-            child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
-            QTRY_COMPARE(files->selectedFiles(), QStringList{file});
+            for (int tries = 0; tries < 100 && files->selectedFiles() != QStringList{file}; ++tries) {
+                child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
+                QTest::qWait(50);
+            }
+            EXPECT_EQ(files->selectedFiles(), QStringList{file});
             qobject_cast<QDialog *>(dialog)->accept();
         });
         click(editor, "btnImport");
