@@ -102,12 +102,17 @@ struct Editor : ::testing::Test {
     {
         whenModal([file = QString::fromStdString((appDir.dir().path() / name).string())](QWidget *dialog) {
             EXPECT_EQ(dialog->objectName(), "instTableOpenDlg");
-            // The dialog lists its folder in the background and may select a file it finds
-            // there after the name was typed: type it again until the dialog returns it, and
-            // accept in any case, so that a lost race fails the test instead of hanging it.
+            // The dialog lists its folder in the background and may select the file it chose
+            // last time once the listing comes (a selected row wins over the typed name): clear
+            // the selection and type again until the dialog returns the name, and accept in any
+            // case, so that a lost race fails the test instead of hanging it.
             auto *files = qobject_cast<QFileDialog *>(dialog);
-            for (int tries = 0; tries < 100 && files->selectedFiles() != QStringList{file}; ++tries) {
+            for (int tries = 0; tries < 100; ++tries) {
+                for (auto *view : dialog->findChildren<QAbstractItemView *>())
+                    view->clearSelection();
                 child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
+                if (files->selectedFiles() == QStringList{file})
+                    break;
                 QTest::qWait(50);
             }
             EXPECT_EQ(files->selectedFiles(), QStringList{file});
