@@ -1,8 +1,8 @@
 #include "ByteBuilder.h"
 #include "CliFixture.h"
 #include "TrestorePoints.h"
-#include <map>
 #include <cstdlib>
+#include <map>
 
 namespace fs = std::filesystem;
 
@@ -18,19 +18,15 @@ std::string missing(const std::string &text, const std::vector<std::string> &lin
         absent += ("\n" + text).find("\n" + line + "\n") == std::string::npos ? line + "\n" : "";
     return absent;
 }
-}
+} // namespace
 
 TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
 {
     ProgramRun result = ctl({"show"});
     EXPECT_EQ(std::pair(result.exitCode, result.err), std::pair(0, std::string()));
     EXPECT_EQ(missing(result.out, {"Load messages: none", "Checkitems (37 used):",
-                                   "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB"
-                                   "0\xC2\xBB"
-                                   "0.1\xC2\xBB"
-                                   "0\xC2\xBB"
-                                   "5",
-                                   "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER",
+                                   "  15  E Earth bond | L - Meas. w Limits | EB\u00BB0\u00BB0.1\u00BB0\u00BB5",
+                                   "  37     | E - Data Entry | Operator initials\u00BB\u00BB\u00BBUSER",
                                    "  1. Visual Check - Mains Lead", "  18. <unused>", "  i. WORKSHOP BENCH",
                                    "      5. Printer Report - Serial Port 1",
                                    "  iii. USER TESTER 3", // blank name
@@ -139,6 +135,7 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
         return ProgramRun::runTool(ctl, std::move(arguments), temp.path());
     };
 
+    // clang-format off
     EXPECT_EQ(outcome(installed({"where"})),
               std::tuple(0, "application folder: " + userFolder.string() + " (not there yet)\n"
                                 "  because the program is installed: the per-user data folder in ~/.local/share\n"
@@ -148,6 +145,7 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
                                 "help files:         " + (usr / "share/kt930pc").string() + "\n"
                                 "shipped defaults:   " + (usr / "share/kt930pc/Data").string() + "\n",
                          std::string()));
+    // clang-format on
     ProgramRun first = installed({"show"});
     EXPECT_EQ(std::pair(first.exitCode, first.err),
               std::pair(0, "kt930ctl: there is no data folder " + (userFolder / "Data").string() +

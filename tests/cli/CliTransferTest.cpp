@@ -17,15 +17,6 @@ struct CliTransferTest : CliFixture {
                 fs::remove_all(entry.path());
     }
     static std::string address(int test) { return LoopbackAddress(test, 32).text(); }
-    // The data files of a folder, "-" for a missing one.
-    static std::string files(const fs::path &folder)
-    {
-        std::string all;
-        for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
-                                 "usertester4.asq", "usertester5.asq", "testProc.asq"})
-            all += name + (fs::exists(folder / name) ? ": " + TempDir::read(folder / name) : std::string("-")) + "\n";
-        return all;
-    }
     void givePcTheDemoSet()
     {
         fs::copy(DemoData, temp / "app/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive);
@@ -52,7 +43,7 @@ TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUp
               std::tuple(0, "Downloaded the data set into " + pc + "\n",
                          "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nGetting "
                          "Checklists\nCompleted!\n"));
-    EXPECT_EQ(files(pc), files(DemoData));
+    EXPECT_EQ(TempDir::readDataFiles(pc), TempDir::readDataFiles(DemoData));
     ASSERT_EQ(ctl({"sync", "--ethernet", at}).exitCode, 0);
     ASSERT_EQ(ctl({"upload", "--ethernet", at}).exitCode, 0);
     sim->stop();
@@ -63,13 +54,13 @@ TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUp
 // Nobody listens at this address: the connect fails, then times out.
 TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 {
-    const std::string before = files(pc);
+    const std::string before = TempDir::readDataFiles(pc);
     EXPECT_EQ(outcome(ctl({"download", "--ethernet", address(4)})),
               std::tuple(1, "",
                          "Initializing\nInitiating Handshake\nEthernet Connection Error\nAn error occurred while "
                          "attempting to connect."
                          "\nOperation Canceled.\nError\nTimeout Error.\nOperation Canceled.\n"));
-    EXPECT_EQ(files(pc), before);
+    EXPECT_EQ(TempDir::readDataFiles(pc), before);
 }
 
 // Block 3 of the checkitems starts at byte 792, inside checkitem 19 (44 bytes each); the read-back goes to memory only.
@@ -77,7 +68,7 @@ TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
 {
     givePcTheDemoSet();
-    const std::string before = files(pc), at = address(6);
+    const std::string before = TempDir::readDataFiles(pc), at = address(6);
     auto faulty = startSimulator(at, {"--fault", "wrong-store=3@PUIN", "--fault", "wrong-store=20@PASQ"});
     ProgramRun result = ctl({"upload", "--verify", "--ethernet", at});
     EXPECT_EQ(result.exitCode, 3);
@@ -85,7 +76,7 @@ TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
         "Completed!\nkt930ctl upload --verify: the analyzer holds something else than was sent, first at "
         "checkitem 19 (byte 792 of the checkitem area)\n"))
         << result.err;
-    EXPECT_EQ(files(pc), before);
+    EXPECT_EQ(TempDir::readDataFiles(pc), before);
 }
 
 // Defaults never overwrite the analyzer's content, and unknown op codes go only when forced; a refused upload
@@ -163,4 +154,4 @@ TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNe
         EXPECT_EQ(std::pair(figures.mixed, figures.leftovers), std::pair(0, 0)) << arguments[0];
     }
 }
-}
+} // namespace
