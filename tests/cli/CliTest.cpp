@@ -95,13 +95,15 @@ TEST_F(CliTest, ImportFailuresSayWhyAndChangeNothingOrSaveWhatFitted)
               ByteBuilder::checkitem('P', 'K', "Step 0") + ByteBuilder::checkitem('P', 'K', "Step 1006"));
 }
 
-// Each refusal says why before the usage; an option's value is never the next option, and an option counts once.
+// Each refusal says why before the usage; an option's value is never the next option, and an option counts once;
+// only an upload is verified.
 TEST_F(CliTest, UsageErrorsAndHelp)
 {
     ProgramRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(missing(help.out, {"  import-csv      add the checkitems of a CSV file to the checkitem table"}), "");
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
+    const std::string oneLink = "choose exactly one of --usb, --ethernet A.B.C.D, --serial N\n";
     const std::pair<std::vector<std::string>, std::string> refused[] = {
         {{}, ""},
         {{"show", "--bogus"}, "kt930ctl show: unknown option --bogus\n"},
@@ -111,6 +113,12 @@ TEST_F(CliTest, UsageErrorsAndHelp)
         {{"show", "--appdir"}, "kt930ctl show: --appdir needs a folder\n"},
         {{"listing", "--pdf", "a.pdf", "--pdf", "b.pdf"}, "kt930ctl listing: --pdf is given twice\n"},
         {{"show", "--appdir", "a", "--appdir", "b"}, "kt930ctl show: --appdir is given twice\n"},
+        {{"download"}, "kt930ctl download: " + oneLink},
+        {{"download", "--usb", "--serial", "3"}, "kt930ctl download: " + oneLink},
+        {{"sync", "--serial", "COM3"}, "kt930ctl sync: --serial needs a port number from 1 to 256\n"},
+        {{"sync", "--ethernet", "localhost"}, "kt930ctl sync: --ethernet needs an IPv4 address such as 127.0.0.1\n"},
+        {{"upload", "--ethernet", "127.0.0.256"}, "kt930ctl upload: Invalid IP Address!\n"},
+        {{"download", "--verify", "--ethernet", "127.0.0.1"}, "kt930ctl download: unknown option --verify\n"},
     };
     for (const auto &[arguments, message] : refused) {
         ProgramRun result = run(arguments);

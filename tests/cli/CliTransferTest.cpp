@@ -34,23 +34,6 @@ struct CliTransferTest : CliFixture {
     const std::string pc = (temp / "app/Data").string();
 };
 
-// Not a terminal: one plain line per stage.
-TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUploadRunOverIt)
-{
-    const std::string at = address(1);
-    auto sim = startSimulator(at);
-    EXPECT_EQ(outcome(ctl({"download", "--ethernet", at})),
-              std::tuple(0, "Downloaded the data set into " + pc + "\n",
-                         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nGetting "
-                         "Checklists\nCompleted!\n"));
-    EXPECT_EQ(TempDir::readDataFiles(pc), TempDir::readDataFiles(DemoData));
-    ASSERT_EQ(ctl({"sync", "--ethernet", at}).exitCode, 0);
-    ASSERT_EQ(ctl({"upload", "--ethernet", at}).exitCode, 0);
-    sim->stop();
-    EXPECT_EQ(fs::file_size(temp / "memory.bin"), 45936u + 132000u + 7128u);
-    EXPECT_EQ(memory(45936), TempDir::read(DemoData / "mit.dat")); // the checkitem image is mit.dat as it stands
-}
-
 // Nobody listens at this address: the connect fails, then times out.
 TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 {
@@ -108,19 +91,6 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
     EXPECT_EQ(sim->log(), logBefore);
     sim->stop();
     EXPECT_EQ(memory(45936), table);
-}
-
-TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
-{
-    // Only an upload is verified.
-    for (const std::vector<std::string> &arguments : {std::vector<std::string>{"download"},
-                                                      {"download", "--usb", "--serial", "3"},
-                                                      {"sync", "--serial", "COM3"},
-                                                      {"download", "--verify", "--ethernet", "127.0.0.1"}})
-        EXPECT_EQ(ctl(arguments).exitCode, 2) << arguments.back();
-    ProgramRun badAddress = ctl({"upload", "--ethernet", "127.0.0.256"});
-    EXPECT_EQ(std::pair(badAddress.exitCode, badAddress.err.find("Invalid IP Address!") != std::string::npos),
-              std::pair(2, true));
 }
 
 // KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the pseudo-terminal behind it is never
