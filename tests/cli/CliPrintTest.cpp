@@ -12,6 +12,14 @@ namespace fs = std::filesystem;
 using namespace ByteBuilder;
 
 namespace {
+void writeCheckitems(const fs::path &file, const std::vector<std::pair<std::size_t, TInstr>> &used)
+{
+    TInstrDatabase db;
+    for (const auto &[slot, record] : used)
+        db[slot] = record;
+    ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), file), 0);
+}
+
 const std::string Indent = "    ", Unused = asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
 
 struct CliPrintSequenceTest : CliFixture {
@@ -19,10 +27,7 @@ struct CliPrintSequenceTest : CliFixture {
     CliPrintSequenceTest()
     {
         temp.write("app/Data/catdes.dat", "B, Electrical\n");
-        std::string mit = checkitem('B', 'M', "EB\t0.1") + checkitem(' ', 'P', "Plug ok?");
-        for (int slot = 2; slot < 1044; ++slot)
-            mit += checkitem(0, 0, "");
-        temp.write("app/Data/mit.dat", mit);
+        writeCheckitems(data("mit.dat"), {{0, TInstr('B', 'M', "EB\t0.1")}, {1, TInstr(' ', 'P', "Plug ok?")}});
         temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 2) +
                                                   asqRecord("EARTH BOND", "CLASS I", 0x13, positions({1, 2})) + Unused);
         writeTesters(true);
@@ -58,13 +63,6 @@ struct CliPrintSequenceTest : CliFixture {
 };
 
 struct CliListingTest : CliFixture {
-    void writeCheckitems(const std::vector<std::pair<std::size_t, TInstr>> &used) const
-    {
-        TInstrDatabase db;
-        for (const auto &[slot, record] : used)
-            db[slot] = record;
-        ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), data("mit.dat")), 0);
-    }
     ProgramRun listing(const std::string &pdf) { return ctl({"listing", "--pdf", pdf}); }
     const std::string pdf = (temp / "list.pdf").string();
 };
@@ -158,12 +156,13 @@ TEST_F(CliPrintSequenceTest, OnlySequencesOfAFileThatDidNotLoadAreRefused)
 
 TEST_F(CliListingTest, PrintsTheEditorsFirstViewOfTheDatabase)
 {
-    writeCheckitems({{4, TInstr('E', 'M', "EB\t0\t5")},
-                     {0, TInstr('Q', 'P', "Plug ok?")},
-                     {2, TInstr(' ', 'K', "Caf\xE9 break")},
-                     {3, TInstr(' ', 'A', "PHY01")},        // a checklist step: not in the editor's list
-                     {260, TInstr('A', 'P', "Far away")}}); // beyond the editor's 250 slots
-    ProgramRun result = listing(pdf);                       // Qt may add its own notes on stderr
+    writeCheckitems(data("mit.dat"), {{4, TInstr('E', 'M', "EB\t0\t5")},
+                                      {0, TInstr('Q', 'P', "Plug ok?")},
+                                      {2, TInstr(' ', 'K', "Caf\xE9 break")},
+                                      {3, TInstr(' ', 'A', "PHY01")}, // a checklist step: not in the editor's list
+                                      {260, TInstr('A', 'P', "Far away")}}); // beyond the editor's 250 slots
+
+    ProgramRun result = listing(pdf); // Qt may add its own notes on stderr
     EXPECT_EQ(std::pair(result.exitCode, result.out), std::pair(0, "Printed 3 rows to " + pdf + "\n"));
     EXPECT_EQ(pdfPages(pdf, true),
               (PdfPages{{"    KT930pc Instruction Listing", "    No.  Category    Op Code        Command",
@@ -187,7 +186,7 @@ TEST_F(CliListingTest, BadInputIsNamedAndFails)
         std::pair(noPdf.exitCode,
                   noPdf.err.rfind("kt930ctl listing: --pdf FILE is required\nUsage: kt930ctl listing --pdf FILE", 0)),
         std::pair(2, std::size_t(0)));
-    writeCheckitems({{2, TInstr(' ', 'Z', "unknown op")}});
+    writeCheckitems(data("mit.dat"), {{2, TInstr(' ', 'Z', "unknown op")}});
     EXPECT_EQ(outcome(listing(pdf)), std::tuple(1, "", "kt930ctl listing: checkitem 3: Invalid Op Code\n"));
     fs::remove(data("mit.dat"));
     EXPECT_EQ(
