@@ -1,7 +1,6 @@
 // kt930ctl download / upload / sync against the real simulator (its memory: the demo set); the PC keeps the op codes.
 #include "CliFixture.h"
 #include "LoopbackAddress.h"
-#include "PtyPair.h"
 #include "SaveUnderFaults.h"
 #include "TsimProcess.h"
 namespace fs = std::filesystem;
@@ -91,17 +90,6 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
     EXPECT_EQ(sim->log(), logBefore);
     sim->stop();
     EXPECT_EQ(memory(45936), table);
-}
-
-// KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the pseudo-terminal behind it is never
-// opened.
-TEST_F(CliTransferTest, SerialPortKeysAreTakenOnlyWhenExact)
-{
-    PtyPair pty;
-    temp.write("app/KT930pc.ini", "[SERIALPORTS]\nCOM200x=" + pty.slavePath + "\n");
-    ProgramRun result = ctl({"sync", "--serial", "200"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("Serial Port Error\nOpen Error!"), std::string::npos) << result.err;
 }
 
 // What replaces the data set is killed at each of its renames in turn.
