@@ -3,7 +3,6 @@
 #include "Thrown.h"
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
-#include <thread>
 
 namespace {
 // The code and errno an ECommError carries.
@@ -58,22 +57,6 @@ TEST_F(TCommPortTest, NamesResolveClosedPortRefusesIoMissingDeviceIsOpenErrorOpe
     port.OpenCommPort();
     ASSERT_TRUE(port.GetConnected());
     EXPECT_EQ(codeOf([&] { port.SetCommPort("COM2"); }), ECommError::PortAlreadyOpen);
-}
-
-// A sync chunk is 4224 bytes, more than a terminal queues (about 4 KB): the port's
-// own input queue must hold it all and report it as pending.
-TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
-{
-    port.OpenCommPort();
-    std::string chunk(4224, '\0');
-    for (std::size_t i = 0; i < chunk.size(); ++i)
-        chunk[i] = char(i * 31 + i / 256);
-    std::thread peer([&] { pty.send(chunk); });
-    waitPending(chunk.size());
-    peer.join();
-    EXPECT_EQ(port.BytesAvailable(), 4224u);
-    EXPECT_EQ(read(4224, 4224), chunk + 'x');
-    EXPECT_EQ(port.BytesAvailable(), 0u);
 }
 
 // A short read returns its count and puts a 0 after the data.
