@@ -168,16 +168,12 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
     for (int rename = 1;; ++rename, ++figures.kills) {
         startFromBefore();
         // The leak checker stops the world with ptrace, which a traced program cannot.
-        std::vector<std::string> traced{"-f",
-                                        "-o",
-                                        "/dev/null",
-                                        "-E",
-                                        "ASAN_OPTIONS=detect_leaks=0",
-                                        "-e",
-                                        "trace=rename,renameat,renameat2",
-                                        "-e",
-                                        "inject=rename,renameat,renameat2:signal=SIGKILL:when=" +
-                                            std::to_string(rename)};
+        // clang-format off
+        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-E", "ASAN_OPTIONS=detect_leaks=0",
+                                        "-e", "trace=rename,renameat,renameat2",
+                                        "-e", "inject=rename,renameat,renameat2:signal=SIGKILL:when=" +
+                                                  std::to_string(rename)};
+        // clang-format on
         traced.insert(traced.end(), command.begin(), command.end());
         const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
         const Files found = loadedFiles(appDir, others);
