@@ -1,15 +1,16 @@
 #include "TdataSet.h"
 #include "AppDir.h"
 #include "AutosequenceConversions.h"
+#include "FolderPermissions.h"
 #include "MessageSink.h"
 #include "OpCodeDefinitions.h"
-#include "autosequenceFileStructs.h"
-#include "FolderPermissions.h"
 #include "RegularFile.h"
 #include "TdataFolderLock.h"
 #include "TfileSetWriter.h"
 #include "TimeStamp.h"
+#include "TlastTransfer.h"
 #include "TrestorePoints.h"
+#include "autosequenceFileStructs.h"
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -52,7 +53,7 @@ void rememberWrittenByThisProcess(const fs::path &file, const TdataSet::TfileSta
     std::lock_guard<std::mutex> guard(g_writtenMutex);
     g_written[file.string()] = stamp;
 }
-}
+} // namespace
 
 TdataSet::TfileStamp TdataSet::TfileStamp::of(const std::string &bytes)
 {
@@ -64,7 +65,9 @@ TdataSet::TfileStamp TdataSet::TfileStamp::of(const std::string &bytes)
 }
 
 // The containers start default-constructed; the owner calls loadAll() when it is ready.
-TdataSet::TdataSet(fs::path appDir, MessageSink &sink) : m_appDir(std::move(appDir)), m_sink(sink) {}
+TdataSet::TdataSet(fs::path appDir, MessageSink &sink) : m_appDir(std::move(appDir)), m_sink(sink)
+{
+}
 
 fs::path TdataSet::dataFolder() const
 {
@@ -119,10 +122,13 @@ void TdataSet::remember(const std::string &name, bool present, const std::string
     state.unreadable = present && unreadable;
 }
 
-// A save of ours killed half-way is finished before anything is read.
+// A save of ours killed half-way is finished before anything is read; so is a
+// transfer's record, whose temporary would otherwise stay.
 void TdataSet::recoverInterruptedSave()
 {
-    TfileSetWriter::recover(dataFolder(), fileNames());
+    std::vector<std::string> names = fileNames();
+    names.emplace_back(TlastTransfer::FileName);
+    TfileSetWriter::recover(dataFolder(), names);
 }
 
 void TdataSet::loadCheckitems()
@@ -172,7 +178,8 @@ bool TdataSet::loadUserTester(int index)
     const bool loaded = present && parseAutosequenceFile(file, bytes) == 0;
     remember(name, present, bytes, !loaded);
     userTesters.resize(UserTesterCount);
-    userTesters[std::size_t(index)] = loaded ? AutosequenceConversions::fileToUserTester(file) : defaultUserTester(index);
+    userTesters[std::size_t(index)] =
+        loaded ? AutosequenceConversions::fileToUserTester(file) : defaultUserTester(index);
     return loaded;
 }
 
@@ -184,9 +191,8 @@ void TdataSet::loadUserTesters()
     for (int i = 0; i < UserTesterCount; ++i)
         failed = !loadUserTester(i) || failed;
     if (failed)
-        m_sink.error("User Tester Sequences Error",
-                     "Warning!! One or more corrupt User Tester Sequences detected.\n"
-                     "Please restore the data from the KT930.");
+        m_sink.error("User Tester Sequences Error", "Warning!! One or more corrupt User Tester Sequences detected.\n"
+                                                    "Please restore the data from the KT930.");
 }
 
 void TdataSet::loadChecklists()
@@ -228,7 +234,8 @@ void TdataSet::reloadData()
 std::string TdataSet::bytesOf(const TpartFile &file)
 {
     if (file.part == Checkitems)
-        return std::string(reinterpret_cast<const char *>(checkitems.slots().data()), checkitems.size() * sizeof(TInstr));
+        return std::string(reinterpret_cast<const char *>(checkitems.slots().data()),
+                           checkitems.size() * sizeof(TInstr));
     TautosequenceFile image;
     if (file.part == Inspections)
         AutosequenceConversions::inspectionsToFile(inspections, image);
@@ -307,8 +314,9 @@ std::vector<std::string> TdataSet::folderWarnings() const
 {
     std::vector<std::string> lines = permissionWarnings(dataFolder());
     for (const std::string &name : unreadableFiles())
-        lines.push_back(dataFile(name).string() + " could not be read: before a save replaces it, its content is kept as "
-                        + name + ".unreadable-<date>-<time> beside it.");
+        lines.push_back(dataFile(name).string() +
+                        " could not be read: before a save replaces it, its content is kept as " + name +
+                        ".unreadable-<date>-<time> beside it.");
     return lines;
 }
 
@@ -326,8 +334,8 @@ bool TdataSet::keepUnreadable(const TpartFile &file)
         return false;
     state.unreadable = false;
     m_sink.show({"Unreadable File Kept",
-                 "The file " + dataFile(file.name).string() + " could not be read. Its original content was kept as\n"
-                     + copy.string() + "\nbefore it was replaced.",
+                 "The file " + dataFile(file.name).string() + " could not be read. Its original content was kept as\n" +
+                     copy.string() + "\nbefore it was replaced.",
                  MsgIcon::Information, MsgButtons::Ok, MsgModality::Task});
     return true;
 }
@@ -354,17 +362,18 @@ bool TdataSet::save(unsigned parts, TsaveAction action)
             const TfileStamp onDisk = present ? TfileStamp::of(disk) : TfileStamp{};
             // Changed on disk, and not into what is about to be written. A file deleted
             // since is written again: a deletion never wins over data.
-            if (present && !(onDisk == state.stamp) && !(onDisk == TfileStamp::of(bytes))
-                && !(onDisk == writtenByThisProcess(dataFile(file.name)))) {
+            if (present && !(onDisk == state.stamp) && !(onDisk == TfileStamp::of(bytes)) &&
+                !(onDisk == writtenByThisProcess(dataFile(file.name)))) {
                 // Nothing changed here: the other program's version is simply taken.
-                const bool keepMine = !(TfileStamp::of(bytes) == state.stamp)
-                    && m_sink.show({"Data File Changed",
-                                    "The file\n" + dataFile(file.name).string()
-                                        + "\nwas changed by another program after it was loaded here.\n\n"
-                                          "Yes keeps the version shown here and replaces the file.\n"
-                                          "No loads the file's new content instead; the changes made here to it are dropped.",
-                                    MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task})
-                        == MsgAnswer::Yes;
+                const bool keepMine =
+                    !(TfileStamp::of(bytes) == state.stamp) &&
+                    m_sink.show(
+                        {"Data File Changed",
+                         "The file\n" + dataFile(file.name).string() +
+                             "\nwas changed by another program after it was loaded here.\n\n"
+                             "Yes keeps the version shown here and replaces the file.\n"
+                             "No loads the file's new content instead; the changes made here to it are dropped.",
+                         MsgIcon::Question, MsgButtons::YesNo, MsgModality::Task}) == MsgAnswer::Yes;
                 if (!keepMine) {
                     reloadFile(file);
                     continue;

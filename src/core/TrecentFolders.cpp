@@ -6,14 +6,11 @@
 
 namespace fs = std::filesystem;
 
-namespace {
-// "/a/b/" and "/a/./b" are the folder "/a/b".
-fs::path normal(const fs::path &folder)
+fs::path TrecentFolders::normal(const fs::path &folder)
 {
-    fs::path path = folder.lexically_normal();
+    const fs::path path = folder.lexically_normal();
     return path.has_filename() || path == path.root_path() ? path : path.parent_path();
 }
-} // namespace
 
 TrecentFolders::TrecentFolders(fs::path settingsFolder) : m_settingsFolder(std::move(settingsFolder))
 {
@@ -52,7 +49,7 @@ bool TrecentFolders::add(const fs::path &folder, std::string &why)
 {
     std::vector<fs::path> older;
     older.swap(m_folders);
-    keep(fs::absolute(folder));
+    keep(normal(fs::absolute(folder)));
     for (const fs::path &path : older)
         keep(path);
     if (file().empty())

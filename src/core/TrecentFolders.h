@@ -22,6 +22,8 @@ public:
     // Puts the folder first, drops the oldest beyond Kept and writes the file. False
     // with the reason when the file could not be written; the list changes anyway.
     bool add(const std::filesystem::path &folder, std::string &why);
+    // How a folder is kept: absolute, "/a/./b/" as "/a/b".
+    static std::filesystem::path normal(const std::filesystem::path &folder);
 
 private:
     void keep(const std::filesystem::path &folder);

@@ -1,6 +1,7 @@
 #include "ThostDashboard.h"
 #include "TdataFolderSummary.h"
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -24,9 +25,21 @@ ThostDashboard::ThostDashboard(QWidget *parent) : QWidget(parent)
     m_sequences = addRow(form, QStringLiteral("User tester sequences:"), QStringLiteral("sequences"));
     m_checklists = addRow(form, QStringLiteral("Checklists:"), QStringLiteral("checklists"));
     m_saved = addRow(form, QStringLiteral("Last saved:"), QStringLiteral("lastSaved"));
-    m_transfer = addRow(form, QStringLiteral("Last transfer:"), QStringLiteral("lastTransfer"));
+    // After an upload the analyzer can be checked against what was sent.
+    auto *transferRow = new QWidget(this);
+    auto *transferLayout = new QHBoxLayout(transferRow);
+    transferLayout->setContentsMargins(0, 0, 0, 0);
+    m_transfer = new QLabel(transferRow);
+    m_transfer->setObjectName(QStringLiteral("lastTransfer"));
+    m_verify = new QPushButton(QStringLiteral("Verify..."), transferRow);
+    m_verify->setObjectName(QStringLiteral("btnVerifyUpload"));
+    m_verify->setToolTip(QStringLiteral("Compare what the KT930 holds with this data set"));
+    connect(m_verify, &QPushButton::clicked, this, &ThostDashboard::verifyRequested);
+    transferLayout->addWidget(m_transfer);
+    transferLayout->addWidget(m_verify);
+    transferLayout->addStretch();
+    form->addRow(QStringLiteral("Last transfer:"), transferRow);
     m_warnings = addRow(form, QStringLiteral("Warnings:"), QStringLiteral("warnings"));
-    m_warnings->setStyleSheet(QStringLiteral("color: rgb(160, 0, 0)"));
     m_recentRow = new QWidget(this);
     m_recentButtons = new QVBoxLayout(m_recentRow);
     m_recentButtons->setContentsMargins(0, 0, 0, 0);
@@ -59,10 +72,12 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
                                   .arg(text(summary.lastTransfer->time), text(summary.lastTransfer->action),
                                        text(summary.lastTransfer->link))
                             : QStringLiteral("none recorded"));
+    m_verify->setVisible(summary.lastTransfer && summary.lastTransfer->action == "upload");
     QStringList warnings;
     for (const std::string &warning : summary.warnings)
         warnings << text(warning);
     m_warnings->setText(warnings.isEmpty() ? QStringLiteral("none") : warnings.join(QLatin1Char('\n')));
+    m_warnings->setStyleSheet(warnings.isEmpty() ? QString() : QStringLiteral("color: rgb(160, 0, 0)"));
 
     // Later: the button that was clicked may be what asked for this refresh.
     while (QLayoutItem *item = m_recentButtons->takeAt(0)) {
@@ -71,10 +86,15 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
         delete item;
     }
     for (const std::filesystem::path &folder : recent) {
-        auto *button = new QPushButton(text(folder.string()), m_recentRow);
+        std::error_code ec;
+        const bool there = std::filesystem::is_directory(folder, ec);
+        auto *button =
+            new QPushButton(text(folder.string()) + (there ? QString() : QStringLiteral(" (not there)")), m_recentRow);
+        button->setEnabled(there);
         button->setFlat(true);
         button->setCursor(Qt::PointingHandCursor);
-        button->setStyleSheet(QStringLiteral("text-align: left; color: palette(link)"));
+        button->setStyleSheet(QStringLiteral(
+            "QPushButton { text-align: left; color: palette(link) } QPushButton:disabled { color: palette(mid) }"));
         const QString chosen = text(folder.string());
         connect(button, &QPushButton::clicked, this, [this, chosen] { Q_EMIT folderChosen(chosen); });
         m_recentButtons->addWidget(button);

@@ -8,6 +8,7 @@
 
 class QFormLayout;
 class QLabel;
+class QPushButton;
 class QVBoxLayout;
 
 class ThostDashboard : public QWidget {
@@ -20,11 +21,14 @@ public:
 
 Q_SIGNALS:
     void folderChosen(const QString &folder);
+    // "Verify..." after an upload: the host compares the analyzer with the data set.
+    void verifyRequested();
 
 private:
     QLabel *addRow(QFormLayout *form, const QString &label, const QString &name);
 
     QLabel *m_folder, *m_checkitems, *m_inspections, *m_sequences, *m_checklists, *m_saved, *m_transfer, *m_warnings;
+    QPushButton *m_verify;
     QWidget *m_recentRow;
     QVBoxLayout *m_recentButtons;
 };

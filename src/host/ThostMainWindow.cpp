@@ -64,6 +64,8 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
                                  std::unique_ptr<TdataFolderSession> session)
     : m_folders(folders), m_reporting(reporting), m_session(std::move(session)), m_recent(folders.hostSettings)
 {
+    // One spelling of the folder, so that the recent list knows it.
+    m_folders.application = TrecentFolders::normal(std::filesystem::absolute(m_folders.application));
     setWindowIcon(QIcon(QStringLiteral(":/kt930pc.svg")));
     restoreWindowGeometry();
     m_container = new QWidget(this);
@@ -91,6 +93,7 @@ ThostMainWindow::ThostMainWindow(const TappFolders &folders, Reporting reporting
     m_dashboard = new ThostDashboard(m_mainView);
     connect(m_dashboard, &ThostDashboard::folderChosen, this,
             [this](const QString &folder) { openDataFolder(folder.toStdString()); });
+    connect(m_dashboard, &ThostDashboard::verifyRequested, this, &ThostMainWindow::compareWithAnalyzer);
     m_buttonLayout->addWidget(m_dashboard);
     m_buttonLayout->addStretch();
     // The overview is read again whenever the main view comes back.
@@ -114,12 +117,16 @@ void ThostMainWindow::showFolder()
     m_folderLabel->setToolTip(QString::fromStdString(m_folders.reason));
     std::vector<std::filesystem::path> others;
     for (const std::filesystem::path &recent : m_recent.folders())
-        if (recent != m_folders.application.lexically_normal())
+        if (recent != m_folders.application)
             others.push_back(recent);
     m_recentMenu->clear();
     for (const std::filesystem::path &recent : others)
         m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(m_recentMenu->actions().size() + 1).arg(text(recent)),
-                                this, [this, recent] { openDataFolder(recent); });
+                                this, [this, recent] {
+                                    // Queued: the switch rebuilds this menu, and with it the entry that was chosen.
+                                    QMetaObject::invokeMethod(
+                                        this, [this, recent] { openDataFolder(recent); }, Qt::QueuedConnection);
+                                });
     m_recentMenu->setEnabled(!others.empty());
     m_dashboard->refresh(m_folders.application, others);
 }
@@ -453,8 +460,8 @@ bool ThostMainWindow::returnToMainView(int &shownPlugin)
 
 bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
 {
-    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
-    if (folder == m_folders.application.lexically_normal())
+    const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
+    if (folder == m_folders.application)
         return true;
     std::error_code ec;
     if (!std::filesystem::is_directory(folder, ec)) {
@@ -491,7 +498,7 @@ bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
 
 bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 {
-    const std::filesystem::path folder = std::filesystem::absolute(chosen).lexically_normal();
+    const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
     int shownPlugin = -1;
     if (!returnToMainView(shownPlugin))
         return false;
@@ -513,7 +520,7 @@ bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 // The new folder is held before the old one is let go, so a decline keeps everything as it was.
 bool ThostMainWindow::switchTo(const std::filesystem::path &folder)
 {
-    if (folder == m_folders.application.lexically_normal())
+    if (folder == m_folders.application)
         return true;
     const std::filesystem::path dataFolder = TappDir::dataFolder(folder);
     auto session = std::make_unique<TdataFolderSession>(dataFolder);

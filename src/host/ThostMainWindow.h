@@ -51,9 +51,9 @@ public:
     // Switches to another application folder: one without Data/ may be made from the
     // shipped defaults. An open frame saves as Return To Main Window does first and
     // re-reads afterwards. False, with the folder in use unchanged, when declined or failed.
-    bool openDataFolder(const std::filesystem::path &folder);
+    bool openDataFolder(const std::filesystem::path &chosen);
     // Copies the data set in use to a new or empty folder and switches to the copy.
-    bool saveDataFolderAs(const std::filesystem::path &folder);
+    bool saveDataFolderAs(const std::filesystem::path &chosen);
 
     // Makes a missing per-user data folder from the shipped defaults and says where it is.
     static void prepareDataFolder(const TappFolders &folders, Reporting reporting = Reporting::Boxes);

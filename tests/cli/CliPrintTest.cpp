@@ -12,6 +12,14 @@ namespace fs = std::filesystem;
 using namespace ByteBuilder;
 
 namespace {
+void writeCheckitems(const fs::path &file, const std::vector<std::pair<std::size_t, TInstr>> &used)
+{
+    TInstrDatabase db;
+    for (const auto &[slot, record] : used)
+        db[slot] = record;
+    ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), file), 0);
+}
+
 const std::string Indent = "    ", Unused = asqRecord("(UNUSED)          ", std::string(18, ' '), 0, positions({}));
 
 struct CliPrintSequenceTest : CliFixture {
@@ -19,10 +27,7 @@ struct CliPrintSequenceTest : CliFixture {
     CliPrintSequenceTest()
     {
         temp.write("app/Data/catdes.dat", "B, Electrical\n");
-        std::string mit = checkitem('B', 'M', "EB\t0.1") + checkitem(' ', 'P', "Plug ok?");
-        for (int slot = 2; slot < 1044; ++slot)
-            mit += checkitem(0, 0, "");
-        temp.write("app/Data/mit.dat", mit);
+        writeCheckitems(data("mit.dat"), {{0, TInstr('B', 'M', "EB\t0.1")}, {1, TInstr(' ', 'P', "Plug ok?")}});
         temp.write("app/Data/inspection.asq", asqHeader("Physical Inspections", "", 2) +
                                                   asqRecord("EARTH BOND", "CLASS I", 0x13, positions({1, 2})) + Unused);
         writeTesters(true);
@@ -58,17 +63,10 @@ struct CliPrintSequenceTest : CliFixture {
 };
 
 struct CliListingTest : CliFixture {
-    void writeCheckitems(const std::vector<std::pair<std::size_t, TInstr>> &used) const
-    {
-        TInstrDatabase db;
-        for (const auto &[slot, record] : used)
-            db[slot] = record;
-        ASSERT_EQ(TInstrDatabase::saveMasterTable(db.slots(), data("mit.dat")), 0);
-    }
     ProgramRun listing(const std::string &pdf) { return ctl({"listing", "--pdf", pdf}); }
     const std::string pdf = (temp / "list.pdf").string();
 };
-}
+} // namespace
 
 TEST_F(CliPrintSequenceTest, EachChoicePrintsItsSequenceTheBinderEveryUsedOne)
 {
@@ -98,28 +96,23 @@ TEST_F(CliPrintSequenceTest, EachChoicePrintsItsSequenceTheBinderEveryUsedOne)
 
 TEST_F(CliPrintSequenceTest, BadChoicesAreNamedAndPrintNothing)
 {
-    const std::string give = "kt930ctl print-sequence: give --pdf FILE and one of",
-                      inspections = ": the data set has inspections 1 to 2\n";
+    // After "kt930ctl print-sequence: ".
+    const std::string give = "give --pdf FILE and one of", inspections = ": the data set has inspections 1 to 2\n";
     const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
-        {{"--inspection", "2"},
-         1,
-         "kt930ctl print-sequence: inspection 2: Autosequence is unused. Print operation not initiated.\n"},
-        {{"--inspection", "0"}, 2, "kt930ctl print-sequence: --inspection 0" + inspections},
-        {{"--inspection", "3"}, 2, "kt930ctl print-sequence: --inspection 3" + inspections},
-        {{"--inspection", "x"}, 2, "kt930ctl print-sequence: --inspection x" + inspections},
-        {{"--tester", "6", "--sequence", "1"},
-         2,
-         "kt930ctl print-sequence: --tester 6: the data set has user testers 1 to 5\n"},
-        {{"--tester", "2", "--sequence", "13"},
-         2,
-         "kt930ctl print-sequence: --sequence 13: user tester 2 has sequences 1 to 12\n"},
+        {{"--inspection", "2"}, 1, "inspection 2: Autosequence is unused. Print operation not initiated.\n"},
+        {{"--inspection", "0"}, 2, "--inspection 0" + inspections},
+        {{"--inspection", "3"}, 2, "--inspection 3" + inspections},
+        {{"--inspection", "x"}, 2, "--inspection x" + inspections},
+        {{"--tester", "6", "--sequence", "1"}, 2, "--tester 6: the data set has user testers 1 to 5\n"},
+        {{"--tester", "2", "--sequence", "13"}, 2, "--sequence 13: user tester 2 has sequences 1 to 12\n"},
         {{"--tester", "2"}, 2, give},
         {{"--all", "--inspection", "1"}, 2, give},
     };
     for (const auto &[choice, exitCode, errStart] : cases) {
         ProgramRun result = print(choice);
-        EXPECT_EQ(std::tuple(result.exitCode, result.err.rfind(errStart, 0), fs::exists(pdf)),
-                  std::tuple(exitCode, std::size_t(0), false))
+        EXPECT_EQ(
+            std::tuple(result.exitCode, result.err.rfind("kt930ctl print-sequence: " + errStart, 0), fs::exists(pdf)),
+            std::tuple(exitCode, std::size_t(0), false))
             << result.err;
     }
     fs::create_directory(pdf);
@@ -142,15 +135,14 @@ TEST_F(CliPrintSequenceTest, OnlySequencesOfAFileThatDidNotLoadAreRefused)
                           "from the KT930.\n"
                           "User Tester Sequences Error\nWarning!! One or more corrupt User Tester Sequences detected.\n"
                           "Please restore the data from the KT930.\n",
-                      refused = messages + "kt930ctl print-sequence: ";
+                      refused = messages + "kt930ctl print-sequence: ",
+                      notLoaded = ": its file did not load (see above); nothing printed\n";
     temp.write("app/Data/inspection.asq", "not an autosequence file");
     fs::remove(data("usertester3.asq"));
     const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
         {{"--tester", "2", "--sequence", "3"}, 0, messages},
-        {{"--inspection", "1"}, 1, refused + "inspection 1: its file did not load (see above); nothing printed\n"},
-        {{"--tester", "3", "--sequence", "1"},
-         1,
-         refused + "user tester 3 sequence 1: its file did not load (see above); nothing printed\n"},
+        {{"--inspection", "1"}, 1, refused + "inspection 1" + notLoaded},
+        {{"--tester", "3", "--sequence", "1"}, 1, refused + "user tester 3 sequence 1" + notLoaded},
         {{"--all"}, 0, messages},
     };
     for (const auto &[choice, exitCode, err] : cases) {
@@ -164,11 +156,12 @@ TEST_F(CliPrintSequenceTest, OnlySequencesOfAFileThatDidNotLoadAreRefused)
 
 TEST_F(CliListingTest, PrintsTheEditorsFirstViewOfTheDatabase)
 {
-    writeCheckitems({{4, TInstr('E', 'M', "EB\t0\t5")},
-                     {0, TInstr('Q', 'P', "Plug ok?")},
-                     {2, TInstr(' ', 'K', "Caf\xE9 break")},
-                     {3, TInstr(' ', 'A', "PHY01")},        // a checklist step: not in the editor's list
-                     {260, TInstr('A', 'P', "Far away")}}); // beyond the editor's 250 slots
+    writeCheckitems(data("mit.dat"), {{4, TInstr('E', 'M', "EB\t0\t5")},
+                                      {0, TInstr('Q', 'P', "Plug ok?")},
+                                      {2, TInstr(' ', 'K', "Caf\xE9 break")},
+                                      {3, TInstr(' ', 'A', "PHY01")}, // a checklist step: not in the editor's list
+                                      {260, TInstr('A', 'P', "Far away")}}); // beyond the editor's 250 slots
+
     ProgramRun result = listing(pdf); // Qt may add its own notes on stderr
     EXPECT_EQ(std::pair(result.exitCode, result.out), std::pair(0, "Printed 3 rows to " + pdf + "\n"));
     EXPECT_EQ(pdfPages(pdf, true),
@@ -193,7 +186,7 @@ TEST_F(CliListingTest, BadInputIsNamedAndFails)
         std::pair(noPdf.exitCode,
                   noPdf.err.rfind("kt930ctl listing: --pdf FILE is required\nUsage: kt930ctl listing --pdf FILE", 0)),
         std::pair(2, std::size_t(0)));
-    writeCheckitems({{2, TInstr(' ', 'Z', "unknown op")}});
+    writeCheckitems(data("mit.dat"), {{2, TInstr(' ', 'Z', "unknown op")}});
     EXPECT_EQ(outcome(listing(pdf)), std::tuple(1, "", "kt930ctl listing: checkitem 3: Invalid Op Code\n"));
     fs::remove(data("mit.dat"));
     EXPECT_EQ(

@@ -1,8 +1,8 @@
 #include "ByteBuilder.h"
 #include "CliFixture.h"
 #include "TrestorePoints.h"
-#include <map>
 #include <cstdlib>
+#include <map>
 
 namespace fs = std::filesystem;
 
@@ -18,19 +18,15 @@ std::string missing(const std::string &text, const std::vector<std::string> &lin
         absent += ("\n" + text).find("\n" + line + "\n") == std::string::npos ? line + "\n" : "";
     return absent;
 }
-}
+} // namespace
 
 TEST_F(CliTest, ShowListsTheDataSetAsTheFrameDoes)
 {
     ProgramRun result = ctl({"show"});
     EXPECT_EQ(std::pair(result.exitCode, result.err), std::pair(0, std::string()));
     EXPECT_EQ(missing(result.out, {"Load messages: none", "Checkitems (37 used):",
-                                   "  15  E Earth bond | L - Meas. w Limits | EB\xC2\xBB"
-                                   "0\xC2\xBB"
-                                   "0.1\xC2\xBB"
-                                   "0\xC2\xBB"
-                                   "5",
-                                   "  37     | E - Data Entry | Operator initials\xC2\xBB\xC2\xBB\xC2\xBBUSER",
+                                   "  15  E Earth bond | L - Meas. w Limits | EB\u00BB0\u00BB0.1\u00BB0\u00BB5",
+                                   "  37     | E - Data Entry | Operator initials\u00BB\u00BB\u00BBUSER",
                                    "  1. Visual Check - Mains Lead", "  18. <unused>", "  i. WORKSHOP BENCH",
                                    "      5. Printer Report - Serial Port 1",
                                    "  iii. USER TESTER 3", // blank name
@@ -99,13 +95,15 @@ TEST_F(CliTest, ImportFailuresSayWhyAndChangeNothingOrSaveWhatFitted)
               ByteBuilder::checkitem('P', 'K', "Step 0") + ByteBuilder::checkitem('P', 'K', "Step 1006"));
 }
 
-// Each refusal says why before the usage; an option's value is never the next option, and an option counts once.
+// Each refusal says why before the usage; an option's value is never the next option, and an option counts once;
+// only an upload is verified.
 TEST_F(CliTest, UsageErrorsAndHelp)
 {
     ProgramRun help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
     EXPECT_EQ(missing(help.out, {"  import-csv      add the checkitems of a CSV file to the checkitem table"}), "");
     EXPECT_NE(run({"show", "--help"}).out.find("--json"), std::string::npos);
+    const std::string oneLink = "choose exactly one of --usb, --ethernet A.B.C.D, --serial N\n";
     const std::pair<std::vector<std::string>, std::string> refused[] = {
         {{}, ""},
         {{"show", "--bogus"}, "kt930ctl show: unknown option --bogus\n"},
@@ -115,6 +113,12 @@ TEST_F(CliTest, UsageErrorsAndHelp)
         {{"show", "--appdir"}, "kt930ctl show: --appdir needs a folder\n"},
         {{"listing", "--pdf", "a.pdf", "--pdf", "b.pdf"}, "kt930ctl listing: --pdf is given twice\n"},
         {{"show", "--appdir", "a", "--appdir", "b"}, "kt930ctl show: --appdir is given twice\n"},
+        {{"download"}, "kt930ctl download: " + oneLink},
+        {{"download", "--usb", "--serial", "3"}, "kt930ctl download: " + oneLink},
+        {{"sync", "--serial", "COM3"}, "kt930ctl sync: --serial needs a port number from 1 to 256\n"},
+        {{"sync", "--ethernet", "localhost"}, "kt930ctl sync: --ethernet needs an IPv4 address such as 127.0.0.1\n"},
+        {{"upload", "--ethernet", "127.0.0.256"}, "kt930ctl upload: Invalid IP Address!\n"},
+        {{"download", "--verify", "--ethernet", "127.0.0.1"}, "kt930ctl download: unknown option --verify\n"},
     };
     for (const auto &[arguments, message] : refused) {
         ProgramRun result = run(arguments);
@@ -139,6 +143,7 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
         return ProgramRun::runTool(ctl, std::move(arguments), temp.path());
     };
 
+    // clang-format off
     EXPECT_EQ(outcome(installed({"where"})),
               std::tuple(0, "application folder: " + userFolder.string() + " (not there yet)\n"
                                 "  because the program is installed: the per-user data folder in ~/.local/share\n"
@@ -148,6 +153,7 @@ TEST_F(CliTest, InstalledCopyReadsTheShippedDefaultsUntilAWriterSeedsThePerUserF
                                 "help files:         " + (usr / "share/kt930pc").string() + "\n"
                                 "shipped defaults:   " + (usr / "share/kt930pc/Data").string() + "\n",
                          std::string()));
+    // clang-format on
     ProgramRun first = installed({"show"});
     EXPECT_EQ(std::pair(first.exitCode, first.err),
               std::pair(0, "kt930ctl: there is no data folder " + (userFolder / "Data").string() +

@@ -1,7 +1,6 @@
 // kt930ctl download / upload / sync against the real simulator (its memory: the demo set); the PC keeps the op codes.
 #include "CliFixture.h"
 #include "LoopbackAddress.h"
-#include "PtyPair.h"
 #include "SaveUnderFaults.h"
 #include "TsimProcess.h"
 namespace fs = std::filesystem;
@@ -17,15 +16,6 @@ struct CliTransferTest : CliFixture {
                 fs::remove_all(entry.path());
     }
     static std::string address(int test) { return LoopbackAddress(test, 32).text(); }
-    // The data files of a folder, "-" for a missing one.
-    static std::string files(const fs::path &folder)
-    {
-        std::string all;
-        for (const char *name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
-                                 "usertester4.asq", "usertester5.asq", "testProc.asq"})
-            all += name + (fs::exists(folder / name) ? ": " + TempDir::read(folder / name) : std::string("-")) + "\n";
-        return all;
-    }
     void givePcTheDemoSet()
     {
         fs::copy(DemoData, temp / "app/Data", fs::copy_options::overwrite_existing | fs::copy_options::recursive);
@@ -43,33 +33,16 @@ struct CliTransferTest : CliFixture {
     const std::string pc = (temp / "app/Data").string();
 };
 
-// Not a terminal: one plain line per stage.
-TEST_F(CliTransferTest, DownloadSavesTheAnalyzersDataSetByteForByteThenSyncAndUploadRunOverIt)
-{
-    const std::string at = address(1);
-    auto sim = startSimulator(at);
-    EXPECT_EQ(outcome(ctl({"download", "--ethernet", at})),
-              std::tuple(0, "Downloaded the data set into " + pc + "\n",
-                         "Initializing\nInitiating Handshake\nGetting Checkitems\nGetting Autosequences\nGetting "
-                         "Checklists\nCompleted!\n"));
-    EXPECT_EQ(files(pc), files(DemoData));
-    ASSERT_EQ(ctl({"sync", "--ethernet", at}).exitCode, 0);
-    ASSERT_EQ(ctl({"upload", "--ethernet", at}).exitCode, 0);
-    sim->stop();
-    EXPECT_EQ(fs::file_size(temp / "memory.bin"), 45936u + 132000u + 7128u);
-    EXPECT_EQ(memory(45936), TempDir::read(DemoData / "mit.dat")); // the checkitem image is mit.dat as it stands
-}
-
 // Nobody listens at this address: the connect fails, then times out.
 TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 {
-    const std::string before = files(pc);
+    const std::string before = TempDir::readDataFiles(pc);
     EXPECT_EQ(outcome(ctl({"download", "--ethernet", address(4)})),
               std::tuple(1, "",
                          "Initializing\nInitiating Handshake\nEthernet Connection Error\nAn error occurred while "
                          "attempting to connect."
                          "\nOperation Canceled.\nError\nTimeout Error.\nOperation Canceled.\n"));
-    EXPECT_EQ(files(pc), before);
+    EXPECT_EQ(TempDir::readDataFiles(pc), before);
 }
 
 // Block 3 of the checkitems starts at byte 792, inside checkitem 19 (44 bytes each); the read-back goes to memory only.
@@ -77,7 +50,7 @@ TEST_F(CliTransferTest, AFailedDownloadChangesNoFileAndFails)
 TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
 {
     givePcTheDemoSet();
-    const std::string before = files(pc), at = address(6);
+    const std::string before = TempDir::readDataFiles(pc), at = address(6);
     auto faulty = startSimulator(at, {"--fault", "wrong-store=3@PUIN", "--fault", "wrong-store=20@PASQ"});
     ProgramRun result = ctl({"upload", "--verify", "--ethernet", at});
     EXPECT_EQ(result.exitCode, 3);
@@ -85,7 +58,7 @@ TEST_F(CliTransferTest, UploadVerifyReadsBackAndNamesTheFirstWronglyStoredPlace)
         "Completed!\nkt930ctl upload --verify: the analyzer holds something else than was sent, first at "
         "checkitem 19 (byte 792 of the checkitem area)\n"))
         << result.err;
-    EXPECT_EQ(files(pc), before);
+    EXPECT_EQ(TempDir::readDataFiles(pc), before);
 }
 
 // Defaults never overwrite the analyzer's content, and unknown op codes go only when forced; a refused upload
@@ -119,30 +92,6 @@ TEST_F(CliTransferTest, UploadRefusesUnknownOpCodesUnlessForcedAndADataSetThatDi
     EXPECT_EQ(memory(45936), table);
 }
 
-TEST_F(CliTransferTest, ConnectionOptionsAreChecked)
-{
-    // Only an upload is verified.
-    for (const std::vector<std::string> &arguments : {std::vector<std::string>{"download"},
-                                                      {"download", "--usb", "--serial", "3"},
-                                                      {"sync", "--serial", "COM3"},
-                                                      {"download", "--verify", "--ethernet", "127.0.0.1"}})
-        EXPECT_EQ(ctl(arguments).exitCode, 2) << arguments.back();
-    ProgramRun badAddress = ctl({"upload", "--ethernet", "127.0.0.256"});
-    EXPECT_EQ(std::pair(badAddress.exitCode, badAddress.err.find("Invalid IP Address!") != std::string::npos),
-              std::pair(2, true));
-}
-
-// KT930pc.ini is read as the program reads it: "COM200x" maps no port, so the pseudo-terminal behind it is never
-// opened.
-TEST_F(CliTransferTest, SerialPortKeysAreTakenOnlyWhenExact)
-{
-    PtyPair pty;
-    temp.write("app/KT930pc.ini", "[SERIALPORTS]\nCOM200x=" + pty.slavePath + "\n");
-    ProgramRun result = ctl({"sync", "--serial", "200"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("Serial Port Error\nOpen Error!"), std::string::npos) << result.err;
-}
-
 // What replaces the data set is killed at each of its renames in turn.
 TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNewSet)
 {
@@ -163,4 +112,4 @@ TEST_F(CliTransferTest, DownloadSyncAndImportKilledAtAnyRenameLeaveTheOldOrTheNe
         EXPECT_EQ(std::pair(figures.mixed, figures.leftovers), std::pair(0, 0)) << arguments[0];
     }
 }
-}
+} // namespace

@@ -1,32 +1,20 @@
-#include "PtyPair.h"
 #include "TCommPort.h"
+#include "PtyPair.h"
 #include "Thrown.h"
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
-#include <thread>
 
 namespace {
-
-
 // The code and errno an ECommError carries.
 template <typename F> std::pair<int, int> failure(F f)
 {
     auto e = thrown<ECommError>(f);
     return e ? std::pair(int(e->code()), e->lastError()) : std::pair(0xFF, 0);
 }
-template <typename F> int codeOf(F f) { return failure(f).first; }
-// 1 when the terminal carries the exclusive mark; when a non-privileged open is refused for it, 1 too.
-int exclusiveMark(const std::string &path)
+template <typename F> int codeOf(F f)
 {
-    const int fd = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-    if (fd < 0)
-        return errno == EBUSY;
-    int flag = -1;
-    ::ioctl(fd, TIOCGEXCL, &flag);
-    ::close(fd);
-    return flag;
+    return failure(f).first;
 }
-
 class TCommPortTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -52,7 +40,7 @@ protected:
     PtyPair pty;
     TCommPort port;
 };
-}
+} // namespace
 
 TEST_F(TCommPortTest, NamesResolveClosedPortRefusesIoMissingDeviceIsOpenErrorOpenPortRefusesRename)
 {
@@ -69,22 +57,6 @@ TEST_F(TCommPortTest, NamesResolveClosedPortRefusesIoMissingDeviceIsOpenErrorOpe
     port.OpenCommPort();
     ASSERT_TRUE(port.GetConnected());
     EXPECT_EQ(codeOf([&] { port.SetCommPort("COM2"); }), ECommError::PortAlreadyOpen);
-}
-
-// A sync chunk is 4224 bytes, more than a terminal queues (about 4 KB): the port's
-// own input queue must hold it all and report it as pending.
-TEST_F(TCommPortTest, WholeSyncChunkIsPendingAndReadsUnchanged)
-{
-    port.OpenCommPort();
-    std::string chunk(4224, '\0');
-    for (std::size_t i = 0; i < chunk.size(); ++i)
-        chunk[i] = char(i * 31 + i / 256);
-    std::thread peer([&] { pty.send(chunk); });
-    waitPending(chunk.size());
-    peer.join();
-    EXPECT_EQ(port.BytesAvailable(), 4224u);
-    EXPECT_EQ(read(4224, 4224), chunk + 'x');
-    EXPECT_EQ(port.BytesAvailable(), 0u);
 }
 
 // A short read returns its count and puts a 0 after the data.
@@ -110,14 +82,14 @@ TEST_F(TCommPortTest, QueuedBytesComeFirstShortReadsEndInNulAndCloseDropsThem)
 TEST_F(TCommPortTest, ExclusiveUseIsTakenGivenUpOnCloseAndRespectedElsewhere)
 {
     port.OpenCommPort();
-    EXPECT_EQ(exclusiveMark(pty.slavePath), 1);
+    EXPECT_EQ(pty.exclusiveMark(), 1);
     port.CloseCommPort();
-    EXPECT_EQ(exclusiveMark(pty.slavePath), 0);
+    EXPECT_EQ(pty.exclusiveMark(), 0);
     const int holder = ::open(pty.slavePath.c_str(), O_RDWR | O_NOCTTY);
     ASSERT_EQ(::ioctl(holder, TIOCEXCL), 0);
     EXPECT_EQ(failure([&] { port.OpenCommPort(); }), std::pair(int(ECommError::OpenError), EBUSY));
     port.CloseCommPort();
-    EXPECT_EQ(exclusiveMark(pty.slavePath), 1);
+    EXPECT_EQ(pty.exclusiveMark(), 1);
     ::close(holder);
 }
 

@@ -7,7 +7,10 @@
 #include <vector>
 
 namespace ByteBuilder {
-inline std::string le16(std::uint16_t v) { return std::string{static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)}; }
+inline std::string le16(std::uint16_t v)
+{
+    return std::string{static_cast<char>(v & 0xFF), static_cast<char>(v >> 8)};
+}
 
 // Writes bytes over an image at an offset (the image is already sized).
 inline void putText(std::string &image, std::size_t offset, const std::string &text)
@@ -51,10 +54,25 @@ inline std::vector<std::uint16_t> positions(std::initializer_list<std::uint16_t>
     return out;
 }
 
+// An autosequence as the analyzer and the program hold it (88 bytes): two 19-byte titles, 24 items (those given,
+// then `filler`), the setting.
+inline std::string sequenceRecord(const std::string &title1, const std::string &title2, std::uint16_t setting,
+                                  std::vector<std::uint16_t> items, std::uint16_t filler = 0x4242)
+{
+    items.resize(24, filler);
+    std::string out = field(title1, 19) + field(title2, 19);
+    for (std::uint16_t item : items)
+        out += le16(item);
+    return out + le16(setting);
+}
+
 inline std::string checkitem(char category, char op, const std::string &text)
 {
     return std::string{category, op} + field(text.substr(0, 41), 42);
 }
 
-inline std::string clearedCheckitem() { return std::string(2, '\0') + std::string(42, '\xFF'); }
+inline std::string clearedCheckitem()
+{
+    return std::string(2, '\0') + std::string(42, '\xFF');
 }
+} // namespace ByteBuilder

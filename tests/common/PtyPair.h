@@ -2,10 +2,12 @@
 // A pseudo-terminal pair: the test plays the far end on the master side while the
 // code under test opens the slave (through a COMn override or the port list).
 #include "TrawClient.h"
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <string>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -20,7 +22,7 @@ public:
         // stays open here too, so the master never sees a hang-up while the port
         // under test is closed.
         m_slave = ::open(slavePath.c_str(), O_RDWR | O_NOCTTY);
-        termios tio {};
+        termios tio{};
         tcgetattr(m_slave, &tio);
         cfmakeraw(&tio);
         tcsetattr(m_slave, TCSANOW, &tio);
@@ -36,6 +38,17 @@ public:
         if (m_slave >= 0)
             ::close(m_slave);
         master = m_slave = -1;
+    }
+    // 1 when the slave carries the exclusive mark; when a non-privileged open is refused for it, 1 too.
+    int exclusiveMark() const
+    {
+        const int fd = ::open(slavePath.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        if (fd < 0)
+            return errno == EBUSY;
+        int flag = -1;
+        ::ioctl(fd, TIOCGEXCL, &flag);
+        ::close(fd);
+        return flag;
     }
     int master;
     std::string slavePath;

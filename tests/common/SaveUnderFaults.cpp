@@ -1,14 +1,14 @@
 #include "SaveUnderFaults.h"
+#include "AppDir.h"
 #include "FullDataSet.h"
+#include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
 #include "TempDir.h"
-#include "AppDir.h"
-#include "ProgramRun.h"
 #include <algorithm>
 #include <chrono>
-#include <fstream>
 #include <csignal>
+#include <fstream>
 #include <random>
 #include <stdexcept>
 #include <sys/resource.h>
@@ -29,7 +29,8 @@ Files readFiles(const fs::path &folder, int &others)
     others = 0;
     for (const auto &entry : fs::directory_iterator(folder)) {
         const std::string name = entry.path().filename().string();
-        if (name == ".lock" || name == ".restore" || name == "catdes.dat" || entry.path().extension() == ".in")
+        if (name == ".lock" || name == ".restore" || name == ".last-transfer" || name == "catdes.dat" ||
+            entry.path().extension() == ".in")
             continue;
         if (std::find(dataNames.begin(), dataNames.end(), name) != dataNames.end())
             files[name] = TempDir::read(entry.path());
@@ -94,7 +95,7 @@ std::vector<std::pair<std::string, std::string>> fileErrorTexts()
     return texts;
 }
 
-}
+} // namespace
 
 Files savedFiles(int variant)
 {
@@ -167,16 +168,12 @@ RenameKillFigures killAtEveryRename(const std::vector<std::string> &command, con
     for (int rename = 1;; ++rename, ++figures.kills) {
         startFromBefore();
         // The leak checker stops the world with ptrace, which a traced program cannot.
-        std::vector<std::string> traced{"-f",
-                                        "-o",
-                                        "/dev/null",
-                                        "-E",
-                                        "ASAN_OPTIONS=detect_leaks=0",
-                                        "-e",
-                                        "trace=rename,renameat,renameat2",
-                                        "-e",
-                                        "inject=rename,renameat,renameat2:signal=SIGKILL:when=" +
-                                            std::to_string(rename)};
+        // clang-format off
+        std::vector<std::string> traced{"-f", "-o", "/dev/null", "-E", "ASAN_OPTIONS=detect_leaks=0",
+                                        "-e", "trace=rename,renameat,renameat2",
+                                        "-e", "inject=rename,renameat,renameat2:signal=SIGKILL:when=" +
+                                                  std::to_string(rename)};
+        // clang-format on
         traced.insert(traced.end(), command.begin(), command.end());
         const ProgramRun run = ProgramRun::runTool("strace", traced, appDir);
         const Files found = loadedFiles(appDir, others);
@@ -198,7 +195,8 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
         TdataSet set(appDir.path(), sink);
         FullDataSet::fill(set, 1);
         // Past the limit a write fails with EFBIG, as on a full disk; ignored, SIGXFSZ does not end the process.
-        struct sigaction ignore {}, old {};
+        struct sigaction ignore {
+        }, old{};
         ignore.sa_handler = SIG_IGN;
         ::sigaction(SIGXFSZ, &ignore, &old);
         rlimit saved{};
@@ -225,4 +223,4 @@ StarvedFigures starveSaves(const std::vector<std::size_t> &limits)
     }
     return figures;
 }
-}
+} // namespace SaveUnderFaults

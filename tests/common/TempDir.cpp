@@ -35,3 +35,12 @@ std::string TempDir::read(const fs::path &file)
     s << std::ifstream(file, std::ios::binary).rdbuf();
     return s.str();
 }
+
+std::string TempDir::readDataFiles(const fs::path &folder)
+{
+    std::string all;
+    for (const std::string name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq", "usertester3.asq",
+                                   "usertester4.asq", "usertester5.asq", "testProc.asq"})
+        all += name + (fs::exists(folder / name) ? ": " + read(folder / name) : "-") + "\n";
+    return all;
+}

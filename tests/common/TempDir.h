@@ -14,6 +14,8 @@ public:
     // Writes bytes to a file below the folder (creating parent folders).
     std::filesystem::path write(const std::string &name, const std::string &bytes) const;
     static std::string read(const std::filesystem::path &file);
+    // Each data file of a data folder by name with its bytes, "-" for a missing one: one value to compare.
+    static std::string readDataFiles(const std::filesystem::path &folder);
 
 private:
     std::filesystem::path m_path;

@@ -12,7 +12,6 @@ public:
     TrawClient(TrawClient &&other) noexcept;
     ~TrawClient();
 
-    bool isOpen() const { return m_fd >= 0; }
     void send(const std::string &bytes);
     // Exactly count bytes; fewer when the peer closed or 10 s passed.
     std::string receive(std::size_t count);

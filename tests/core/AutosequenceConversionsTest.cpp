@@ -1,5 +1,5 @@
-#include "CoreTest.h"
 #include "AutosequenceConversions.h"
+#include "CoreTest.h"
 #include "TitemList.h"
 
 namespace conv = AutosequenceConversions;
@@ -13,14 +13,6 @@ Items rule(const Items &source, int positions = 24)
     return out;
 }
 
-// The 88 bytes of an autosequence in memory: two 19-byte titles, 24 items, the setting.
-std::string memory(const std::string &title1, const std::string &title2, std::uint16_t setting, const Items &items)
-{
-    std::string out = field(title1, 19) + field(title2, 19);
-    for (std::uint16_t item : items)
-        out += le16(item);
-    return out + le16(setting);
-}
 // Items that are not followed by a 0: 0xFFFF fills the rest.
 Items unterminated(Items items, std::size_t count = 24)
 {
@@ -49,7 +41,7 @@ Tautosequence sequence(const std::string &t1, std::initializer_list<std::uint16_
     s.setting = setting;
     return s;
 }
-}
+} // namespace
 
 TEST(ItemRule, TerminatorsFillersAndLongRecords)
 {
@@ -75,16 +67,17 @@ TEST(InspectionConversion, WritesTwentyFourItemsAnd180ByteRecordsAndReadsThemBac
     TautosequenceFile file;
     conv::inspectionsToFile(inspections, file);
     const std::string blank(18, ' ');
-    EXPECT_EQ(file.serialize(), asqHeader("Physical Inspections", "", 2)
-                                    + asqRecord("Cord check        ", "Class I           ", 0x0B, positions({4, 5}))
-                                    + asqRecord(blank, blank, 0, positions({})));
+    EXPECT_EQ(file.serialize(), asqHeader("Physical Inspections", "", 2) +
+                                    asqRecord("Cord check        ", "Class I           ", 0x0B, positions({4, 5})) +
+                                    asqRecord(blank, blank, 0, positions({})));
 
     file.records.push_back(record("A title far longer than nineteen", "t2", 0x20, {5, 9}));
     std::vector<Tautosequence> back{Tautosequence()};
     conv::fileToInspections(file, back);
     ASSERT_EQ(back.size(), 3u);
     EXPECT_EQ(bytes(back[0]) + bytes(back[1]) + bytes(back[2]),
-              bytes(inspections[0]) + bytes(inspections[1]) + memory("A title far longer ", "t2", 0x20, rule({5, 9})));
+              bytes(inspections[0]) + bytes(inspections[1]) +
+                  sequenceRecord("A title far longer ", "t2", 0x20, rule({5, 9})));
 }
 
 TEST(UserTesterConversion, NameBecomesSubtitleCutTo63AndMissingTestersAreAddedFromTheLastIndex)
@@ -92,9 +85,9 @@ TEST(UserTesterConversion, NameBecomesSubtitleCutTo63AndMissingTestersAreAddedFr
     TuserTester tester{std::string(70, 'T'), {sequence("One", {1}), sequence("Two", {2, 3})}};
     TautosequenceFile file;
     conv::userTesterToFile(tester, file);
-    const std::string expected = asqHeader("User Tester Autosequences", std::string(63, 'T'), 2)
-        + asqRecord("One               ", "Class I           ", 0, positions({1}))
-        + asqRecord("Two               ", "Class I           ", 0, positions({2, 3}));
+    const std::string expected = asqHeader("User Tester Autosequences", std::string(63, 'T'), 2) +
+                                 asqRecord("One               ", "Class I           ", 0, positions({1})) +
+                                 asqRecord("Two               ", "Class I           ", 0, positions({2, 3}));
     EXPECT_EQ(file.serialize(), expected);
 
     TuserTester back = conv::fileToUserTester(file);
@@ -119,7 +112,7 @@ TEST(UserTesterConversion, NameBecomesSubtitleCutTo63AndMissingTestersAreAddedFr
     for (const TuserTester &tester : testers)
         names += tester.name + "/" + std::to_string(tester.sequences.size()) + " ";
     EXPECT_EQ(names, "Bench 0/1 Bench 1/1 Bench 2/1 USER TESTER #2/12 USER TESTER #3/12 USER TESTER #4/12 ");
-    EXPECT_EQ(bytes(testers[3].sequences[11]), memory("", "", 0, positions({})));
+    EXPECT_EQ(bytes(testers[3].sequences[11]), sequenceRecord("", "", 0, positions({})));
     conv::filesToUserTesters(std::vector<TautosequenceFile>(7), testers);
     EXPECT_EQ(testers.size(), 5u);
 }
@@ -145,6 +138,6 @@ TEST(ChecklistConversion, TitlesItemsAndSettingRoundTrip)
     list.items[0].setting = 2;
     TautosequenceFile out;
     conv::checklistsToFile(list, out);
-    EXPECT_EQ(out.serialize(), asqHeader("", "", 1) + asqRecord("Checklist one" + std::string(28, ' '), "", 2,
-                                                               positions({8}, 96)));
+    EXPECT_EQ(out.serialize(),
+              asqHeader("", "", 1) + asqRecord("Checklist one" + std::string(28, ' '), "", 2, positions({8}, 96)));
 }

@@ -1,28 +1,6 @@
 #include "CoreTest.h"
-#include "TInstr.h"
 #include "TTestProc.h"
 #include "Tautosequence.h"
-
-TEST(Records, CheckitemAssignCutsAndTerminatesAndAutosequenceTitlesAreCleanedAndCut)
-{
-    TInstr record;
-    EXPECT_TRUE(record.isFree());
-    EXPECT_EQ(bytes(record), std::string(2, '\0') + std::string(42, '\xFF'));
-    record.assign('B', 'M', std::string(60, 'x'));
-    EXPECT_EQ(bytes(record), "BM" + std::string(41, 'x') + '\0');
-    record.assign('B', 'M', "ab");
-    EXPECT_EQ(bytes(record), "BMab" + std::string(40, '\0'));
-
-    Tautosequence s;
-    EXPECT_FALSE(s.isUnused());
-    s.makeUnused();
-    EXPECT_TRUE(s.isUnused());
-    Tautosequence::setTitle(s.title2, "Tab\there and a very long tail");
-    EXPECT_EQ(bytes(s).substr(0, 38), std::string("(UNUSED)          ") + '\0' + "Tab here and a ver" + '\0');
-    EXPECT_FALSE(s.isUnused());
-    EXPECT_FALSE(TesterSetting::isValid(0x20));
-    EXPECT_EQ(TesterSetting::make(0, 3), 0);
-}
 
 TEST(Records, ChecklistFromSourceCleansTitleAndEndsItemsAndNewTablesHoldBlankRecords)
 {

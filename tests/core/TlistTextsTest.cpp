@@ -1,5 +1,5 @@
-#include "CoreTest.h"
 #include "TlistTexts.h"
+#include "CoreTest.h"
 #include "TsequenceReport.h"
 #include "TtypedText.h"
 
@@ -10,9 +10,9 @@ TEST(TlistTexts, SequenceRowsTrimTitlesAndMarkUnused)
     Tautosequence::setTitle(sequence.title1, "  Earth Bond");
     Tautosequence::setTitle(sequence.title2, "Class I");
     unused.makeUnused();
-    std::string rows = TlistTexts::inspectionRow(sequence) + "|" + TlistTexts::testerChild(11, sequence) + "|"
-        + TlistTexts::inspectionRow(blank) + "|" + TlistTexts::inspectionRow(unused) + "|"
-        + TlistTexts::testerChild(0, unused) + "|";
+    std::string rows = TlistTexts::inspectionRow(sequence) + "|" + TlistTexts::testerChild(11, sequence) + "|" +
+                       TlistTexts::inspectionRow(blank) + "|" + TlistTexts::inspectionRow(unused) + "|" +
+                       TlistTexts::testerChild(0, unused) + "|";
     unused.setting = 9;
     EXPECT_EQ(rows + TlistTexts::inspectionRow(unused),
               "Earth Bond - Class I|12. Earth Bond - Class I| - |<unused>|1. <unused>|(UNUSED) - ");
@@ -28,8 +28,8 @@ TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
     EXPECT_EQ(all, "  i ii iii iv v vi vii viii ix x xi xii xiii xiv xv xvi xvii xviii xix xx xxi xxii xxiii xxiv xxv "
                    "xxvi xxvii xxviii xxix xxx xxxi xxxii xxxiii xxxiv xxxv xxxvi xxxvii xxxviii  ");
     TuserTester named{"WORKSHOP", {}}, blank{"   ", {}}, repaired{"USER TESTER 8", {}};
-    EXPECT_EQ(TlistTexts::testerRoot(4, named) + "|" + TlistTexts::testerRoot(2, blank) + "|"
-                  + TlistTexts::testerRoot(3, repaired),
+    EXPECT_EQ(TlistTexts::testerRoot(4, named) + "|" + TlistTexts::testerRoot(2, blank) + "|" +
+                  TlistTexts::testerRoot(3, repaired),
               "v. WORKSHOP|iii. USER TESTER 3|iv. USER TESTER 8");
     EXPECT_EQ(blank.name, "USER TESTER 3");
 }
@@ -38,6 +38,7 @@ TEST(TlistTexts, TesterRootNamesBlankTestersInMemory)
 // are trimmed, and a tester name is upper-cased in Windows-1252 as the titles are.
 TEST(TypedName, ControlsBecomeBlanksAndTheEndsAreTrimmed)
 {
+    // clang-format off
     const std::pair<std::string, std::string> cases[] = {
         {"Line one\nZ, injected", "Line one Z, injected"},
         {"\t Hipot\r\n", "Hipot"},
@@ -46,10 +47,11 @@ TEST(TypedName, ControlsBecomeBlanksAndTheEndsAreTrimmed)
         {"\n\t\x7f ", ""},
         {"caf\xE9 \x80", "caf\xE9 \x80"}, // 8-bit letters stay
     };
+    // clang-format on
     for (const auto &[typed, stored] : cases)
         EXPECT_EQ(TtypedText::cleanName(typed), stored) << typed;
     EXPECT_EQ(TlistTexts::testerName("  caf\xE9\tbay\n "), "CAF\xC9 BAY");
-    EXPECT_EQ(TlistTexts::testerName("\xFF\x9A" "s\xDF"), "\x9F\x8A" "S\xDF");
+    EXPECT_EQ(TlistTexts::testerName("\xFF\x9As\xDF"), "\x9F\x8AS\xDF");
 }
 
 // What the autosequence printout is made of: titles, setting, one row per checkitem with the
@@ -72,14 +74,18 @@ TEST(SequenceReport, RowsFollowTheItemsWithNamesAndTabMarksPortAndBaudFollowTheS
         const TsequenceReport report = TsequenceReport::make(seq, db, {{'B', "Electrical"}}, 0);
         EXPECT_EQ(report.title1 + "|" + report.title2, "EARTH BOND|");
         EXPECT_EQ(std::pair(report.port, report.baudRate), std::pair(port, baudRate)) << setting;
+        // clang-format off
         EXPECT_EQ(report.rows, (std::vector<std::array<std::string, 3>>{
                                    {"C", "P - Pass/Fail", "Plug ok?"},
                                    {"Electrical", "M - Measure", "EB\xBB" "0.1"},
                                    {"", "", "Unknown op"}, // no definition file
                                    {"<empty>", "", ""},
                                    {"", "", ""}})); // not a checkitem number
+        // clang-format on
     }
     TInstrDatabase::clearNames();
+    EXPECT_FALSE(TesterSetting::isValid(0x20));
+    EXPECT_EQ(TesterSetting::make(0, 3), 0); // no port: no baud rate either
     setenv("TZ", "UTC", 1);
     tzset();
     EXPECT_EQ(TsequenceReport::dateText(1804143302), "March 04 2027 - 06:55:02");

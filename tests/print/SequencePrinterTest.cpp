@@ -20,9 +20,7 @@ TsequenceReport report(int rows)
                       .rows = {}};
     for (int n = 1; n <= rows; ++n)
         r.rows.push_back({n % 2 ? "Electrical" : "Visual", n % 2 ? "M - Measure" : "P - Pass/Fail",
-                          "Step " + std::to_string(n) +
-                              "\xBB"
-                              "0.1"});
+                          "Step " + std::to_string(n) + "\xBB" + "0.1"});
     return r;
 }
 
@@ -38,7 +36,7 @@ struct SequencePrinterTest : ::testing::Test {
     }
     TempDir temp;
 };
-}
+} // namespace
 
 TEST_F(SequencePrinterTest, OneItemSequenceHasTheHeadingSettingLinesAndOneNumberedRow)
 {

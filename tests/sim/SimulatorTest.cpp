@@ -65,7 +65,7 @@ protected:
     const fs::path memoryFile = temp.write("memory.bin", memory.memoryFile());
     std::optional<TsimProcess> sim;
 };
-}
+} // namespace
 
 TEST_F(SimulatorTest, AnswersWellFormedHandshakeAndGetsWithItsMemory)
 {
@@ -82,8 +82,8 @@ TEST_F(SimulatorTest, AnswersWellFormedHandshakeAndGetsWithItsMemory)
     EXPECT_EQ(sim->stop(), 0);
 }
 
-// An interrupted put is dropped; a whole one is stored and survives a restart.
-TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestartAnInterruptedOneIsDropped)
+// An interrupted put is dropped; a whole one is stored in the memory file, which every start reads.
+TEST_F(SimulatorTest, PutIsAcknowledgedAndStoredAnInterruptedOneIsDropped)
 {
     const std::string upload = other.checkitems;
     ASSERT_NO_FATAL_FAILURE(start());
@@ -100,10 +100,6 @@ TEST_F(SimulatorTest, PutIsAcknowledgedStoredAndSurvivesARestartAnInterruptedOne
     }
     ASSERT_TRUE(sim->waitForLog("PUIN stored 174 blocks"));
     EXPECT_EQ(TempDir::read(memoryFile), upload + memory.autosequences + memory.checklists);
-    EXPECT_EQ(sim->stop(), 0);
-    ASSERT_NO_FATAL_FAILURE(start());
-    TrawClient client = connect();
-    EXPECT_EQ(ask(client, {{"GUIN", 174 * Block}}), upload);
 }
 
 // After a stop or a short block the next command is answered at once; a put closed part way keeps the memory.

@@ -1,5 +1,5 @@
-#include "ByteBuilder.h"
 #include "TransferImages.h"
+#include "ByteBuilder.h"
 #include <gtest/gtest.h>
 
 using namespace TransferImages;
@@ -10,19 +10,7 @@ std::string image(const void *area, std::size_t offset, std::size_t size)
 {
     return std::string(static_cast<const char *>(area) + offset, size);
 }
-
-// An autosequence record of 88 bytes at offset: two 19-byte zero-padded titles, 24 items, setting.
-void putSequence(std::string &image, std::size_t offset, const std::string &title1, const std::string &title2,
-                 std::vector<std::uint16_t> items, std::uint16_t setting)
-{
-    putText(image, offset, (title1 + std::string(19, '\0')).substr(0, 19));
-    putText(image, offset + 19, (title2 + std::string(19, '\0')).substr(0, 19));
-    for (std::size_t i = 0; i < 24; ++i)
-        putWord(image, offset + 38 + 2 * i, i < items.size() ? items[i] : 0x4242);
-    putWord(image, offset + 86, setting);
-}
-
-}
+} // namespace
 
 // Whole images are compared in the end-to-end uploads; these are the edges a full data set does not reach.
 TEST(TransferImagesPack, ShortTablesGoOutWithBlankRecordsAndNamesAreCut)
@@ -50,10 +38,11 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
 {
     std::string area(AutosequenceBytes, '\0');
     for (std::size_t n = 0; n < 18; ++n)
-        putSequence(area, n * 88, "Insp", "", {1, 0}, 0);
-    putSequence(area, 2 * 88, std::string("Tab\there\x7f") + std::string(10, 'x'), "Second", {5, 0, 7, 8}, 0x1B);
+        putText(area, n * 88, sequenceRecord("Insp", "", 0, {1, 0}));
+    putText(area, 2 * 88,
+            sequenceRecord(std::string("Tab\there\x7f") + std::string(10, 'x'), "Second", 0x1B, {5, 0, 7, 8}));
     for (std::size_t k = 0; k < 60; ++k)
-        putSequence(area, 1584 + k * 88, "S", "T", {0}, 0);
+        putText(area, 1584 + k * 88, sequenceRecord("S", "T", 0, {0}));
     // Tester names and titles: controls and 127 to blanks, then names trimmed, titles cut to 18 and ended by 0.
     const std::string names[] = {"  NEW\x01TESTER", "\tBench\x7f\r\n", std::string(20, '\x1F'),
                                  std::string("  Unit 4  \0junk", 15)};
@@ -68,9 +57,9 @@ TEST(TransferImagesUnpack, GivesFixedCountsThroughCleaningCopies)
         got.push_back(tester.name + "/" + std::to_string(tester.sequences.size()));
     EXPECT_EQ(got, (std::vector<std::string>{"NEW TESTER/12", "Bench/12", "/12", "Unit 4/12", "/12"}));
     ASSERT_EQ(inspections.size(), 18u);
-    EXPECT_EQ(image(&inspections[2], 0, 88),
-              "Tab here " + std::string(9, 'x') + '\0' + "Second" + std::string(12, ' ') + '\0' + le16(5) + le16(0)
-                  + std::string(44, '\xFF') + le16(0x1B));
+    EXPECT_EQ(image(&inspections[2], 0, 88), "Tab here " + std::string(9, 'x') + '\0' + "Second" +
+                                                 std::string(12, ' ') + '\0' + le16(5) + le16(0) +
+                                                 std::string(44, '\xFF') + le16(0x1B));
 }
 
 TEST(TransferImagesUnpack, ChecklistsReplaceTheTable)
@@ -100,7 +89,7 @@ TEST(ReceivedCheckitems, DownloadFillsTheTableAssignsUsedSlotsAndClearsFreeOnes)
     slot(0, std::string("AP") + "HELLO" + '\0' + "JUNK" + std::string(32, 'j') + 'Z', checkitem('A', 'P', "HELLO"));
     slot(1, " K" + std::string(42, 'x'), checkitem(' ', 'K', std::string(41, 'x')));
     slot(2, "BMTab\tkept", checkitem('B', 'M', "Tab\tkept"));
-    slot(3, std::string(1, '\0') + "Mjunk", clearedCheckitem()); // category 0: free
+    slot(3, std::string(1, '\0') + "Mjunk", clearedCheckitem());   // category 0: free
     slot(4, std::string("C") + '\0' + "junk", clearedCheckitem()); // op code 0: free
     slot(1043, "ELlast" + std::string(38, '\xFF'), checkitem('E', 'L', "last" + std::string(37, '\xFF')));
     TInstrDatabase db;

@@ -11,6 +11,7 @@ struct AutoSequenceSelectorFixture : ::testing::Test {
 };
 }
 
+// It also starts from a given choice, and OK or Cancel end it.
 TEST_F(AutoSequenceSelectorFixture, OpensOnTheFirstTypeAndTheNumberListFollowsTheTypeTheUserPicks)
 {
     EXPECT_EQ(items("autoSequenceType"), QStringList({"Physical Inspection", "User Tester 1", "Nothing Yet"}));
@@ -23,10 +24,7 @@ TEST_F(AutoSequenceSelectorFixture, OpensOnTheFirstTypeAndTheNumberListFollowsTh
     EXPECT_EQ(selector.number(), 1);
     QTest::keyClick(type, Qt::Key_Down);
     EXPECT_TRUE(items("autoSequenceNumber").isEmpty() && selector.number() == 0 && selector.commandText() == "");
-}
 
-TEST_F(AutoSequenceSelectorFixture, StartsFromAGivenChoiceAndOkOrCancelEndIt)
-{
     selector.select("UT1", 7);
     EXPECT_TRUE(selector.typeIndex() == 1 && selector.commandText() == "UT107");
     selector.select("XYZ", 30); // unknown type, number out of its range

@@ -13,7 +13,7 @@ int runEditor(TcategoryMap &map, char letter, int mode, std::function<void(QComb
 }
 } // namespace
 
-TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
+TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllStartsEmptyAndCancelNamesNothing)
 {
     TcategoryMap map{{'B', "Electrical"}, {'K', "Leakage"}};
     EXPECT_EQ(runEditor(map, 'K', TcategoryEditorForm::NewCategory, [](auto *letters, auto *name, auto *d) {
@@ -35,6 +35,18 @@ TEST(CategoryEditor, NewModeOffersTheUnnamedLettersOrAllAndStartsEmpty)
         mouseClick(d, "btnOK");
     }), 0);
     EXPECT_EQ(map['Z'], "Name Z!");
+
+    // Cancel keeps the inserted look-ups but no name.
+    TcategoryMap cancelled;
+    EXPECT_EQ(runEditor(cancelled, 'B', TcategoryEditorForm::NewCategory,
+                        [](auto *, auto *name, auto *d) {
+                            QTest::keyClicks(name, "Never");
+                            mouseClick(d, "btnCancel");
+                        }),
+              -1);
+    EXPECT_EQ(cancelled.size(), 27u); // 'A'..'Z' and 'B' - 65, all empty
+    EXPECT_EQ(cancelled.at('\x01') + cancelled.at('A') + cancelled.at('B') + cancelled.at('Z'), "");
+    EXPECT_EQ(TcategoryEditorForm::run(nullptr, 'A', TcategoryEditorForm::NewCategory), -1);
 }
 
 // The cleaning itself is the typed-name rule's, checked there; a blank name clears it, and
@@ -59,16 +71,4 @@ TEST(CategoryEditor, EditModeFixesTheLetterCleansTheNameAndTakesOnlyWhatTheFileC
                   0);
         EXPECT_EQ(map.at('D'), stored) << pasted.toStdString();
     }
-}
-
-TEST(CategoryEditor, CancelKeepsTheInsertedLookUpsButNoName)
-{
-    TcategoryMap map;
-    EXPECT_EQ(runEditor(map, 'B', TcategoryEditorForm::NewCategory, [](auto *, auto *name, auto *d) {
-        QTest::keyClicks(name, "Never");
-        mouseClick(d, "btnCancel");
-    }), -1);
-    EXPECT_EQ(map.size(), 27u); // 'A'..'Z' and 'B' - 65, all empty
-    EXPECT_EQ(map.at('\x01') + map.at('A') + map.at('B') + map.at('Z'), "");
-    EXPECT_EQ(TcategoryEditorForm::run(nullptr, 'A', TcategoryEditorForm::NewCategory), -1);
 }

@@ -44,7 +44,7 @@ struct FilterDialog {
 };
 } // namespace
 
-TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
+TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrderAndEveryChoiceRewritesBothSets)
 {
     ensureApplication();
     TInstrDatabase::clearNames();
@@ -65,12 +65,8 @@ TEST(FilterDialog, ListsCategoriesInLetterOrderAndOpsInCharacterOrder)
         [&] { TinstructionFilterForm(nullptr, false, nullptr, &d.descriptors, &d.filter); });
     EXPECT_EQ(e.value().what() + std::string("|") + e.value().file, "Invalid Checkitem Name List|asEdFilterPopup");
     EXPECT_GT(e.value().line, 0);
-}
 
-TEST(FilterDialog, EveryChoiceOnEitherPageRewritesBothSets)
-{
-    ensureApplication();
-    FilterDialog d;
+    // Every choice on either page rewrites both sets at once.
     d.form.show();
     using Sets = std::pair<Chars, Chars>;
     const auto sets = [&d] { return Sets(d.filter.categorySet, d.filter.opSet); };

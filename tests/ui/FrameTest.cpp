@@ -41,6 +41,25 @@ struct FrameFixture : ::testing::Test, FrameHost {
         QApplication::processEvents();
         return child<QTreeWidget>(frame, "LstUTS");
     }
+    // The sample frame at its design size, active, for clicks as a user makes them.
+    std::unique_ptr<TAutoSeqEditFrame> showActive()
+    {
+        auto frame = makeSampleFrame();
+        frame->resize(792, 546);
+        frame->show();
+        frame->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(frame.get()));
+        return frame;
+    }
+    static void clickTab(QWidget *frame, int index)
+    {
+        QTabBar *bar = child<QTabWidget>(frame, "PageControl1")->tabBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
+    }
+    static void clickRow(QAbstractItemView *view, const QModelIndex &index, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
+    }
     std::string read(const std::string &name) const { return appDir.readData(name); }
     // The name form's caption, label and name.
     static QString saysAndShows(QWidget *form)
@@ -50,18 +69,6 @@ struct FrameFixture : ::testing::Test, FrameHost {
     }
 };
 } // namespace
-
-// The boxes, the defaults and the row texts are the data set's and the list texts', checked there;
-// the lists' wiring over a complete data set is checked with every edit.
-TEST_F(FrameFixture, EmptyDataFolderReportsFourBoxesShowsTheDefaultsAndWritesNothing)
-{
-    auto frame = makeFrame();
-    EXPECT_EQ(sink.messages.size(), 4u);
-    EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
-    EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
-                                                   "iv. USER TESTER 6", "v. USER TESTER 8"}));
-    EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
-}
 
 TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
 {
@@ -146,9 +153,7 @@ TEST(TitleForm, TypingStopsAtTwentyStorableCharactersAPasteKeepsWhatFitsALongerN
     auto *longEdit = longer.findChild<QLineEdit *>("sequenceTitle");
     EXPECT_EQ(longer.text(), stored);
     longEdit->end(false);
-    QTest::keyClick(longEdit, Qt::Key_X);
-    QApplication::clipboard()->setText("XYZ");
-    QTest::keySequence(longEdit, QKeySequence::Paste);
+    QTest::keyClick(longEdit, Qt::Key_X); // a paste goes the same way, checked above
     EXPECT_EQ(longEdit->text(), stored);
     QTest::keyClick(longEdit, Qt::Key_Backspace);
     QTest::keyClick(longEdit, Qt::Key_X);
@@ -192,9 +197,16 @@ TEST_F(FrameFixture, DoubleClickOnARootRenamesWithFormTextsAndOnlyTheExpandButto
     EXPECT_TRUE(root->isExpanded() == expandedAfterDoubleClick && sink.messages.empty());
 }
 
-TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
+// The boxes, the defaults and the row texts are the data set's and the list texts', checked there;
+// the lists' wiring over a complete data set is checked with every edit.
+TEST_F(FrameFixture, AnEmptyDataFolderReportsFourBoxesShowsTheDefaultsAndReturnToMainWindowSavesThem)
 {
-    auto frame = makeFrame(); // empty folder: defaults
+    auto frame = makeFrame();
+    EXPECT_EQ(sink.messages.size(), 4u);
+    EXPECT_EQ(listTexts(frame.get()), QStringList(18, QStringLiteral("<unused>")));
+    EXPECT_EQ(rootTexts(frame.get()), (QStringList{"i. USER TESTER 0", "ii. USER TESTER 2", "iii. USER TESTER 4",
+                                                   "iv. USER TESTER 6", "v. USER TESTER 8"}));
+    EXPECT_FALSE(std::filesystem::exists(appDir.data("mit.dat")));
     sink.messages.clear();
     container.show(), mainView.hide(), frame->show();
     click(frame.get(), "BtnExit");
@@ -209,42 +221,17 @@ TEST_F(FrameFixture, ReturnToMainWindowSavesHidesAndShowsTheHostView)
 
 // Selections as a user makes them: the list and tree get a current row from a tab
 // switch or keep one after Ctrl+click deselects it, which is not a selection.
-namespace {
-struct UserSelectionFixture : FrameFixture {
-    std::unique_ptr<TAutoSeqEditFrame> frame;
-
-    void showActive()
-    {
-        frame = makeSampleFrame();
-        frame->resize(792, 546);
-        frame->show();
-        frame->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get()));
-    }
-    void clickTab(int index)
-    {
-        QTabBar *bar = child<QTabWidget>(frame.get(), "PageControl1")->tabBar();
-        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->tabRect(index).center());
-    }
-    void clickButton(const char *name) { mouseClick(frame.get(), name); }
-    static void clickRow(QAbstractItemView *view, const QModelIndex &index, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, view->visualRect(index).center());
-    }
-};
-} // namespace
-
-TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOne)
+TEST_F(FrameFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOne)
 {
-    showActive();
+    auto frame = showActive();
     auto *list = child<QListWidget>(frame.get(), "lstIP");
-    clickTab(1);
+    clickTab(frame.get(), 1);
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(1)));
-    clickTab(0);
+    clickTab(frame.get(), 0);
     // Focus follows into the list and makes row 0 current without selecting it.
     ASSERT_TRUE(QApplication::focusWidget() == list && list->currentRow() == 0 && list->selectedItems().isEmpty());
-    clickButton("BtnIPClear");
+    mouseClick(frame.get(), "BtnIPClear");
     EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().inspections[0].isUnused());
 
     // Ctrl+click deselects the row it leaves current; a refresh keeps nothing selected.
@@ -252,7 +239,7 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     clickRow(list, last);
     clickRow(list, last, Qt::ControlModifier);
     ASSERT_TRUE(list->selectedItems().isEmpty() && list->currentRow() == 2);
-    clickButton("BtnIPClear");
+    mouseClick(frame.get(), "BtnIPClear");
     EXPECT_TRUE(sink.messages.empty() && list->item(2)->text() == "INSULATION - ");
     frame->refreshLists(0);
     EXPECT_TRUE(list->selectedItems().isEmpty());
@@ -261,22 +248,22 @@ TEST_F(UserSelectionFixture, ClearInspectionNeedsASelectedRowNotMerelyACurrentOn
     const std::string before = read("inspection.asq");
     clickRow(list, last);
     sink.answers = {MsgAnswer::No, MsgAnswer::Yes};
-    clickButton("BtnIPClear");
+    mouseClick(frame.get(), "BtnIPClear");
     EXPECT_EQ(list->item(2)->text(), "INSULATION - ");
-    clickButton("BtnIPClear");
+    mouseClick(frame.get(), "BtnIPClear");
     EXPECT_EQ(sink.messages, (std::vector<Message>{ConfirmClear, ConfirmClear}));
     EXPECT_TRUE(list->item(2)->text() == "<unused>" && list->item(2)->isSelected()); // the cleared row stays selected
     EXPECT_EQ(asqBytes("", "", {frame->dataSet().inspections[2]}), asqBytes("", "", {unusedSequence()}));
     EXPECT_EQ(read("inspection.asq"), before);
 }
 
-TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCurrent)
+TEST_F(FrameFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCurrent)
 {
-    showActive();
-    clickTab(1);
+    auto frame = showActive();
+    clickTab(frame.get(), 1);
     auto *tree = child<QTreeWidget>(frame.get(), "LstUTS");
     clickRow(tree, tree->indexFromItem(tree->topLevelItem(0))); // a tester, not a sequence
-    clickButton("BtnUTSClear");
+    mouseClick(frame.get(), "BtnUTSClear");
     tree->expandItem(tree->topLevelItem(0));
     QTreeWidgetItem *node = tree->topLevelItem(0)->child(0);
     const QModelIndex index = tree->indexFromItem(node);
@@ -285,11 +272,11 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     clickRow(tree, index);
     clickRow(tree, index, Qt::ControlModifier);
     ASSERT_TRUE(tree->currentItem() == node && tree->selectedItems().isEmpty());
-    clickButton("BtnUTSClear");
+    mouseClick(frame.get(), "BtnUTSClear");
     EXPECT_TRUE(sink.messages.empty() && !frame->dataSet().userTesters[0].sequences[0].isUnused());
 
     clickRow(tree, index);
-    clickButton("BtnUTSClear");
+    mouseClick(frame.get(), "BtnUTSClear");
     EXPECT_EQ(sink.messages, std::vector<Message>{ConfirmClear});
     EXPECT_TRUE(frame->dataSet().userTesters[0].sequences[0].isUnused() &&
                 frame->dataSet().userTesters[0].sequences[0].items[0] == 0);
@@ -305,7 +292,7 @@ TEST_F(UserSelectionFixture, ClearSequenceNeedsASequenceNodeSelectedNotMerelyCur
     tree->setCurrentItem(tree->topLevelItem(0)->child(5));
     ASSERT_TRUE(tree->topLevelItem(0)->child(5)->isSelected());
     sink.messages.clear();
-    clickButton("BtnUTSClear");
+    mouseClick(frame.get(), "BtnUTSClear");
     EXPECT_TRUE(sink.messages.empty() && frame->dataSet().userTesters[0].sequences.size() == 2u);
 }
 

@@ -61,7 +61,8 @@ struct FrameTransfer : ::testing::Test, FrameHost {
 };
 } // namespace
 
-TEST_F(FrameTransfer, CancelledSettingsSaveBeforeAnUploadButNothingBeforeADownload)
+// Without a host record the worker cannot start: the internal error follows.
+TEST_F(FrameTransfer, CancelledSettingsSaveOnlyBeforeAnUploadAndWithoutHostRecordTheInternalErrorFollows)
 {
     auto frame = makeFrame();
     std::filesystem::remove(appDir.data("mit.dat"));
@@ -72,25 +73,21 @@ TEST_F(FrameTransfer, CancelledSettingsSaveBeforeAnUploadButNothingBeforeADownlo
     click(frame.get(), "BtnUpload");
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(read("mit.dat"), mitBytes(frame->dataSet().checkitems.slots()));
-}
 
-TEST_F(FrameTransfer, WithoutHostRecordTheInternalErrorFollowsAndDownloadStillSaves)
-{
-    TAutoSeqEditFrame frame(nullptr, nullptr, nullptr, &sink);
-    sink.messages.clear();
+    TAutoSeqEditFrame hostless(nullptr, nullptr, nullptr, &sink);
     answerSelector("btnConnect");
-    click(&frame, "BtnUpload");
+    click(&hostless, "BtnUpload");
     EXPECT_EQ(sink.messages, (std::vector<Message>{{"kt930pc", "Invalid Arguments For TuploadThread"},
                                                    {"Error", InternalError}}));
     sink.messages.clear();
     std::filesystem::remove(appDir.data("mit.dat"));
     answerSelector("btnConnect");
-    click(&frame, "BtnDownload");
+    click(&hostless, "BtnDownload");
     EXPECT_EQ(sink.messages, (std::vector<Message>{{"Error", InternalError}}));
     EXPECT_TRUE(std::filesystem::exists(appDir.data("mit.dat")));
 }
 
-TEST_F(FrameTransfer, DownloadFillsTheListsAndSavesAllButTheChecklists)
+TEST_F(FrameTransfer, DownloadFillsTheListsAndSavesAllButTheChecklistsAndUploadLeavesTheFramesDataInTheAnalyzer)
 {
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, KnownDataSet::images(1));
     ASSERT_TRUE(sim.ready());
@@ -106,13 +103,7 @@ TEST_F(FrameTransfer, DownloadFillsTheListsAndSavesAllButTheChecklists)
               "v. Bench tester 5/1|1. T0 seq 0 s1 - Sub 55");
     EXPECT_TRUE(read("mit.dat") == KnownDataSet::images(1).checkitems);
     EXPECT_EQ(read("testProc.asq"), checklistsBefore);
-}
 
-TEST_F(FrameTransfer, UploadLeavesTheFramesDataInTheAnalyzerMemory)
-{
-    SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, KnownDataSet::images(1));
-    ASSERT_TRUE(sim.ready());
-    auto frame = makeFrame();
     KnownDataSet::fill(frame->dataSet(), 2);
     connectTo(sim);
     click(frame.get(), "BtnUpload");

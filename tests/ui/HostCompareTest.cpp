@@ -5,6 +5,7 @@
 #include "RecordingMessageSink.h"
 #include "TcomparisonDialog.h"
 #include "ThostMainWindow.h"
+#include "TlastTransfer.h"
 #include "UiTestSupport.h"
 #include <QTreeWidget>
 
@@ -50,23 +51,31 @@ TEST(HostCompareTest, TheAnalyzersDataSetAgainstTheDiskGroupedByKind)
     folders.hostSettings = settings.path();
     ThostMainWindow window(folders);
     window.show();
+    // Through the menu, and through the overview's offer after an upload.
+    const auto compare = [&](const std::function<void()> &start) {
+        QString summary;
+        connectByEthernet(sim.address(), [&] {
+            whenTrue([] { return qobject_cast<TcomparisonDialog *>(QApplication::activeModalWidget()) != nullptr; },
+                     [&] {
+                         auto *dialog = qobject_cast<TcomparisonDialog *>(QApplication::activeModalWidget());
+                         summary = dialog->summary() + "\n" + treeTexts(dialog->differences()).join("\n");
+                         dialog->reject();
+                     });
+        });
+        start();
+        return summary.toStdString();
+    };
+    const std::string expected = "1 difference (inspections 1)\nInspections (1)\n"
+                                 "  inspection 2 title 1: \"CHANGED ON PC\" -> \"Insp 1 s3\"";
+    EXPECT_EQ(compare([&] { window.findChild<QAction *>("actionCompare")->trigger(); }), expected);
+    auto *verify = child<QPushButton>(window.mainView(), "btnVerifyUpload");
+    EXPECT_FALSE(verify->isVisible());
+    ASSERT_TRUE(TlastTransfer::record(appDir.dir().path() / "Data", "upload", "Ethernet " + sim.address()));
     const std::string before = everyFile(appDir.dir().path() / "Data");
-    QStringList shown;
-    QString summary;
-    connectByEthernet(sim.address(), [&] {
-        whenTrue([] { return qobject_cast<TcomparisonDialog *>(QApplication::activeModalWidget()) != nullptr; },
-                 [&] {
-                     auto *dialog = qobject_cast<TcomparisonDialog *>(QApplication::activeModalWidget());
-                     shown = treeTexts(dialog->differences());
-                     summary = dialog->summary();
-                     dialog->reject();
-                 });
-    });
-    window.findChild<QAction *>("actionCompare")->trigger();
-
-    EXPECT_EQ(summary, "1 difference (inspections 1)");
-    EXPECT_EQ(shown.join("\n").toStdString(),
-              "Inspections (1)\n  inspection 2 title 1: \"CHANGED ON PC\" -> \"Insp 1 s3\"");
+    window.mainView()->hide(); // as when a frame hands the view back
+    window.mainView()->show();
+    ASSERT_TRUE(verify->isVisible());
+    EXPECT_EQ(compare([&] { verify->click(); }), expected);
     EXPECT_EQ(everyFile(appDir.dir().path() / "Data"), before); // no data file, and no record of a transfer
     EXPECT_TRUE(sink.messages.empty());
 }

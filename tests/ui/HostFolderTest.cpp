@@ -86,17 +86,9 @@ TEST_F(HostFolderTest, OpeningAFolderWithTheFrameShownSavesItsEditsReadsTheNewSe
 // End to end: the copy is the folder the frame downloads into, and the overview says so.
 TEST_F(HostFolderTest, SaveAsSwitchesToTheCopyAndTheOverviewShowsItsLastDownload)
 {
-    answerNextBox(QMessageBox::Ok);
-    EXPECT_FALSE(window->saveDataFolderAs(a / "Data/inside"));
-    EXPECT_EQ(boxText.toStdString(), "Save Data Folder As: The data set was not copied.\n" +
-                                         (a / "Data/inside").string() +
-                                         " is the data folder in use or inside it. Choose a folder elsewhere.\n\n"
-                                         "The data folder in use is still " +
-                                         a.string() + ".");
     window->showPlugin(0);
     ASSERT_TRUE(window->saveDataFolderAs(b));
     EXPECT_TRUE(frame()->isVisible());
-    EXPECT_EQ(TempDir::read(b / "Data/mit.dat"), TempDir::read(a / "Data/mit.dat"));
 
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, KnownDataSet::images(1));
     ASSERT_TRUE(sim.ready());

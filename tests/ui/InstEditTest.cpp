@@ -1,18 +1,16 @@
 // The checkitem database editor clicked through once per control; the rules are tested where they live.
+#include "instEdit.h"
 #include "../e2e/SimulatorUnderTest.h"
 #include "AutoSequenceEditorFrame.h"
+#include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "THelpWindow.h"
 #include "TInstrDatabase.h"
 #include "TcheckitemListModel.h"
 #include "TguiMessageSink.h"
 #include "TinstGridHeader.h"
-#include "TinstListingPrinter.h"
-#include "ProgramRun.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include <QPrinter>
-#include "instEdit.h"
 #include <sys/stat.h>
 
 namespace {
@@ -74,11 +72,7 @@ void answer(const char *button, std::function<void(QWidget *)> before = [](QWidg
     whenModal([=](QWidget *dialog) { before(dialog), click(dialog, button); });
 }
 
-struct PdfEditor : TinstructionEditorForm { // its print dialog answered by a PDF file
-    using TinstructionEditorForm::TinstructionEditorForm;
-    QString pdf;
-    bool choosePrinter(QPrinter &printer) override { return TinstListingPrinter::preparePdf(printer, pdf), true; }
-};
+using PdfEditor = PrintsToPdf<TinstructionEditorForm>;
 
 struct Editor : ::testing::Test {
     AppDirScope appDir;
@@ -97,20 +91,31 @@ struct Editor : ::testing::Test {
         db[4].assign('F', 'C', "AUX\t1");
     }
     ~Editor() override { std::filesystem::current_path(previousFolder); }
-    std::unique_ptr<PdfEditor> open(bool checklistMode = false)
+    std::unique_ptr<PdfEditor> opened; // the last one
+
+    PdfEditor *open(bool checklistMode = false)
     {
-        auto editor = std::make_unique<PdfEditor>(nullptr, checklistMode, &host, &db, &sink);
-        return editor->show(), std::move(editor);
+        opened = std::make_unique<PdfEditor>(nullptr, checklistMode, &host, &db, &sink);
+        return opened->show(), opened.get();
     }
     void importFile(QWidget *editor, const std::string &name)
     {
         whenModal([file = QString::fromStdString((appDir.dir().path() / name).string())](QWidget *dialog) {
             EXPECT_EQ(dialog->objectName(), "instTableOpenDlg");
-            // The dialog lists its folder in the background and may select a file it
-            // finds there: accept once it returns what was typed, as a user would see.
+            // The dialog lists its folder in the background and may select the file it chose
+            // last time once the listing comes (a selected row wins over the typed name): clear
+            // the selection and type again until the dialog returns the name, and accept in any
+            // case, so that a lost race fails the test instead of hanging it.
             auto *files = qobject_cast<QFileDialog *>(dialog);
-            child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
-            QTRY_COMPARE(files->selectedFiles(), QStringList{file});
+            for (int tries = 0; tries < 100; ++tries) {
+                for (auto *view : dialog->findChildren<QAbstractItemView *>())
+                    view->clearSelection();
+                child<QLineEdit>(dialog, "fileNameEdit")->setText(file);
+                if (files->selectedFiles() == QStringList{file})
+                    break;
+                QTest::qWait(50);
+            }
+            EXPECT_EQ(files->selectedFiles(), QStringList{file});
             qobject_cast<QDialog *>(dialog)->accept();
         });
         click(editor, "btnImport");
@@ -122,27 +127,24 @@ struct Editor : ::testing::Test {
 };
 } // namespace
 
+// The trace goes into the folder the program runs in: never through a link, nor into a fifo.
 TEST_F(Editor, OpensOnTheListWithTheOpCodesInListOrderTheTraceAndTheSilentRepair)
 {
     db[0].opCode = 'z'; // no definition file: the first op code with a blank command once shown
-    auto editor = open();
+    PdfEditor *editor = open();
     EXPECT_TRUE(sink.messages.empty());
     EXPECT_EQ(bytesOf(db[0]), "EC" + std::string(41, ' ') + '\0');
-    EXPECT_EQ(column(editor.get(), 2), (QStringList{"C - Control", "P - Pass/Fail", "K - OK Prompt", "C - Control"}));
-    EXPECT_EQ(comboTexts(editor.get(), "lstOp"),
+    EXPECT_EQ(column(editor, 2), (QStringList{"C - Control", "P - Pass/Fail", "K - OK Prompt", "C - Control"}));
+    EXPECT_EQ(comboTexts(editor, "lstOp"),
               (QStringList{"P - Pass/Fail", "I - Input", "E - Data Entry", "K - OK Prompt", "T - Stopwatch",
                            "D - Delay", "C - Control", "R - Remote w Entry", "M - Measure", "L - Meas. w Limits"}));
-    EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual inspection", "B"}));
     EXPECT_EQ(
         TempDir::read("lstOpChange.log"),
         "revOpComboMap\n  0 - P\n  1 - I\n  2 - E\n  3 - K\n  4 - T\n  5 - D\n  6 - C\n  7 - R\n  8 - M\n  9 - L\n");
-    EXPECT_EQ(child<QPushButton>(editor.get(), "btnSync")->text(), "Sync\nWith\nKT930");
-    EXPECT_EQ(enabledControls(editor.get()), Browsing);
-    EXPECT_TRUE(editor->focusWidget() == child(editor.get(), "btnNewInst") && header(editor.get())->sortColumn() == 0);
-}
-
-TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
-{
+    EXPECT_EQ(child<QPushButton>(editor, "btnSync")->text(), "Sync\nWith\nKT930");
+    EXPECT_EQ(enabledControls(editor), Browsing);
+    EXPECT_TRUE(editor->focusWidget() == child(editor, "btnNewInst") && header(editor)->sortColumn() == 0);
+    std::filesystem::remove("lstOpChange.log");
     std::filesystem::create_symlink(appDir.dir().write("victim", "kept"), "lstOpChange.log");
     open();
     EXPECT_EQ(TempDir::read(appDir.dir().path() / "victim"), "kept");
@@ -154,7 +156,7 @@ TEST_F(Editor, TraceNeverFollowsALinkNorOpensAFifo)
 TEST_F(Editor, MissingDescriptorsAndACorruptDefinitionFileAreReported)
 {
     std::filesystem::remove(appDir.data("catdes.dat"));
-    EXPECT_EQ(child<QComboBox>(open().get(), "lstCat")->currentText(), "E"); // bare letters
+    EXPECT_EQ(child<QComboBox>(open(), "lstCat")->currentText(), "E"); // bare letters
     EXPECT_EQ(sink.messages, (Messages{{"ERROR", CategoryDescriptors::loadErrorText()}}));
     sink.messages.clear();
     appDir.writeData("measure.in", appDir.readData("measure.in") + "\n"); // a blank line after the fields
@@ -178,36 +180,38 @@ TEST_F(Editor, MissingDescriptorsAndACorruptDefinitionFileAreReported)
 
 TEST_F(Editor, EditUpdateStoresThePanelsRecordAndEscapeCancelsPuttingOpCodeAndCategoryBack)
 {
-    auto editor = open();
-    click(editor.get(), "btnEditInst");
-    EXPECT_TRUE(enabledControls(editor.get()) == Editing && editor->focusWidget() == shownFields(editor.get())[0]);
-    child(editor.get(), "lstCat")->setFocus(); // then Tab: the fields on show, the tick, the cross
+    PdfEditor *editor = open();
+    click(editor, "btnEditInst");
+    EXPECT_TRUE(enabledControls(editor) == Editing && editor->focusWidget() == shownFields(editor)[0]);
+    child(editor, "lstCat")->setFocus(); // then Tab: the fields on show, the tick, the cross
     QStringList tabbed; // hidden panels' fields take no focus
     for (int i = 0; i < 5; ++i)
         QTest::keyClick(editor->focusWidget(), Qt::Key_Tab), tabbed << editor->focusWidget()->objectName();
     EXPECT_EQ(tabbed, (QStringList{"field0", "field1", "field2", "btnUpdate", "btnCancel"}));
-    retype(editor.get(), 0, "ir");
-    choose(editor.get(), "lstCat", 9);
+    retype(editor, 0, "ir");
+    choose(editor, "lstCat", 9);
     EXPECT_EQ(db[0].category, 'I'); // at once
-    click(editor.get(), "btnUpdate");
+    click(editor, "btnUpdate");
     EXPECT_EQ(bytesOf(db[0]), bytesOf(TInstr('I', 'M', padded("IR\t0\t5"))));
-    EXPECT_TRUE(column(editor.get(), 1)[0] == "Insulation" && enabledControls(editor.get()) == Browsing);
+    EXPECT_TRUE(column(editor, 1)[0] == "Insulation" && enabledControls(editor) == Browsing);
 
     const std::string before = bytesOf(db[1]);
-    clickRow(editor.get(), 1);
-    QTest::mouseDClick(grid(editor.get())->viewport(), Qt::LeftButton, {}, rowCentre(editor.get(), 1));
-    choose(editor.get(), "lstOp", 6); // C - Control
-    EXPECT_TRUE(db[1].opCode == 'C' && shownFields(editor.get())[1]->isEnabled());
-    choose(editor.get(), "lstCat", 5);
+    clickRow(editor, 1);
+    QTest::mouseDClick(grid(editor)->viewport(), Qt::LeftButton, {}, rowCentre(editor, 1));
+    choose(editor, "lstOp", 6); // C - Control
+    EXPECT_TRUE(db[1].opCode == 'C' && shownFields(editor)[1]->isEnabled());
+    choose(editor, "lstCat", 5);
     EXPECT_FALSE(editor->close()); // not while an edit is open
-    shownFields(editor.get())[0]->setFocus();
-    QTest::keyClick(shownFields(editor.get())[0], Qt::Key_Escape); // the cross
-    EXPECT_TRUE(bytesOf(db[1]) == before && enabledControls(editor.get()) == Browsing);
+    shownFields(editor)[0]->setFocus();
+    QTest::keyClick(shownFields(editor)[0], Qt::Key_Escape); // the cross
+    EXPECT_TRUE(bytesOf(db[1]) == before && enabledControls(editor) == Browsing);
 }
 
 // A command that does not fit its op code's fields is said once and kept until typed over.
 TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
 {
+    const std::string kept =
+        ".\nThe command is kept as it is. To replace it, type new values into the fields and press Update.";
     const struct {
         char opCode;
         const char *command, *says;
@@ -218,39 +222,33 @@ TEST_F(Editor, UnfitCommandsAreReportedOnceAndKeptUntilTheFieldsAreTyped)
         db[3].assign('B', c.opCode, c.command);
         const std::string before = mitBytes(db.slots());
         sink.messages.clear();
-        auto editor = open();
-        clickRow(editor.get(), 3), clickRow(editor.get(), 0), clickRow(editor.get(), 3);
-        click(editor.get(), "btnEditInst");
-        click(editor.get(), "btnUpdate");
+        PdfEditor *editor = open();
+        clickRow(editor, 3), clickRow(editor, 0), clickRow(editor, 3);
+        click(editor, "btnEditInst");
+        click(editor, "btnUpdate");
         EXPECT_TRUE(mitBytes(db.slots()) == before) << c.command;
-        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit",
-                                            std::string("The command of checkitem 4 does not fit "
-                                                        "the fields of ") +
-                                                c.says +
-                                                ".\nThe command is kept as it is. To replace "
-                                                "it, type new values into the fields and press Update.",
-                                            MsgIcon::Exclamation}}));
-        click(editor.get(), "btnEditInst");
-        retype(editor.get(), 0, "Z");
-        QTest::keyClick(shownFields(editor.get())[0], Qt::Key_Return); // the tick
+        const std::string says = "The command of checkitem 4 does not fit the fields of " + std::string(c.says) + kept;
+        EXPECT_EQ(sink.messages, (Messages{{"Command Does Not Fit", says, MsgIcon::Exclamation}}));
+        click(editor, "btnEditInst");
+        retype(editor, 0, "Z");
+        QTest::keyClick(shownFields(editor)[0], Qt::Key_Return); // the tick
         EXPECT_EQ(db[3].command[0], 'Z');
     }
 }
 
 TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
 {
-    auto editor = open();
-    click(editor.get(), "btnNewInst");
-    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "5", "4"}) &&
-                enabledControls(editor.get()) == Editing);
-    click(editor.get(), "btnCancel");
+    PdfEditor *editor = open();
+    click(editor, "btnNewInst");
+    EXPECT_TRUE(column(editor, 0) == (QStringList{"1", "2", "3", "5", "4"}) && enabledControls(editor) == Editing);
+    click(editor, "btnCancel");
     EXPECT_EQ(bytesOf(db[3]), bytesOf(TInstr(' ', 'C', "")));
     for (std::size_t used : {std::size_t(250), TInstrDatabase::SlotCount}) { // free slots only above 249, none
         for (std::size_t i = 0; i < used; ++i)
             db[i].assign(' ', 'P', "Question");
         const std::string before = mitBytes(db.slots());
         sink.messages.clear();
-        click(open().get(), "btnNewInst");
+        click(open(), "btnNewInst");
         EXPECT_EQ(sink.messages, (Messages{{"Checkitem Database Full",
                                             "Warning: checkitem database full!\nCheckitem cannot be "
                                             "added.\n\nPlease delete one or more existing checkitems.",
@@ -263,35 +261,35 @@ TEST_F(Editor, NewCheckitemStaysAfterCancelAndThe251stIsRefused)
 TEST_F(Editor, DeleteAsksAndTheLastOneDisablesEditAndDelete)
 {
     appDir.writeData("inspection.asq", asqBytes("Physical Inspections", "Ward 3", {sequence("EARTH", "BOND", {3})}));
-    auto editor = open();
-    clickRow(editor.get(), 2);
-    QTest::mouseClick(grid(editor.get())->viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(editor.get(), 2));
-    EXPECT_EQ(grid(editor.get())->selectionModel()->selectedRows().value(0).row(), 2);
+    PdfEditor *editor = open();
+    clickRow(editor, 2);
+    QTest::mouseClick(grid(editor)->viewport(), Qt::LeftButton, Qt::ControlModifier, rowCentre(editor, 2));
+    EXPECT_EQ(grid(editor)->selectionModel()->selectedRows().value(0).row(), 2);
     for (const char *reply : {"btnNo", "btnYes"}) {
-        answer(reply), click(editor.get(), "btnDelete");
+        answer(reply), click(editor, "btnDelete");
         EXPECT_EQ(db[2].isFree(), reply == std::string("btnYes"));
     }
     std::filesystem::remove(appDir.data("inspection.asq"));
     for (int left = 3; left > 0; --left)
-        answer("btnNo"), click(editor.get(), "btnDelete"); // without .asq files it goes anyway
-    EXPECT_EQ(column(editor.get(), 0), QStringList{""});
-    EXPECT_FALSE(child(editor.get(), "btnEditInst")->isEnabled() || child(editor.get(), "btnDelete")->isEnabled());
+        answer("btnNo"), click(editor, "btnDelete"); // without .asq files it goes anyway
+    EXPECT_EQ(column(editor, 0), QStringList{""});
+    EXPECT_FALSE(child(editor, "btnEditInst")->isEnabled() || child(editor, "btnDelete")->isEnabled());
 }
 
 TEST_F(Editor, CategoriesAreNamedAndOkWritesThemOrSaysWhyNot)
 {
     std::filesystem::permissions(appDir.data("catdes.dat"), std::filesystem::perms::owner_read);
-    auto editor = open();
-    clickRow(editor.get(), 2);
-    click(editor.get(), "btnEditInst");
+    PdfEditor *editor = open();
+    clickRow(editor, 2);
+    click(editor, "btnEditInst");
     nameCategory("Visual checks");
-    click(editor.get(), "btnEditCat");
-    choose(editor.get(), "lstCat", 0);
-    click(editor.get(), "btnEditCat");
+    click(editor, "btnEditCat");
+    choose(editor, "lstCat", 0);
+    click(editor, "btnEditCat");
     nameCategory("Bench tests"); // "B", the first letter without a name
-    click(editor.get(), "btnNewCat");
-    EXPECT_EQ(comboTexts(editor.get(), "lstCat").mid(0, 3), (QStringList{" ", "Visual checks", "Bench tests"}));
-    click(editor.get(), "btnUpdate"), click(editor.get(), "btnOk");
+    click(editor, "btnNewCat");
+    EXPECT_EQ(comboTexts(editor, "lstCat").mid(0, 3), (QStringList{" ", "Visual checks", "Bench tests"}));
+    click(editor, "btnUpdate"), click(editor, "btnOk");
     EXPECT_EQ(
         sink.messages,
         (Messages{{"Cannot Edit Category", "You cannot edit this category.\nPlease change the checkitem's category.",
@@ -300,7 +298,7 @@ TEST_F(Editor, CategoriesAreNamedAndOkWritesThemOrSaysWhyNot)
                                      ".\nCheck that it is a file you may write to, then press OK again."}}));
     EXPECT_TRUE(editor->isVisible());
     std::filesystem::permissions(appDir.data("catdes.dat"), std::filesystem::perms::owner_all);
-    click(editor.get(), "btnOk");
+    click(editor, "btnOk");
     EXPECT_EQ(editor->result(), QDialog::Accepted);
     EXPECT_EQ(TempDir::read(appDir.data("catdes.dat")),
               "A, Visual checks\nB, Bench tests\nE, Earth bond\nF, Functional checks\nI, Insulation\nL, Leakage "
@@ -312,13 +310,13 @@ TEST_F(Editor, ClosingAfterRenamingACategoryAsksWhetherToSaveIt)
 {
     const std::string before = appDir.readData("catdes.dat");
     for (MsgAnswer reply : {MsgAnswer::No, MsgAnswer::Yes}) {
-        auto editor = open();
-        click(editor.get(), "btnEditInst");
+        PdfEditor *editor = open();
+        click(editor, "btnEditInst");
         nameCategory("Renamed");
-        click(editor.get(), "btnEditCat");
-        click(editor.get(), "btnUpdate");
+        click(editor, "btnEditCat");
+        click(editor, "btnUpdate");
         sink.answers = {reply};
-        reply == MsgAnswer::No ? QTest::keyClick(editor.get(), Qt::Key_Escape) : void(editor->close());
+        reply == MsgAnswer::No ? QTest::keyClick(editor, Qt::Key_Escape) : void(editor->close());
         EXPECT_EQ(sink.messages.back(), (Message{"Checkitem Database", "Save the changed category names?",
                                                  MsgIcon::Question, MsgButtons::YesNo}));
         EXPECT_FALSE(editor->isVisible());
@@ -335,14 +333,14 @@ TEST_F(Editor, OpeningClicksAreIgnoredAndTheEditorsFitTheScreen)
     hints->setMouseDoubleClickInterval(60000);
     const QFont font = QApplication::font();
     QApplication::setFont(QFont(font.family(), font.pointSize() * 3));
-    auto editor = open();
-    mouseClick(editor.get(), "btnHelp");
+    PdfEditor *editor = open();
+    mouseClick(editor, "btnHelp");
     EXPECT_TRUE(editor->findChildren<THelpWindow *>().isEmpty());
     hints->setMouseDoubleClickInterval(interval);
     Tautosequence seq = sequence("EARTH", "BOND");
     TsequenceEditor sequenceEditor(nullptr, &host, &db, seq, [] {}, false, &sink);
     sequenceEditor.show();
-    for (QWidget *window : std::initializer_list<QWidget *>{editor.get(), &sequenceEditor})
+    for (QWidget *window : std::initializer_list<QWidget *>{editor, &sequenceEditor})
         EXPECT_TRUE(QRect(QPoint(), window->screen()->availableGeometry().size())
                         .contains(QRect(QPoint(), window->size().expandedTo(window->minimumSize()))));
     QApplication::setFont(font);
@@ -351,35 +349,34 @@ TEST_F(Editor, OpeningClicksAreIgnoredAndTheEditorsFitTheScreen)
 // A filter applies on OK; what a cancelled dialog left applies at the next sort.
 TEST_F(Editor, FilterAndHeaderClicksRefillTheListAndMoveTheSortPicture)
 {
-    auto editor = open();
+    PdfEditor *editor = open();
     answer("btnOk", [](QWidget *dialog) { child<QComboBox>(dialog, "lstBasicCat")->setCurrentIndex(6); });
-    click(editor.get(), "btnFilter");
-    EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
+    click(editor, "btnFilter");
+    EXPECT_EQ(column(editor, 0), (QStringList{"5"}));
     answer("btnCancel", [](QWidget *dialog) {
         choose(dialog, "lstBasicOp", comboTexts(dialog, "lstBasicOp").indexOf("P - Pass/Fail"));
     });
-    click(editor.get(), "btnFilter");
-    EXPECT_EQ(column(editor.get(), 0), (QStringList{"5"}));
-    clickHeader(editor.get(), 0);
-    EXPECT_TRUE(column(editor.get(), 0) == QStringList{"2"} && editor->checkitemList().sortState().number() == 2 &&
-                grid(editor.get())->currentIndex().row() == 0);
-    EXPECT_TRUE(header(editor.get())->sortPicture().toImage() == QPixmap(":/instEdit/PIC_SORT_DOWN").toImage());
+    click(editor, "btnFilter");
+    EXPECT_EQ(column(editor, 0), (QStringList{"5"}));
+    clickHeader(editor, 0);
+    EXPECT_TRUE(column(editor, 0) == QStringList{"2"} && editor->checkitemList().sortState().number() == 2 &&
+                grid(editor)->currentIndex().row() == 0);
+    EXPECT_TRUE(header(editor)->sortPicture().toImage() == QPixmap(":/instEdit/PIC_SORT_DOWN").toImage());
 }
 
 TEST_F(Editor, ImportAddsToFreeSlotsResetsTheOrderAndReportsMissingFileAndOverflow)
 {
     appDir.dir().write("more.csv", "b,K,Plug in\r\nZ,P,Tab\there\x01\n");
-    auto editor = open();
-    clickHeader(editor.get(), 0);
-    importFile(editor.get(), "more.csv");
+    PdfEditor *editor = open();
+    clickHeader(editor, 0);
+    importFile(editor, "more.csv");
     EXPECT_EQ(bytesOf(db[3]) + bytesOf(db[5]),
               bytesOf(TInstr(' ', 'K', "Plug in")) + bytesOf(TInstr('Z', 'P', "Tab\there ")));
-    EXPECT_TRUE(column(editor.get(), 0) == (QStringList{"1", "2", "3", "4", "5", "6"}) &&
-                header(editor.get())->sortColumn() == -1);
-    importFile(editor.get(), "absent.csv");
+    EXPECT_TRUE(column(editor, 0) == (QStringList{"1", "2", "3", "4", "5", "6"}) && header(editor)->sortColumn() == -1);
+    importFile(editor, "absent.csv");
     for (std::size_t i = 0; i < TInstrDatabase::SlotCount; ++i)
         db[i].assign(' ', 'P', "Question");
-    importFile(editor.get(), "more.csv");
+    importFile(editor, "more.csv");
     EXPECT_EQ(
         sink.messages,
         (Messages{
@@ -419,19 +416,19 @@ TEST_F(Editor, SyncReplacesTheDatabaseResetsTheOrderAndWritesTheBackupAndAFailur
     SimulatorUnderTest sim(SimulatorUnderTest::Link::Tcp, memory);
     ASSERT_TRUE(silent.ready() && sim.ready());
     const std::string before = mitBytes(db.slots());
-    auto editor = open();
-    clickHeader(editor.get(), 1);
+    PdfEditor *editor = open();
+    clickHeader(editor, 1);
     connectByEthernet(silent.address());
-    click(editor.get(), "btnSync");
+    click(editor, "btnSync");
     EXPECT_EQ(sink.messages, (Messages{{"Data Timed Out.", "A communications timeout occurred.\r\rOperation Canceled.",
                                         MsgIcon::Stop, MsgButtons::Ok, MsgModality::System}}));
     EXPECT_TRUE(mitBytes(db.slots()) == before && !std::filesystem::exists(appDir.data("mit.dat")));
-    EXPECT_EQ(column(editor.get(), 0), (QStringList{"2", "1", "5", "3"}));
+    EXPECT_EQ(column(editor, 0), (QStringList{"2", "1", "5", "3"}));
     connectByEthernet(sim.address());
-    click(editor.get(), "btnSync");
+    click(editor, "btnSync");
     EXPECT_TRUE(mitBytes(db.slots()) == memory.checkitems &&
                 TempDir::read(appDir.data("mit.dat")) == memory.checkitems);
-    EXPECT_EQ(column(editor.get(), 0), (QStringList{"1", "4"}));
+    EXPECT_EQ(column(editor, 0), (QStringList{"1", "4"}));
 }
 
 // The export's bytes are the database's, checked there.
@@ -440,20 +437,20 @@ TEST_F(Editor, PrintsTheListAsItStandsExportsEverySlotAndHelpOpensInAWindowOfThe
     std::filesystem::copy_file(KT930_TEST_APPDIR "/TestProcedureEditor.qch",
                                appDir.dir().path() / "TestProcedureEditor.qch");
     db[5].assign(' ', 'A', "UT203");
-    auto editor = open(true);
-    editor->pdf = QString::fromStdString((appDir.dir().path() / "listing.pdf").string());
-    clickHeader(editor.get(), 0);
-    click(editor.get(), "btnPrint");
+    PdfEditor *editor = open(true);
+    editor->pdf = appDir.dir().path() / "listing.pdf";
+    clickHeader(editor, 0);
+    click(editor, "btnPrint");
     EXPECT_TRUE(
-        QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.toStdString(), "-"}, ".").out)
+        QString::fromStdString(ProgramRun::runTool("pdftotext", {"-layout", editor->pdf.string(), "-"}, ".").out)
             .simplified()
             .startsWith("KT930pc Instruction Listing No. Category Op Code Command 6 A - Autosequence UT203 5 "
                         "Functional checks C - Control AUX»1"));
-    click(editor.get(), "btnHelp");
-    click(editor.get(), "btnHelp"); // a second press brings the one window back
+    click(editor, "btnHelp");
+    click(editor, "btnHelp"); // a second press brings the one window back
     ASSERT_EQ(editor->findChildren<THelpWindow *>().size(), 1);
     EXPECT_EQ(editor->findChild<THelpWindow *>()->windowTitle(), "TestProcedureEditor Help");
-    click(editor.get(), "btnExport");
+    click(editor, "btnExport");
     ASSERT_EQ(db.exportText("expected.csv"), 0);
     EXPECT_TRUE(TempDir::read("instList.csv") == TempDir::read("expected.csv"));
 }

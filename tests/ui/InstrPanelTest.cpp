@@ -30,7 +30,7 @@ std::string recordBytes(char op, const std::string &text)
 }
 } // namespace
 
-TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
+TEST_F(InstrPanelTest, ShowsARecordInItsRowsWritesItBackClampedAndItsBoxesFollowTypeAndLength)
 {
     build(temp.write("m.in", AllTypes));
     EXPECT_EQ(panel->findChild<QLabel *>("rightLabel1")->text(), QString::fromUtf8("\xC2\xB5" "A"));
@@ -47,10 +47,8 @@ TEST_F(InstrPanelTest, ShowsARecordInItsRowsAndWritesItBackClamped)
                   .value()
                   .code,
               2);
-}
 
-TEST_F(InstrPanelTest, KeysAndPastedTextFollowTheFieldTypeAndTheCommandLength)
-{
+    // Keys and pasted text follow the field type and the command length.
     build(temp.write("m.in", AllTypes));
     for (auto [field, typed, shown] : {std::tuple{0, "1a2.-3", "123"}, {1, "1.5.-2x", "1.52"}, {2, "ab-1.", "AB-1."},
                                        {3, "ab-1.", "ab-1."}}) {

@@ -4,17 +4,12 @@
 #include "UiTestSupport.h"
 #include "progress.h"
 
-TEST(Progress, NullSettingsThrowTheDocumentedText)
+// Kinds 0 and 1 start the worker; a worker that ends without a result closes with 2.
+TEST(Progress, NullSettingsThrowTheDocumentedTextAndTheExitCodeFollowsTheKindAndTheWorkersResult)
 {
     ensureApplication();
     EXPECT_STREQ(thrown<std::invalid_argument>([] { TfrmProgress form(nullptr, nullptr, nullptr); }).value().what(),
                  "Invalid parameters passed to TfrmProgress(TComponent, void *, void *");
-}
-
-// Kinds 0 and 1 start the worker; a worker that ends without a result closes with 2.
-TEST(Progress, ExitCodeFollowsTheKindAndTheWorkersResult)
-{
-    ensureApplication();
     const struct { std::uint8_t kind; bool reportsOk; int exitCode; bool workerRuns; } cases[] = {
         {2, true, 2, false}, {1, true, 1, true}, {0, false, 2, true}};
     for (const auto &c : cases) {

@@ -4,19 +4,10 @@
 #include "TInstrDatabase.h"
 #include "UiTestSupport.h"
 #include "autoSequenceEditForm.h"
-#include <QPrinter>
 #include <cstring>
 
 namespace {
-// Prints to a PDF file where the user would have picked a printer.
-struct PdfSequenceEditor : TsequenceEditor {
-    using TsequenceEditor::TsequenceEditor;
-    std::filesystem::path pdf;
-    bool choosePrinter(QPrinter &printer) override
-    {
-        return printer.setOutputFileName(QString::fromStdString(pdf.string())), true;
-    }
-};
+using PdfSequenceEditor = PrintsToPdf<TsequenceEditor>;
 
 struct SequenceEditorFixture : ::testing::Test {
     AppDirScope appDir;
@@ -148,30 +139,24 @@ TEST_F(SequenceEditorFixture, EditCheckitemDatabaseSavesFirstThenReloadsAndRefre
     EXPECT_EQ(column("instList", 1)[1] + column("asList", 1).join(""), "CCB"); // no names without descriptors
 }
 
-TEST_F(SequenceEditorFixture, OkStoresTheTitlesUpperCasedButKeepsAnUnusedOne)
-{
-    open();
-    get<QLineEdit>("title1txt")->clear(),
-        get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
-    click("btnOk");
-    EXPECT_EQ(std::string(seq.title1, 19), "ABC" + std::string(15, ' ') + '\0');
-    seq.makeUnused();
-    open();
-    get<QLineEdit>("title1txt")->setText("(unused)");
-    click("btnOk");
-    EXPECT_TRUE(seq.isUnused());
-}
-
-TEST_F(SequenceEditorFixture, PrintPrintsTheTitlesAsOkWouldStoreThemAndReportsWhatItCannot)
+// Print prints the titles as OK stores them; an unused autosequence is neither stored nor printed.
+TEST_F(SequenceEditorFixture, OkStoresAndPrintPrintsTheTitlesUpperCasedButKeepsAnUnusedOne)
 {
     open();
     get<QLineEdit>("title1txt")->setText("mains lead");
     click("btnPrint");
     const std::string page = ProgramRun::runTool("pdftotext", {editor->pdf.string(), "-"}, appDir.dir().path()).out;
     EXPECT_NE(page.find("AutoSequence MAINS LEAD - CLASS I"), std::string::npos) << page;
+    get<QLineEdit>("title1txt")->clear();
+    get<QLineEdit>("title1txt")->insert(QString::fromUtf8("ab\u03A9c")); // no byte to store the omega as
+    click("btnOk");
+    EXPECT_EQ(std::string(seq.title1, 19), "ABC" + std::string(15, ' ') + '\0');
     seq.makeUnused();
     open();
     click("btnPrint");
+    get<QLineEdit>("title1txt")->setText("(unused)");
+    click("btnOk");
+    EXPECT_TRUE(seq.isUnused());
     seq = sequence("A", "B", {1});
     open().pdf = appDir.dir().path() / "absent" / "printed.pdf";
     click("btnPrint");

@@ -3,9 +3,11 @@
 // in a temporary directory, data files built from their documented layouts, and
 // a hook that answers the next modal dialog.
 #include "TInstr.h"
-#include "TempDir.h"
 #include "Tautosequence.h"
+#include "TempDir.h"
+#include "TinstListingPrinter.h"
 #include "VAROAutoSeqEditor.h"
+#include <QPrinter>
 #include <QTest>
 #include <QtWidgets>
 #include <functional>
@@ -52,6 +54,16 @@ struct FrameHost {
     QWidget mainView, container;
     TPluginHostInfo host;
     int hostData2 = 0;
+};
+
+// A form whose print dialog is answered by a PDF file.
+template <class Form> struct PrintsToPdf : Form {
+    using Form::Form;
+    std::filesystem::path pdf;
+    bool choosePrinter(QPrinter &printer) override
+    {
+        return TinstListingPrinter::preparePdf(printer, QString::fromStdString(pdf.string())), true;
+    }
 };
 
 // The named child of parent; a missing one fails the test.

@@ -48,20 +48,13 @@ protected:
                 (data == PcData::MitDat && entry.path().filename() == "mit.dat"))
                 fs::copy(entry.path(), temp / "pc/Data" / entry.path().filename());
     }
-    std::string pcFiles() const
-    {
-        std::string all;
-        for (const std::string name : {"mit.dat", "inspection.asq", "usertester1.asq", "usertester2.asq",
-                                       "usertester3.asq", "usertester4.asq", "usertester5.asq", "testProc.asq"})
-            all += name + (fs::exists(temp / "pc/Data" / name) ? ": " + TempDir::read(temp / "pc/Data" / name) : "-");
-        return all;
-    }
+    std::string pcFiles() const { return TempDir::readDataFiles(temp / "pc/Data"); }
 
     TempDir temp;
     std::unique_ptr<TsimProcess> sim;
     std::unique_ptr<EmulatedFtdiChip> chip;
 };
-}
+} // namespace
 
 TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
 {
@@ -79,6 +72,15 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
                       noDevice = "no USB device of vendor 0403 was found\n";
     const std::string timedOut = start + "Error\nTimeout Error.\nOperation Canceled.\nkt930ctl download: " + tried,
                       unplugged = "Error\nNo Deviced Attached.\nOperation Canceled.\n";
+    const std::string uploaded =
+        "Uploaded the data set of " + pc + "\nVerified: the analyzer's memory equals what was sent\n";
+    const std::string synced = "Saved the analyzer's checkitem database as " + pc + "/mit.dat\n";
+    const std::string syncNoDevice = syncStart + "Device Not Detected\nA Safety Analyzer could not be found\n" +
+                                     "Please check the connection.\n\nOperation Canceled.\nkt930ctl sync: " + noDevice;
+    const std::string held = notDetected + "kt930ctl download: " + tried + "the device is in use by another program " +
+                             "(its interface is claimed): close that program and try again\n";
+    const std::string syncUnplugged = syncUnderWay + "Invalid Handshake Received.\nA communications error occurred." +
+                                      "\n\nOperation Canceled.\nkt930ctl sync: " + tried;
     using enum PcData;
     const struct {
         const char *name;
@@ -89,92 +91,27 @@ TEST_F(UsbStackTest, Kt930ctlThroughTheChip)
         int exitCode;
         std::string out, err;
     } cases[] = {
+        // clang-format off
         {"download", Analyzer, {}, {"download"}, OpCodesOnly, DataSet, 0, downloaded, download},
         {"fallback name", FallbackNamed, {}, {"download"}, OpCodesOnly, DataSet, 0, downloaded, download},
         // The chip goes quiet for 300 ms with a transfer half filled.
         {"stall", Analyzer, {10000, 300}, {"download"}, OpCodesOnly, DataSet, 0, downloaded, download},
-        {"upload",
-         Analyzer,
-         {},
-         {"upload", "--verify"},
-         DataSet,
-         DataSet,
-         0,
-         "Uploaded the data set of " + pc + "\nVerified: the analyzer's memory equals what was sent\n",
-         upload + download},
-        {"sync",
-         Analyzer,
-         {},
-         {"sync"},
-         OpCodesOnly,
-         MitDat,
-         0,
-         "Saved the analyzer's checkitem database as " + pc + "/mit.dat\n",
-         syncUnderWay + "Transfer Complete\n"},
-        {"no device",
-         Nothing,
-         {},
-         {"download"},
-         OpCodesOnly,
-         OpCodesOnly,
-         1,
-         "",
+        {"upload", Analyzer, {}, {"upload", "--verify"}, DataSet, DataSet, 0, uploaded, upload + download},
+        {"sync", Analyzer, {}, {"sync"}, OpCodesOnly, MitDat, 0, synced, syncUnderWay + "Transfer Complete\n"},
+        {"no device", Nothing, {}, {"download"}, OpCodesOnly, OpCodesOnly, 1, "",
          notDetected + "kt930ctl download: " + noDevice},
-        {"no device, sync",
-         Nothing,
-         {},
-         {"sync"},
-         OpCodesOnly,
-         OpCodesOnly,
-         1,
-         "",
-         syncStart +
-             "Device Not Detected\nA Safety Analyzer could not be found\nPlease check the connection.\n\n"
-             "Operation Canceled.\nkt930ctl sync: " +
-             noDevice},
-        {"held by another program",
-         Analyzer,
-         {.claimedElsewhere = true},
-         {"download"},
-         DataSet,
-         DataSet,
-         1,
-         "",
-         notDetected + "kt930ctl download: " + tried +
-             "the device is in use by another program (its interface is claimed): close that program and try again\n"},
-        {"unplugged in a download",
-         Analyzer,
-         {.unplugAfterIn = 50000},
-         {"download"},
-         DataSet,
-         DataSet,
-         1,
-         "",
+        {"no device, sync", Nothing, {}, {"sync"}, OpCodesOnly, OpCodesOnly, 1, "", syncNoDevice},
+        {"held by another program", Analyzer, {.claimedElsewhere = true}, {"download"}, DataSet, DataSet, 1, "", held},
+        {"unplugged in a download", Analyzer, {.unplugAfterIn = 50000}, {"download"}, DataSet, DataSet, 1, "",
          start + "Getting Checkitems\nGetting Autosequences\n" + unplugged + "kt930ctl download: " + tried},
-        {"unplugged in an upload",
-         Analyzer,
-         {.unplugAfterOut = 50000},
-         {"upload"},
-         DataSet,
-         DataSet,
-         1,
-         "",
+        {"unplugged in an upload", Analyzer, {.unplugAfterOut = 50000}, {"upload"}, DataSet, DataSet, 1, "",
          start + "Putting Checkitems\nPutting Autosequences\n" + unplugged + "kt930ctl upload: " + tried},
-        {"unplugged in a sync",
-         Analyzer,
-         {.unplugAfterIn = 20000},
-         {"sync"},
-         DataSet,
-         DataSet,
-         1,
-         "",
-         syncUnderWay +
-             "Invalid Handshake Received.\nA communications error occurred.\n\nOperation Canceled.\nkt930ctl sync: " +
-             tried},
-        // Attached, but nothing answers (only status packets, or not even those): the handshake's 2 s, not many times
-        // it.
+        {"unplugged in a sync", Analyzer, {.unplugAfterIn = 20000}, {"sync"}, DataSet, DataSet, 1, "", syncUnplugged},
+        // Attached, but nothing answers (only status packets, or not even those): the handshake's 2 s, not many
+        // times it.
         {"silent chip", SilentChip, {}, {"download"}, DataSet, DataSet, 1, "", timedOut},
         {"stalled chip", SilentChip, {0, 60000}, {"download"}, DataSet, DataSet, 1, "", timedOut},
+        // clang-format on
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
