@@ -1,5 +1,5 @@
 #pragma once
-// Draws a row of the physical inspection list: "N. " in a column as wide as
+// Draws a row of the physical inspection or checklist list: "N. " in a column as wide as
 // "88. ", then the row text; "<unused>" rows in silver.
 #include <QStyledItemDelegate>
 
