@@ -104,7 +104,7 @@ Treport gather(const std::filesystem::path &appDir)
         const TTestProc &checklist = data.checklists.items[i];
         if (checklist.isUnused())
             continue;
-        Tchecklist shown{static_cast<int>(i + 1), utf8(TlistTexts::trim(checklist.titleText())), {}};
+        Tchecklist shown{static_cast<int>(i + 1), utf8(TlistTexts::trim(checklist.titleText())), {}, {}};
         for (std::uint16_t item : TitemList::used(checklist.items)) {
             shown.items.push_back(item);
             shown.steps.push_back(stepText(data, opCodes, item));

@@ -68,7 +68,7 @@ TEST_F(HostTest, ButtonShowsTheFrameWithinTheScreenAndReturnGivesTheMainViewBack
 {
     ThostMainWindow window(folders());
     window.show();
-    ASSERT_EQ(window.pluginCount(), 1);
+    ASSERT_EQ(window.pluginCount(), 2);
     QPushButton *pluginButton = child<QPushButton>(window.mainView(), "plugin0");
     EXPECT_EQ(pluginButton->text(), QStringLiteral("Inspections and\nUser Testers"));
     pluginButton->click();
