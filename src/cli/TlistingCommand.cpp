@@ -63,10 +63,8 @@ int TlistingCommand::run(const std::vector<std::string> &arguments)
         return 2;
     }
     const std::string pdf = args.options["--pdf"];
-    if (const std::string why = TpdfOutput::refusal(pdf); !why.empty()) {
-        std::cerr << "kt930ctl listing: " << why << "\n";
+    if (TpdfOutput::refused("kt930ctl listing: ", pdf))
         return 1;
-    }
 
     TcliMessageSink sink(&std::cerr);
     TdataSet data(args.appDir, sink);

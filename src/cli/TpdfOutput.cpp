@@ -7,9 +7,11 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <unistd.h>
 
-std::string TpdfOutput::refusal(const std::string &path)
+namespace {
+std::string refusal(const std::string &path)
 {
     namespace fs = std::filesystem;
     if (path.empty())
@@ -23,6 +25,15 @@ std::string TpdfOutput::refusal(const std::string &path)
     if (::access(written.c_str(), W_OK) != 0)
         return "cannot write " + path + ": " + std::strerror(errno);
     return {};
+}
+} // namespace
+
+bool TpdfOutput::refused(const std::string &prefix, const std::string &path)
+{
+    const std::string why = refusal(path);
+    if (!why.empty())
+        std::cerr << prefix << why << "\n";
+    return !why.empty();
 }
 
 bool TpdfOutput::loadNames(const TdataSet &data, MessageSink &sink, TcategoryMap &categories)

@@ -12,8 +12,9 @@ class TdataSet;
 
 class TpdfOutput {
 public:
-    // Empty text when path can be written to, else why not (for "kt930ctl <command>: ...").
-    static std::string refusal(const std::string &path);
+    // Whether path cannot be written to; when so, says why on stderr after prefix
+    // ("kt930ctl <command>: ").
+    static bool refused(const std::string &prefix, const std::string &path);
     // The offscreen platform unless the caller chose another one.
     static std::unique_ptr<QGuiApplication> application();
     // The op-code names for the name look-ups and the category names, as the editors

@@ -33,17 +33,15 @@ int TprintChecklistCommand::run(const std::vector<std::string> &arguments)
         return 2;
     }
     const std::string pdf = args.options["--pdf"];
-    if (const std::string why = TpdfOutput::refusal(pdf); !why.empty()) {
-        std::cerr << Prefix << why << "\n";
+    if (TpdfOutput::refused(Prefix, pdf))
         return 1;
-    }
 
     // Load messages go to stderr; steps that run an autosequence need the others too.
-    TcliMessageSink sink(&std::cerr);
-    TdataSet data(args.appDir, sink);
+    TcliMessageSink messages(&std::cerr);
+    TdataSet data(args.appDir, messages);
     data.loadAll();
     TcategoryMap categories;
-    if (!TpdfOutput::loadNames(data, sink, categories))
+    if (!TpdfOutput::loadNames(data, messages, categories))
         return 1;
     if (!data.loadedCleanly(TdataSet::Checklists)) {
         std::cerr << Prefix << "testProc.asq did not load (see above); nothing printed\n";

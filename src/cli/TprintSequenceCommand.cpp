@@ -49,10 +49,8 @@ int TprintSequenceCommand::run(const std::vector<std::string> &arguments)
         return 2;
     }
     const std::string pdf = args.options["--pdf"];
-    if (const std::string why = TpdfOutput::refusal(pdf); !why.empty()) {
-        std::cerr << Prefix << why << "\n";
+    if (TpdfOutput::refused(Prefix, pdf))
         return 1;
-    }
 
     // Load messages go to stderr; a file that failed to load stops only its own sequences.
     TcliMessageSink sink(&std::cerr);

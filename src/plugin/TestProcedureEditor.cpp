@@ -1,61 +1,10 @@
-// The checklist plug-in's exported entry points: the same contract as the
-// inspection plug-in's, with its own captions and frame.
+// The checklist plug-in: its names and its frame; the entry points are the shared ones.
 #include "TestProcedureEditorFrame.h"
-#include "TpluginState.h"
-#include "VAROAutoSeqEditor.h"
-#include <atomic>
+#include "TpluginIdentity.h"
 
-namespace {
-TpluginState g_state;
-std::atomic<int> g_initialized{0};
-} // namespace
-
-extern "C" {
-
-KT930_EXPORT const char *KT930_STDCALL initialize(std::uint32_t)
+const TpluginIdentity &pluginIdentity()
 {
-    return "Test Procedures";
-}
-
-KT930_EXPORT std::int32_t KT930_STDCALL setup(TPluginHostInfo *hostData, void *hostData2)
-{
-    return g_state.setup(hostData, hostData2);
-}
-
-KT930_EXPORT const char *getMainButton()
-{
-    return "Test Procedures";
-}
-
-KT930_EXPORT const char *getConfigButton()
-{
-    return nullptr;
-}
-
-KT930_EXPORT Tkt930Frame *getMainForm()
-{
-    return g_state.makeFrame<TTestProcEditFrame>();
-}
-
-KT930_EXPORT Tkt930Frame *getConfigForm()
-{
-    return nullptr;
-}
-
-KT930_EXPORT std::int32_t pshutdown()
-{
-    return 0;
-}
-
-// Nothing of ours needs set-up beyond static initialisation; both only count, so
-// repeated calls are harmless.
-KT930_EXPORT void Initialize()
-{
-    g_initialized.store(1);
-}
-
-KT930_EXPORT void Finalize()
-{
-    g_initialized.store(0);
-}
+    static const TpluginIdentity identity{"Test Procedures", "Test Procedures",
+                                          &TpluginIdentity::frameOf<TTestProcEditFrame>};
+    return identity;
 }

@@ -1,4 +1,5 @@
 #include "TpluginState.h"
+#include "TpluginIdentity.h"
 
 std::int32_t TpluginState::setup(TPluginHostInfo *hostData, void *hostData2)
 {
@@ -7,4 +8,9 @@ std::int32_t TpluginState::setup(TPluginHostInfo *hostData, void *hostData2)
     m_hostData = hostData;
     m_hostData2 = hostData2;
     return 0;
+}
+
+Tkt930Frame *TpluginState::makeFrame() const
+{
+    return pluginIdentity().makeFrame(m_hostData, m_hostData2);
 }

@@ -7,15 +7,8 @@ class TpluginState {
 public:
     // -1 (and nothing stored) when either pointer is null, else 0.
     std::int32_t setup(TPluginHostInfo *hostData, void *hostData2);
-    // A new frame with the stored pointers; null when its construction threw.
-    template <class Frame> Tkt930Frame *makeFrame() const
-    {
-        try {
-            return new Frame(nullptr, m_hostData, m_hostData2);
-        } catch (...) {
-            return nullptr;
-        }
-    }
+    // A new frame of this library with the stored pointers; null when its construction threw.
+    Tkt930Frame *makeFrame() const;
 
 private:
     TPluginHostInfo *m_hostData = nullptr;

@@ -1,64 +1,17 @@
-// The plug-in's exported entry points. The host loads the library, reads the
-// captions, hands over its record with setup, and asks for frames.
+// The inspections and user testers plug-in: its names and its frame; the entry
+// points are the shared ones.
 #include "VAROAutoSeqEditor.h"
 #include "AutoSequenceEditorFrame.h"
-#include "TpluginState.h"
-#include <atomic>
-
-namespace {
-TpluginState g_state;
-std::atomic<int> g_initialized{0};
-} // namespace
+#include "TpluginIdentity.h"
 
 extern "C" {
-
-// Declared by the frame's unit in the original package; never assigned.
+// Part of the exported interface for hosts that look it up by name; never assigned.
 KT930_EXPORT TAutoSeqEditFrame *_AutoSeqEditFrame = nullptr;
-
-KT930_EXPORT const char *KT930_STDCALL initialize(std::uint32_t)
-{
-    return "Inspections and User Testers";
 }
 
-KT930_EXPORT std::int32_t KT930_STDCALL setup(TPluginHostInfo *hostData, void *hostData2)
+const TpluginIdentity &pluginIdentity()
 {
-    return g_state.setup(hostData, hostData2);
-}
-
-KT930_EXPORT const char *getMainButton()
-{
-    return "Inspections and\nUser Testers";
-}
-
-KT930_EXPORT const char *getConfigButton()
-{
-    return nullptr;
-}
-
-KT930_EXPORT Tkt930Frame *getMainForm()
-{
-    return g_state.makeFrame<TAutoSeqEditFrame>();
-}
-
-KT930_EXPORT Tkt930Frame *getConfigForm()
-{
-    return nullptr;
-}
-
-KT930_EXPORT std::int32_t pshutdown()
-{
-    return 0;
-}
-
-// Nothing of ours needs set-up beyond static initialisation; both only count, so
-// repeated calls are harmless.
-KT930_EXPORT void Initialize()
-{
-    g_initialized.store(1);
-}
-
-KT930_EXPORT void Finalize()
-{
-    g_initialized.store(0);
-}
+    static const TpluginIdentity identity{"Inspections and User Testers", "Inspections and\nUser Testers",
+                                          &TpluginIdentity::frameOf<TAutoSeqEditFrame>};
+    return identity;
 }
