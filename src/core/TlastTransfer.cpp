@@ -1,6 +1,7 @@
 #include "TlastTransfer.h"
 #include "AtomicFile.h"
 #include "RegularFile.h"
+#include "TdataFolderLock.h"
 #include "TimeStamp.h"
 
 std::string TlastTransfer::linkText(int method, int serialPort, const std::array<int, 4> &ip)
@@ -18,6 +19,11 @@ std::string TlastTransfer::linkText(int method, int serialPort, const std::array
 
 bool TlastTransfer::record(const std::filesystem::path &dataFolder, const std::string &action, const std::string &link)
 {
+    // Under the folder's lock, like every write of ours there, so that no loader takes
+    // its temporary for a leftover.
+    const TdataFolderLock lock(dataFolder);
+    if (!lock.locked())
+        return false;
     const std::string line = localTimeText(std::time(nullptr)) + "\t" + action + "\t" + link + "\n";
     return writeFileAtomically(dataFolder / FileName, line) == AtomicWriteResult::Ok;
 }

@@ -92,15 +92,6 @@ QThread &TtransferJob::makeWorker(ProgressSink &progress)
         break;
     }
     settings().worker = m_worker.get();
-    // When and how the data set last met an analyzer, for the host's overview; a verify or a read moves nothing.
-    if (m_parameters.kind != Kind::Verify && m_parameters.kind != Kind::Read)
-        QObject::connect(m_worker.get(), &QThread::finished, [this] {
-            const auto &p = m_parameters;
-            if (completed())
-                TlastTransfer::record(p.data->dataFolder(),
-                                      p.kind == Kind::Upload ? "upload" : p.kind == Kind::Sync ? "sync" : "download",
-                                      TlastTransfer::linkText(int(p.method), p.serialPort, p.ip));
-        });
     return *m_worker;
 }
 
@@ -135,15 +126,21 @@ TtransferJob::Outcome TtransferJob::takeOver()
 
 bool TtransferJob::save()
 {
+    const Parameters &p = m_parameters;
     // Both replace the set by design: the save keeps a restore point of what it replaces.
-    switch (m_parameters.kind) {
-    case Kind::Download:
-        return m_parameters.data->save(m_parameters.savedParts, TsaveAction::Download);
-    case Kind::Sync:
-        return m_parameters.data->saveCheckitems(TsaveAction::Sync);
-    default:
-        return true;
-    }
+    bool saved = true;
+    if (p.kind == Kind::Download)
+        saved = p.data->save(p.savedParts, TsaveAction::Download);
+    else if (p.kind == Kind::Sync)
+        saved = p.data->saveCheckitems(TsaveAction::Sync);
+    // When and how the data set last met an analyzer, for the host's overview: only a
+    // transfer that moved something and whose result was kept.
+    const bool moved = p.kind == Kind::Download || p.kind == Kind::Upload || p.kind == Kind::Sync;
+    if (saved && moved && completed())
+        TlastTransfer::record(p.data->dataFolder(),
+                              p.kind == Kind::Upload ? "upload" : p.kind == Kind::Sync ? "sync" : "download",
+                              TlastTransfer::linkText(int(p.method), p.serialPort, p.ip));
+    return saved;
 }
 
 TtransferJob::Outcome TtransferJob::run(ProgressSink &progress)

@@ -62,6 +62,8 @@ public:
     // image into the checkitems, a verify compares. Views refresh before save().
     Outcome takeOver();
     // Saves what a download or sync brought, as that action; true when all was written.
+    // A completed download, upload or sync that was kept is recorded for the overview,
+    // so an upload calls it too.
     bool save();
     // Without a GUI: makes and starts the worker, serves this thread's events until
     // it ends, then takes over and saves.

@@ -99,7 +99,8 @@ void TtransferRunner::upload(TdataSet &data, TPluginHostInfo *host, MessageSink 
         TtransferJob::Parameters parameters;
         parameters.kind = TtransferJob::Kind::Upload;
         parameters.data = &data;
-        runTransfer(parameters, host, sink);
+        if (const auto job = runTransfer(parameters, host, sink))
+            job->save();
     } catch (const std::exception &e) {
         showInternalError(sink, true, e.what());
     } catch (...) {

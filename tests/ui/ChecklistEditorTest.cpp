@@ -6,6 +6,7 @@
 #include "ProgramRun.h"
 #include "RecordingMessageSink.h"
 #include "TdataSet.h"
+#include "TlastTransfer.h"
 #include "TestProcedureEditorFrame.h"
 #include "UiTestSupport.h"
 #include <dlfcn.h>
@@ -75,6 +76,7 @@ TEST_F(ChecklistPlugin, AChecklistWithAnAutosequenceStepSurvivesUploadAndDownloa
     connectByEthernet(sim.address());
     click(&frame, "BtnUpload");
     EXPECT_TRUE(sink.messages.empty());
+    EXPECT_EQ(TlastTransfer::read(appDir.dir().path() / "Data").value().link, "Ethernet " + sim.address());
     const fs::path clean = appDir.dir().path() / "clean";
     fs::create_directories(clean / "Data");
     for (const auto &entry : fs::directory_iterator(appDir.dir().path() / "Data"))
