@@ -107,8 +107,8 @@ TnamedCommand TcommandFields::nameAutosequence(const std::string &text) const
             continue;
         TnamedCommand named{{{"Autosequence Type", type.text, ""}}, ""};
         if (call.number < 1 || call.number > type.count)
-            named.misfit = inQuotes(call.numberText) + " is no number from 01 to " +
-                           (type.count < 10 ? "0" : "") + std::to_string(type.count);
+            named.misfit = inQuotes(call.numberText) + " is no number from 01 to " + (type.count < 10 ? "0" : "") +
+                           std::to_string(type.count);
         else
             named.values.push_back({"Number", std::to_string(call.number), ""});
         return named;

@@ -21,9 +21,8 @@ public:
     // inspections and testers name what an "A" step runs; save puts the frame's data
     // on disk before the checkitem database editor looks for references.
     TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database, TTestProcList &checklists,
-                     std::size_t index,
-                     const std::vector<Tautosequence> &inspections, const std::vector<TuserTester> &testers,
-                     std::function<void()> save, MessageSink *sink = nullptr);
+                     std::size_t index, const std::vector<Tautosequence> &inspections,
+                     const std::vector<TuserTester> &testers, std::function<void()> save, MessageSink *sink = nullptr);
     ~TchecklistEditor() override;
 
 public Q_SLOTS:
