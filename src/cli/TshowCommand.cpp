@@ -210,6 +210,9 @@ void printJson(const Treport &report, std::ostream &out)
             << ", \"items\": [";
         for (std::size_t j = 0; j < checklist.items.size(); ++j)
             out << (j ? ", " : "") << checklist.items[j];
+        out << "], \"steps\": [";
+        for (std::size_t j = 0; j < checklist.steps.size(); ++j)
+            out << (j ? ", " : "") << q(checklist.steps[j]);
         out << "]}";
     }
     out << "\n  ]\n}\n";

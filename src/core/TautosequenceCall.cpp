@@ -1,18 +1,10 @@
 #include "TautosequenceCall.h"
 #include "TlistTexts.h"
+#include <algorithm>
 #include <cctype>
 
 namespace {
 const char *const NoSuchSequence = " (no such autosequence)";
-
-// 1..99 from two digits; 0 when they are not.
-int twoDigitNumber(const std::string &command)
-{
-    if (command.size() < 5 || !std::isdigit(static_cast<unsigned char>(command[3])) ||
-        !std::isdigit(static_cast<unsigned char>(command[4])))
-        return 0;
-    return (command[3] - '0') * 10 + (command[4] - '0');
-}
 
 std::string label(const Tautosequence &sequence)
 {
@@ -35,11 +27,28 @@ std::string described(const std::string &name, const std::vector<Tautosequence> 
 }
 } // namespace
 
+TautosequenceCall::Call TautosequenceCall::parse(const std::string &command)
+{
+    Call call{command.substr(0, 3), command.size() > 3 ? command.substr(3) : std::string(), 0};
+    call.numberText.erase(call.numberText.find_last_not_of(' ') + 1);
+    const std::string &digits = call.numberText;
+    // The panel pads to two digits and writes no other leading zero; 16 bits at most.
+    const bool written = digits.size() >= 2 && digits.size() <= 5 && (digits.size() == 2 || digits[0] != '0') &&
+                         std::all_of(digits.begin(), digits.end(),
+                                     [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; });
+    if (written && std::stoi(digits) <= 0xFFFF)
+        call.number = std::stoi(digits);
+    return call;
+}
+
 std::string TautosequenceCall::runsText(const std::string &command, const std::vector<Tautosequence> &inspections,
                                         const std::vector<TuserTester> &testers)
 {
-    const std::string code = command.substr(0, 3);
-    const int number = twoDigitNumber(command);
+    const Call call = parse(command);
+    const std::string &code = call.code;
+    const int number = call.number;
+    if (number == 0) // "PHY3", "PHY": no number to name
+        return "Runs: " + TlistTexts::trim(command) + NoSuchSequence;
     const std::string numberText = std::to_string(number);
     if (code == "PHY")
         return described("Physical inspection " + numberText, inspections, number);

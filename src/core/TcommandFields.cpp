@@ -1,5 +1,6 @@
 #include "TcommandFields.h"
 #include "OpCodeDefinitions.h"
+#include "TautosequenceCall.h"
 #include "TlistTexts.h"
 #include <algorithm>
 
@@ -100,20 +101,17 @@ TnamedCommand TcommandFields::name(const TInstr &record) const
 
 TnamedCommand TcommandFields::nameAutosequence(const std::string &text) const
 {
-    const std::string code = text.substr(0, 3);
+    const TautosequenceCall::Call call = TautosequenceCall::parse(text);
     for (const TautoSequenceType &type : m_autoTypes) {
-        if (type.code != code)
+        if (type.code != call.code)
             continue;
         TnamedCommand named{{{"Autosequence Type", type.text, ""}}, ""};
-        const std::string number = text.substr(3);
-        const bool digits =
-            !number.empty() && number.size() <= 3 && std::all_of(number.begin(), number.end(), TcommandCodec::isDigit);
-        const int value = digits ? std::stoi(number) : 0;
-        if (value < 1 || value > type.count)
-            named.misfit = inQuotes(number) + " is no number from 1 to " + std::to_string(type.count);
+        if (call.number < 1 || call.number > type.count)
+            named.misfit = inQuotes(call.numberText) + " is no number from 01 to " + (type.count < 10 ? "0" : "") +
+                           std::to_string(type.count);
         else
-            named.values.push_back({"Number", std::to_string(value), ""});
+            named.values.push_back({"Number", std::to_string(call.number), ""});
         return named;
     }
-    return {{}, "no autosequence type " + inQuotes(code)};
+    return {{}, "no autosequence type " + inQuotes(call.code)};
 }

@@ -99,13 +99,12 @@ int TTestProcEditFrame::selectedChecklist() const
 void TTestProcEditFrame::BtnTPEditClick()
 {
     const int row = selectedChecklist();
-    TTestProc *checklist = row < 0 ? nullptr : m_data->checklists.at(std::size_t(row));
-    if (!checklist)
+    if (row < 0 || !m_data->checklists.at(std::size_t(row)))
         return;
     {
         TchecklistEditor editor(
-            nullptr, m_hostData, &m_data->checkitems, *checklist, m_data->inspections, m_data->userTesters,
-            [this] { m_data->save(EditedParts); }, &m_sink);
+            nullptr, m_hostData, &m_data->checkitems, m_data->checklists, std::size_t(row), m_data->inspections,
+            m_data->userTesters, [this] { m_data->save(EditedParts); }, &m_sink);
         if (editor.usable())
             editor.exec();
     }

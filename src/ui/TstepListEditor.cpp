@@ -261,6 +261,8 @@ void TstepListEditor::btnEditInstClick()
     // The database editor looks for references to a checkitem in the files.
     if (m_save)
         m_save();
+    if (!recordAfterSave())
+        return;
     try {
         TinstructionEditorForm editor(nullptr, m_offerCalls, m_hostData, m_db, &m_sink);
         editor.exec();

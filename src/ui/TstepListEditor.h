@@ -68,6 +68,9 @@ protected:
     virtual std::span<std::uint16_t> steps() = 0;
     // Add found the list full.
     virtual void reportFull() = 0;
+    // After save (which may reload the files): false when the edited record is gone;
+    // the editor has then said so and closed.
+    virtual bool recordAfterSave() { return true; }
     // The Command cell of a step; by default the checkitem's command text.
     virtual std::string stepCommand(const TInstr &record, const std::string &shown) const;
 

@@ -16,11 +16,12 @@
 #include <ctime>
 
 TchecklistEditor::TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database,
-                                   TTestProc &checklist, const std::vector<Tautosequence> &inspections,
+                                   TTestProcList &checklists, std::size_t index,
+                                   const std::vector<Tautosequence> &inspections,
                                    const std::vector<TuserTester> &testers, std::function<void()> save,
                                    MessageSink *sink)
     : TstepListEditor(owner, hostData, database, std::move(save), true, sink), ui(new Ui::TchecklistEditor),
-      m_checklist(checklist), m_inspections(inspections), m_testers(testers)
+      m_checklists(checklists), m_index(index), m_inspections(inspections), m_testers(testers)
 {
     ui->setupUi(this);
     setModal(true);
@@ -29,7 +30,8 @@ TchecklistEditor::TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TI
     connect(ui->btnOk, &QPushButton::clicked, this, &TchecklistEditor::btnOkClick);
     TscreenFit::fit(this);
     // An unused checklist starts with an empty title, not its marker.
-    std::string title = m_checklist.isUnused() ? std::string() : m_checklist.titleText();
+    const TTestProc *edited = checklist();
+    std::string title = !edited || edited->isUnused() ? std::string() : edited->titleText();
     title.erase(title.find_last_not_of(' ') + 1);
     ui->titletxt->setText(TguiText::fromBytes(title));
     new Twindows1252Validator(ui->titletxt);
@@ -39,9 +41,27 @@ TchecklistEditor::TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TI
 
 TchecklistEditor::~TchecklistEditor() = default;
 
+TTestProc *TchecklistEditor::checklist() const
+{
+    return m_checklists.at(m_index);
+}
+
 std::span<std::uint16_t> TchecklistEditor::steps()
 {
-    return m_checklist.items;
+    TTestProc *edited = checklist();
+    return edited ? std::span<std::uint16_t>(edited->items) : std::span<std::uint16_t>();
+}
+
+bool TchecklistEditor::recordAfterSave()
+{
+    if (checklist())
+        return true;
+    m_gone = true;
+    m_sink.warning("Checklist Not Found",
+                   "Checklist " + std::to_string(m_index + 1) +
+                       " is no longer in the data file.\nThe checklist editor closes without saving it.");
+    reject();
+    return false;
 }
 
 void TchecklistEditor::reportFull()
@@ -69,7 +89,10 @@ void TchecklistEditor::applyTitle(TTestProc &target) const
 
 void TchecklistEditor::btnPrintClick()
 {
-    TTestProc shown = m_checklist;
+    const TTestProc *edited = checklist();
+    if (!edited)
+        return;
+    TTestProc shown = *edited;
     applyTitle(shown);
     if (shown.isUnused()) {
         m_sink.show({"Empty Checklist", "Checklist is unused.\nPrint operation not initiated.", MsgIcon::Information});
@@ -92,13 +115,15 @@ void TchecklistEditor::btnHelpClick()
 
 void TchecklistEditor::btnOkClick()
 {
-    applyTitle(m_checklist);
+    if (TTestProc *edited = checklist())
+        applyTitle(*edited);
     accept();
 }
 
 void TchecklistEditor::done(int result)
 {
-    if (result != QDialog::Accepted && m_checklist.isUnused() && TitemList::count(m_checklist.items) > 0)
-        applyTitle(m_checklist);
+    TTestProc *edited = m_gone ? nullptr : checklist();
+    if (result != QDialog::Accepted && edited && edited->isUnused() && TitemList::count(edited->items) > 0)
+        applyTitle(*edited);
     TstepListEditor::done(result);
 }

@@ -1,6 +1,7 @@
 #pragma once
 // TchecklistEditor: the modal editor of one checklist: its title and up to 96 steps.
-// It changes the checklist it is given in place: the steps at once, the title on OK.
+// It changes the checklist in place: the steps at once, the title on OK. It holds the
+// checklist's index, not the record: saving may reload the table, which rebuilds it.
 // Steps that are "A" checkitems show the autosequence they run.
 #include "TstepListEditor.h"
 #include <memory>
@@ -10,6 +11,7 @@ namespace Ui {
 class TchecklistEditor;
 }
 class TTestProc;
+class TTestProcList;
 struct Tautosequence;
 struct TuserTester;
 
@@ -18,9 +20,9 @@ class TchecklistEditor : public TstepListEditor {
 public:
     // inspections and testers name what an "A" step runs; save puts the frame's data
     // on disk before the checkitem database editor looks for references.
-    TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database, TTestProc &checklist,
-                     const std::vector<Tautosequence> &inspections, const std::vector<TuserTester> &testers,
-                     std::function<void()> save, MessageSink *sink = nullptr);
+    TchecklistEditor(QWidget *owner, TPluginHostInfo *hostData, TInstrDatabase *database, TTestProcList &checklists,
+                     std::size_t index, const std::vector<Tautosequence> &inspections,
+                     const std::vector<TuserTester> &testers, std::function<void()> save, MessageSink *sink = nullptr);
     ~TchecklistEditor() override;
 
 public Q_SLOTS:
@@ -36,12 +38,16 @@ protected:
     std::span<std::uint16_t> steps() override;
     void reportFull() override;
     std::string stepCommand(const TInstr &record, const std::string &shown) const override;
+    bool recordAfterSave() override;
 
 private:
     void applyTitle(TTestProc &target) const;
+    TTestProc *checklist() const; // null once the table no longer has it
 
     std::unique_ptr<Ui::TchecklistEditor> ui;
-    TTestProc &m_checklist;
+    TTestProcList &m_checklists;
+    std::size_t m_index;
+    bool m_gone = false;
     const std::vector<Tautosequence> &m_inspections;
     const std::vector<TuserTester> &m_testers;
 };

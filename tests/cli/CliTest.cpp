@@ -46,7 +46,9 @@ TEST_F(CliTest, ShowJsonAndLoadMessages)
           "will not affect",
           "\"checkitems\": [\n  ],", "{\"number\": 2, \"text\": \"Visual Check - Enclosure\"}",
           "{\"text\": \"ii. FIELD SERVICE\", \"sequences\": [\"1. Quick Check - Class I\", ",
-          "{\"number\": 3, \"title\": \"Extension lead test\", \"items\": [2, 3, 4, 16, 20, 35]}"})
+          "{\"number\": 3, \"title\": \"Extension lead test\", \"items\": [2, 3, 4, 16, 20, 35], \"steps\": "
+          "[\"2 (no such checkitem)\", \"3 (no such checkitem)\", \"4 (no such checkitem)\", \"16 (no such "
+          "checkitem)\", \"20 (no such checkitem)\", \"35 (no such checkitem)\"]}"})
         EXPECT_NE(result.out.find(part), std::string::npos) << part << "\nnot in\n" << result.out;
 }
 

@@ -15,7 +15,8 @@ Tautosequence titled(const std::string &title1, const std::string &title2)
 }
 } // namespace
 
-// What an "A" step runs: the type code picks the container, the two digits the entry.
+// What an "A" step runs: the type code picks the container, the number (two digits or
+// more, as the panel writes it) the entry; any other text names nothing.
 TEST(TautosequenceCall, NamesTheAutosequenceACallRuns)
 {
     std::vector<Tautosequence> inspections{titled("VISUAL", "MAINS LEAD"), Tautosequence::unused(),
@@ -27,11 +28,16 @@ TEST(TautosequenceCall, NamesTheAutosequenceACallRuns)
         {"PHY01                                    ", "Runs: Physical inspection 1 - VISUAL - MAINS LEAD"},
         {"PHY02", "Runs: Physical inspection 2 - <unused>"},
         {"PHY04", "Runs: Physical inspection 4 (no such autosequence)"},
-        {"PHY00", "Runs: Physical inspection 0 (no such autosequence)"},
+        {"PHY00", "Runs: PHY00 (no such autosequence)"},
+        {"PHY100  ", "Runs: Physical inspection 100 (no such autosequence)"},
+        {"PHY3", "Runs: PHY3 (no such autosequence)"},
+        {"PHY003", "Runs: PHY003 (no such autosequence)"},
+        {"PHY01x", "Runs: PHY01x (no such autosequence)"},
+        {"PHY 01", "Runs: PHY 01 (no such autosequence)"},
         {"UT212", "Runs: User tester 2 sequence 12 - LOAD TEST"},
         {"UT101", "Runs: User tester 1 sequence 1"}, // blank titles: nothing after the name
         {"UT913", "Runs: User tester 9 sequence 13 (no such autosequence)"},
-        {"PHY", "Runs: Physical inspection 0 (no such autosequence)"},
+        {"PHY", "Runs: PHY (no such autosequence)"},
         {"XYZ07  ", "Runs: XYZ07 (no such autosequence)"},
     };
     for (const auto &[command, text] : cases)

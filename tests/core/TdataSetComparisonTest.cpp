@@ -87,7 +87,8 @@ TEST(TcommandFields, NamesValuesOrSaysWhyTheCommandDoesNotFit)
         {{'E', 'X', "1"}, "|a field line of the definition file of op code X breaks the grammar"},
         {{'E', 'Q', "1"}, "|no definition file defines op code Q"},
         {{'E', 'A', "PHY03"}, "Autosequence Type=Physical Inspection, Number=3|"},
-        {{'E', 'A', "PHY19"}, "Autosequence Type=Physical Inspection|\"19\" is no number from 1 to 18"},
+        {{'E', 'A', "PHY19"}, "Autosequence Type=Physical Inspection|\"19\" is no number from 01 to 18"},
+        {{'E', 'A', "PHY3"}, "Autosequence Type=Physical Inspection|\"3\" is no number from 01 to 18"},
     };
     for (const auto &[record, expected] : table) {
         const TnamedCommand named = fields.name(record);

@@ -79,6 +79,11 @@ TEST(ListColours, SilverForUnusedWhiteWhenSelectedBlackOtherwise)
                        TtreeNodeDelegate::fontColour(true, true), TtreeNodeDelegate::fontColour(false, true),
                        TtreeNodeDelegate::fontColour(false, false)}),
         (QList<QColor>{silver, silver, white, black, silver, white, black}));
+    // The number column: as for 88 inspections; checklist 500's number fits it.
+    ensureApplication();
+    const QFontMetrics metrics{QFont()};
+    EXPECT_EQ(TlistRowDelegate::numberWidth(metrics, 18), metrics.horizontalAdvance("88. "));
+    EXPECT_GE(TlistRowDelegate::numberWidth(metrics, 500), metrics.horizontalAdvance("500. "));
 }
 
 // The Edit button on a tester: OK keeps a stored name longer than the form takes,
