@@ -6,6 +6,7 @@
 #include "TcliProgressSink.h"
 #include "TdataSet.h"
 #include "TdataSetComparison.h"
+#include "TrecentFolders.h"
 #include "TtextEncoding.h"
 #include "TtransferCommand.h"
 #include "TtransferMessageSink.h"
@@ -181,7 +182,8 @@ int TdiffCommand::run(const std::vector<std::string> &arguments)
     const bool json = args.has("--json");
 
     if (!analyzer) {
-        const fs::path other = args.positional.front();
+        // "other/Data/" names the Data folder as "other/Data" does.
+        const fs::path other = TrecentFolders::normal(args.positional.front());
         const std::optional<fs::path> otherApp = applicationFolderOf(other);
         if (!otherApp) {
             std::cerr << "kt930ctl diff: " << other.string()

@@ -24,3 +24,11 @@ bool openRegularFile(std::ifstream &in, const std::filesystem::path &path)
     ::close(fd);
     return regular && in.is_open();
 }
+
+bool small(std::ifstream &in)
+{
+    in.seekg(0, std::ios::end);
+    const std::streamoff size = in.tellg();
+    in.seekg(0);
+    return in && size >= 0 && size <= 64 * 1024;
+}

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -24,11 +25,16 @@ bool inside(const fs::path &path, const fs::path &folder)
 // Why the target cannot take the copy; empty when it can.
 std::string refusal(const fs::path &source, const fs::path &target)
 {
-    std::error_code ec;
-    const fs::path from = fs::weakly_canonical(source, ec), to = fs::weakly_canonical(target, ec);
+    std::error_code fromEc, toEc, ec;
+    const fs::path from = fs::weakly_canonical(source, fromEc), to = fs::weakly_canonical(target, toEc);
+    if (fromEc || toEc)
+        return (fromEc ? source : target).string() + " could not be examined: " + (fromEc ? fromEc : toEc).message() +
+               ".";
     if (inside(to, from))
         return target.string() + " is the data folder in use or inside it. Choose a folder elsewhere.";
     const fs::file_status status = fs::symlink_status(target, ec);
+    if (ec && ec != std::errc::no_such_file_or_directory)
+        return target.string() + " could not be examined: " + ec.message() + ".";
     if (fs::is_symlink(status))
         return target.string() + " is a link. Choose a new folder or an empty one.";
     if (fs::exists(status) && (!fs::is_directory(status) || !fs::is_empty(target, ec) || ec))
@@ -36,6 +42,8 @@ std::string refusal(const fs::path &source, const fs::path &target)
     return {};
 }
 
+// In chunks: a huge stray file in the folder costs no memory. The staging folder is
+// private until renamed, so the file is written in place.
 bool copyFile(const fs::path &from, const fs::path &to, std::string &why)
 {
     std::ifstream in;
@@ -43,9 +51,51 @@ bool copyFile(const fs::path &from, const fs::path &to, std::string &why)
         why = from.string() + " could not be read.";
         return false;
     }
-    const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (in.bad() || writeFileAtomically(to, bytes) != AtomicWriteResult::Ok) {
+    const int out = ::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOCTTY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    bool written = out >= 0;
+    std::vector<char> chunk(1 << 16);
+    while (written && in) {
+        in.read(chunk.data(), std::streamsize(chunk.size()));
+        for (std::streamsize done = 0, count = in.gcount(); written && done < count;) {
+            const ssize_t n = ::write(out, chunk.data() + done, std::size_t(count - done));
+            if (n < 0 && errno == EINTR)
+                continue;
+            written = n > 0;
+            done += n;
+        }
+    }
+    written = written && ::fsync(out) == 0;
+    if (out >= 0 && ::close(out) != 0)
+        written = false;
+    if (in.bad() || !written) {
         why = (in.bad() ? from : to).string() + (in.bad() ? " could not be read." : " could not be written.");
+        return false;
+    }
+    return true;
+}
+
+// Regular files and real folders only: a link, a FIFO or a socket is not part of the data set.
+bool copyFolder(const fs::path &from, const fs::path &to, std::string &why)
+{
+    if (::mkdir(to.c_str(), S_IRWXU) != 0) {
+        why = to.string() + " could not be made.";
+        return false;
+    }
+    std::error_code ec;
+    for (fs::directory_iterator it(from, ec), end; !ec && it != end; it.increment(ec)) {
+        const std::string name = it->path().filename().string();
+        // Locks, restore points and half-saved files are the source's own.
+        if (name.front() == '.')
+            continue;
+        const fs::file_status status = it->symlink_status(ec);
+        if (ec)
+            break;
+        if (fs::is_directory(status) ? !copyFolder(it->path(), to / name, why)
+                                     : fs::is_regular_file(status) && !copyFile(it->path(), to / name, why))
+            return false;
+    }
+    if (ec) {
+        why = from.string() + " could not be read: " + ec.message() + ".";
         return false;
     }
     return true;
@@ -55,23 +105,9 @@ bool copyInto(const fs::path &source, const fs::path &staging, std::string &why)
 {
     const fs::path data = TappDir::dataFolder(source);
     const fs::path copiedData = staging / data.filename();
-    if (::mkdir(copiedData.c_str(), S_IRWXU) != 0) {
-        why = copiedData.string() + " could not be made.";
+    if (!copyFolder(data, copiedData, why))
         return false;
-    }
     std::error_code ec;
-    for (const fs::directory_entry &entry : fs::directory_iterator(data, ec)) {
-        const std::string name = entry.path().filename().string();
-        // Only the data files: locks, restore points and half-saved files are the source's own.
-        if (name.front() == '.' || entry.is_directory(ec))
-            continue;
-        if (!copyFile(entry.path(), copiedData / name, why))
-            return false;
-    }
-    if (ec) {
-        why = data.string() + " could not be read: " + ec.message() + ".";
-        return false;
-    }
     if (fs::exists(fs::symlink_status(source / SettingsFile, ec)) &&
         !copyFile(source / SettingsFile, staging / SettingsFile, why))
         return false;

@@ -32,7 +32,8 @@ std::optional<TlastTransfer> TlastTransfer::read(const std::filesystem::path &da
 {
     std::ifstream in;
     std::string line;
-    if (!openRegularFile(in, dataFolder / FileName) || !std::getline(in, line) || line.size() > 200)
+    // The file may come with someone else's folder: one that is not ours is not read.
+    if (!openRegularFile(in, dataFolder / FileName) || !small(in) || !std::getline(in, line) || line.size() > 200)
         return std::nullopt;
     const std::size_t first = line.find('\t'), second = line.find('\t', first + 1);
     if (first == std::string::npos || second == std::string::npos)

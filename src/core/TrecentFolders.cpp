@@ -34,7 +34,7 @@ void TrecentFolders::load()
 {
     m_folders.clear();
     std::ifstream in;
-    if (file().empty() || !openRegularFile(in, file()))
+    if (file().empty() || !openRegularFile(in, file()) || !small(in))
         return;
     std::string line;
     // A list of eight folders is small; a huge file is not ours and is read no further.

@@ -89,7 +89,9 @@ void ThostDashboard::refresh(const std::filesystem::path &applicationFolder,
         std::error_code ec;
         const bool there = std::filesystem::is_directory(folder, ec);
         auto *button =
-            new QPushButton(text(folder.string()) + (there ? QString() : QStringLiteral(" (not there)")), m_recentRow);
+            new QPushButton(text(folder.string()).replace(QLatin1Char('&'), QStringLiteral("&&")) + // no shortcut
+                                (there ? QString() : QStringLiteral(" (not there)")),
+                            m_recentRow);
         button->setEnabled(there);
         button->setFlat(true);
         button->setCursor(Qt::PointingHandCursor);

@@ -43,6 +43,19 @@ QString text(const std::filesystem::path &path)
     return QString::fromStdString(path.string());
 }
 
+// A path as a menu or button shows it: an '&' in it is no shortcut.
+QString label(const std::filesystem::path &path)
+{
+    return text(path).replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+// The same folder through a link or another spelling is no switch.
+bool sameFolder(const std::filesystem::path &a, const std::filesystem::path &b)
+{
+    std::error_code ec;
+    return a == b || std::filesystem::equivalent(TappDir::dataFolder(a), TappDir::dataFolder(b), ec);
+}
+
 QString settingsFile(const TappFolders &folders)
 {
     return text(folders.application / "KT930pc.ini");
@@ -121,7 +134,7 @@ void ThostMainWindow::showFolder()
             others.push_back(recent);
     m_recentMenu->clear();
     for (const std::filesystem::path &recent : others)
-        m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(m_recentMenu->actions().size() + 1).arg(text(recent)),
+        m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(m_recentMenu->actions().size() + 1).arg(label(recent)),
                                 this, [this, recent] {
                                     // Queued: the switch rebuilds this menu, and with it the entry that was chosen.
                                     QMetaObject::invokeMethod(
@@ -220,7 +233,7 @@ bool ThostMainWindow::continueWithDataFolderInUse(const TdataFolderSession &sess
 void ThostMainWindow::compareWithAnalyzer()
 {
     int shownPlugin = -1;
-    if (!returnToMainView(shownPlugin))
+    if (!returnToMainView(shownPlugin, QStringLiteral("Compare With KT930")))
         return;
     TPluginHostInfo host;
     host.mainView = m_mainView;
@@ -440,7 +453,7 @@ void ThostMainWindow::chooseSaveTarget()
 
 // The host contract has the frame hand the main view back itself: its own return,
 // which saves, is pressed, and the switch goes on only when the view came back.
-bool ThostMainWindow::returnToMainView(int &shownPlugin)
+bool ThostMainWindow::returnToMainView(int &shownPlugin, const QString &caption)
 {
     shownPlugin = -1;
     for (std::size_t i = 0; i < m_plugins.size(); ++i) {
@@ -451,7 +464,7 @@ bool ThostMainWindow::returnToMainView(int &shownPlugin)
         if (auto *exit = frame->findChild<QAbstractButton *>(QStringLiteral("BtnExit")))
             exit->click();
         if (frame->isVisible() || !m_mainView->isVisible()) {
-            tellFailure(OpenCaption, ReturnFirstText);
+            tellFailure(caption, ReturnFirstText);
             return false;
         }
     }
@@ -461,7 +474,7 @@ bool ThostMainWindow::returnToMainView(int &shownPlugin)
 bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
 {
     const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
-    if (folder == m_folders.application)
+    if (sameFolder(folder, m_folders.application))
         return true;
     std::error_code ec;
     if (!std::filesystem::is_directory(folder, ec)) {
@@ -489,7 +502,7 @@ bool ThostMainWindow::openDataFolder(const std::filesystem::path &chosen)
         }
     }
     int shownPlugin = -1;
-    if (!returnToMainView(shownPlugin) || !switchTo(folder))
+    if (!returnToMainView(shownPlugin, OpenCaption) || !switchTo(folder))
         return false;
     if (shownPlugin >= 0)
         showPlugin(shownPlugin);
@@ -500,7 +513,7 @@ bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 {
     const std::filesystem::path folder = TrecentFolders::normal(std::filesystem::absolute(chosen));
     int shownPlugin = -1;
-    if (!returnToMainView(shownPlugin))
+    if (!returnToMainView(shownPlugin, SaveAsCaption))
         return false;
     std::string why;
     if (!TdataFolderCopy::copy(m_folders.application, folder, why)) {
@@ -520,7 +533,7 @@ bool ThostMainWindow::saveDataFolderAs(const std::filesystem::path &chosen)
 // The new folder is held before the old one is let go, so a decline keeps everything as it was.
 bool ThostMainWindow::switchTo(const std::filesystem::path &folder)
 {
-    if (folder == m_folders.application)
+    if (sameFolder(folder, m_folders.application))
         return true;
     const std::filesystem::path dataFolder = TappDir::dataFolder(folder);
     auto session = std::make_unique<TdataFolderSession>(dataFolder);

@@ -78,7 +78,7 @@ private:
     void chooseSaveTarget();
     // The frame on show saves and hands the main view back; -1 when none was shown,
     // false when it did not come back.
-    bool returnToMainView(int &shownPlugin);
+    bool returnToMainView(int &shownPlugin, const QString &caption);
     bool switchTo(const std::filesystem::path &folder);
     void showFolder();
     void tellFailure(const QString &caption, const QString &text);

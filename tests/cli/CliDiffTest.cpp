@@ -31,7 +31,8 @@ struct CliDiffTest : CliFixture {
 TEST_F(CliDiffTest, FolderAgainstFolderOrItsDataFolder)
 {
     fs::copy(temp / "app", temp / "other", fs::copy_options::recursive);
-    EXPECT_EQ(outcome(ctl({"diff", (temp / "other/Data").string()})), std::tuple(0, "No differences\n", ""));
+    for (const char *other : {"other/Data", "other/Data/", "other/"})
+        EXPECT_EQ(outcome(ctl({"diff", (temp / other).string()})), std::tuple(0, "No differences\n", "")) << other;
     changeCheckitem15("other", "EB\t0\t0.2\t0\t5");
     const std::string line = "checkitem 15: " + demo + " -> " + changed;
     EXPECT_EQ(outcome(ctl({"diff", (temp / "other").string()})),

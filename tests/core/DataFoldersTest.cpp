@@ -15,7 +15,8 @@ TEST(DataFoldersTest, RecentFoldersKeepTheNewestEightAbsoluteFoldersOnceEach)
         {"/b\n/a\n", "/a/", "/a\n/b\n"}, // moves first, written once
         {"/b/./c\r\n\nrelative\n/b/c/\n", "/d", "/d\n/b/c\n"},
         {"/1\n/2\n/3\n/4\n/5\n/6\n/7\n/8\n/9\n", "/0", "/0\n/1\n/2\n/3\n/4\n/5\n/6\n/7\n"},
-        {"/a\n", "/new\nline", "/a\n"}, // kept for this run, never written as two lines
+        {"/a\n", "/new\nline", "/a\n"},              // kept for this run, never written as two lines
+        {std::string(65 * 1024, '/'), "/a", "/a\n"}, // too big to be ours: not read
     };
     for (const auto &c : cases) {
         settings.write("kt930pc/recent-folders", c.file);
@@ -42,6 +43,12 @@ TEST(DataFoldersTest, SaveAsCopiesTheDataFilesAndSettingsIntoANewOrEmptyFolderOn
     temp.write("a/Data/.restore/1/mit.dat", "older");
     temp.write("a/Data/.session", "123\n");
     temp.write("a/KT930pc.ini", "[COMM]\n");
+    // A real folder is copied; links, a FIFO and a dangling link are not part of the set and stop nothing.
+    temp.write("a/Data/photos/1.jpg", "jpeg");
+    fs::create_symlink(temp / "a/KT930pc.ini", temp / "a/Data/settings");
+    fs::create_symlink(temp / "a/Data/photos", temp / "a/Data/album");
+    fs::create_symlink(temp / "gone", temp / "a/Data/gone");
+    ASSERT_EQ(::mkfifo((temp / "a/Data/pipe").c_str(), 0600), 0);
     temp.write("full/x", "someone's file");
     fs::create_directories(temp / "empty");
     fs::create_symlink(temp / "empty", temp / "link");
@@ -70,9 +77,11 @@ TEST(DataFoldersTest, SaveAsCopiesTheDataFilesAndSettingsIntoANewOrEmptyFolderOn
 
     for (const char *target : {"empty", "new/b"}) {
         ASSERT_TRUE(TdataFolderCopy::copy(temp / "a", temp / target, why)) << why;
-        EXPECT_EQ(tree(temp / target), "Data/ Data/mit.dat=checkitems KT930pc.ini=[COMM]\n ");
+        EXPECT_EQ(tree(temp / target),
+                  "Data/ Data/mit.dat=checkitems Data/photos/ Data/photos/1.jpg=jpeg KT930pc.ini=[COMM]\n ");
         EXPECT_EQ(modeOf(temp / target), 0700u);
     }
     EXPECT_EQ(tree(temp / "a"), source);
-    EXPECT_EQ(tree(temp / "new"), "b/ b/Data/ b/Data/mit.dat=checkitems b/KT930pc.ini=[COMM]\n ");
+    EXPECT_EQ(tree(temp / "new"), "b/ b/Data/ b/Data/mit.dat=checkitems b/Data/photos/ b/Data/photos/1.jpg=jpeg "
+                                  "b/KT930pc.ini=[COMM]\n ");
 }

@@ -28,7 +28,7 @@ protected:
     QString shown(const char *name) const { return child<QLabel>(window->mainView(), name)->text(); }
     AppDirScope appDir; // the application object, and the folder the plug-in starts on
     TempDir settings, customers;
-    const fs::path a = appDir.dir().path(), b = customers / "b";
+    const fs::path a = appDir.dir().path(), b = customers / "b&c"; // no shortcut
     std::unique_ptr<ThostMainWindow> window;
 };
 
@@ -62,6 +62,9 @@ TEST_F(HostFolderTest, OpeningAFolderWithTheFrameShownSavesItsEditsReadsTheNewSe
     EXPECT_EQ(window->windowTitle(), "KT930 Plus PC - " + folderB);
     EXPECT_EQ(child<QLabel>(window->statusBar(), "applicationFolder")->text(), "Data folder: " + folderB);
     EXPECT_EQ(TempDir::read(settings / "recent-folders"), b.string() + "\n" + a.string() + "\n");
+    fs::create_directory_symlink(b, customers / "link"); // the same folder, reached another way
+    ASSERT_TRUE(window->openDataFolder(customers / "link"));
+    EXPECT_EQ(window->applicationFolder(), b);
 
     // Back in the main view, the overview of b offers a as one click.
     click(frame(), "BtnExit");
@@ -73,6 +76,10 @@ TEST_F(HostFolderTest, OpeningAFolderWithTheFrameShownSavesItsEditsReadsTheNewSe
     entry->click();
     EXPECT_EQ(window->applicationFolder(), a);
     EXPECT_EQ(TappDir::applicationFolder(), a); // what the plug-in reads
+    const QString shownB = QString(folderB).replace("&", "&&");
+    EXPECT_EQ(window->findChild<QMenu *>("menuRecent")->actions().value(0)->text(), "&1  " + shownB);
+    EXPECT_TRUE(std::ranges::any_of(window->mainView()->findChildren<QPushButton *>(),
+                                    [&](const QPushButton *button) { return button->text() == shownB; }));
 
     // A folder without Data/, and no shipped defaults to make one from: nothing changes.
     answerNextBox(QMessageBox::Ok);
@@ -81,6 +88,15 @@ TEST_F(HostFolderTest, OpeningAFolderWithTheFrameShownSavesItsEditsReadsTheNewSe
                                          " holds no Data folder.\nChoose a folder that holds one, or make a new one "
                                          "from the data set in use with Save Data Folder As...");
     EXPECT_EQ(window->applicationFolder(), a);
+
+    // Quit with edits on show: the frame saves them first.
+    window->showPlugin(0);
+    child<QListWidget>(frame(), "lstIP")->setCurrentRow(1);
+    answerNextBox(QMessageBox::Yes);
+    click(frame(), "BtnIPClear");
+    const std::string unsaved = TempDir::read(a / "Data/inspection.asq");
+    window->findChild<QAction *>(QStringLiteral("actionQuit"))->trigger();
+    EXPECT_NE(TempDir::read(a / "Data/inspection.asq"), unsaved);
 }
 
 // End to end: the copy is the folder the frame downloads into, and the overview says so.
