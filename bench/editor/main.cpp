@@ -108,7 +108,7 @@ int main(int argc, char **argv)
     const fs::path build(KT930_BENCH_APPDIR);
     ThostMainWindow window(TappFolders{appDir, build / "Plugins", build, {}, "benchmark"});
     window.show();
-    if (!QTest::qWaitForWindowExposed(&window) || window.pluginCount() != 1) {
+    if (!QTest::qWaitForWindowExposed(&window) || window.pluginCount() < 1) {
         std::fprintf(stderr, "bench_editor: the host window did not come up with its plug-in\n");
         return 1;
     }
