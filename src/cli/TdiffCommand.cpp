@@ -34,11 +34,7 @@ struct Tloaded {
 bool load(Tloaded &set)
 {
     set.data.loadAll();
-    try {
-        OpCodeDefinitions::load(set.data.dataFolder(), set.opCodes, set.messages);
-    } catch (const TopCodeFileCorrupt &) {
-        // Reported; the op codes read so far still name their checkitems.
-    }
+    OpCodeDefinitions::loadReadable(set.data.dataFolder(), set.opCodes, set.messages);
     if (TcategoryMap names; CategoryDescriptors::load(set.data.dataFile("catdes.dat"), names) == 0)
         set.categories = std::move(names);
     if (set.messages.messages().empty())

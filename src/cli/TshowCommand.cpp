@@ -66,11 +66,7 @@ Treport gather(const std::filesystem::path &appDir)
     data.loadAll();
 
     TopCodeTable opCodes;
-    try {
-        OpCodeDefinitions::load(data.dataFolder(), opCodes, sink);
-    } catch (const TopCodeFileCorrupt &) {
-        // Already reported; the op codes read so far still name their checkitems.
-    }
+    OpCodeDefinitions::loadReadable(data.dataFolder(), opCodes, sink);
     const TcommandFields fields = TcommandFields::load(data.dataFolder());
     TcategoryMap categories;
     if (CategoryDescriptors::load(data.dataFile("catdes.dat"), categories) != 0)

@@ -186,11 +186,7 @@ std::string checkitemsWithUnknownOpCodes(const TdataSet &data, MessageSink &sink
 {
     constexpr std::size_t NamedAtMost = 5;
     TopCodeTable known;
-    try {
-        OpCodeDefinitions::load(data.dataFolder(), known, sink);
-    } catch (const TopCodeFileCorrupt &) {
-        // Reported; the op codes read so far still count as known.
-    }
+    OpCodeDefinitions::loadReadable(data.dataFolder(), known, sink);
     const std::vector<std::size_t> slots = data.checkitems.slotsWithUnknownOpCodes(known);
     std::string named;
     for (std::size_t i = 0; i < slots.size() && i < NamedAtMost; ++i)

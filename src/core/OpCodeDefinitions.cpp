@@ -69,6 +69,15 @@ std::vector<std::string> OpCodeDefinitions::readLines(const fs::path &file)
     return lines;
 }
 
+void OpCodeDefinitions::loadReadable(const fs::path &dataFolder, TopCodeTable &table, MessageSink &sink)
+{
+    try {
+        load(dataFolder, table, sink);
+    } catch (const TopCodeFileCorrupt &) {
+        // Reported; the op codes read so far still name their checkitems.
+    }
+}
+
 int OpCodeDefinitions::load(const fs::path &dataFolder, TopCodeTable &table, MessageSink &sink, Wording wording)
 {
     table.clear();

@@ -31,6 +31,10 @@ public:
     static int load(const std::filesystem::path &dataFolder, TopCodeTable &table, MessageSink &sink,
                     Wording wording = Wording::CheckitemDatabase);
 
+    // load() for callers that only name things: a corrupt file is reported and the op
+    // codes read before it are kept.
+    static void loadReadable(const std::filesystem::path &dataFolder, TopCodeTable &table, MessageSink &sink);
+
     static std::string noFilesText(Wording wording);
     static std::string corruptFileText(const std::string &path);
 };

@@ -33,11 +33,7 @@ bool TanalyzerComparison::run(const std::filesystem::path &appDir, const TPlugin
     TdataSet mine(appDir, loadMessages);
     mine.loadAll();
     TopCodeTable opCodes;
-    try {
-        OpCodeDefinitions::load(mine.dataFolder(), opCodes, loadMessages);
-    } catch (const TopCodeFileCorrupt &) {
-        // Reported; the op codes read so far still name their checkitems.
-    }
+    OpCodeDefinitions::loadReadable(mine.dataFolder(), opCodes, loadMessages);
 
     // Never saved: the analyzer's content goes into this set alone.
     TdataSet analyzer(appDir, messages);
